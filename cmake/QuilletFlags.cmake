@@ -1,0 +1,26 @@
+# Compiler flags shared by every target. They apply to the whole build, so that a kernel gives the
+# same bits wherever it is compiled.
+add_library(quillet_flags INTERFACE)
+target_compile_options(
+  quillet_flags
+  INTERFACE -Wall
+            -Wextra
+            -Wshadow
+            -Wconversion
+            -Wno-sign-conversion
+            # Results must not depend on the machine: no fused multiply-add.
+            -ffp-contract=off
+            # Without these two, loops with a square root or a comparison stay scalar.
+            -fno-math-errno
+            -fno-trapping-math)
+if(QUILLET_WERROR)
+  target_compile_options(quillet_flags INTERFACE -Werror)
+endif()
+if(QUILLET_NATIVE)
+  target_compile_options(quillet_flags INTERFACE -march=native)
+endif()
+if(QUILLET_SANITIZE)
+  target_compile_options(quillet_flags INTERFACE -fsanitize=address,undefined
+                                                 -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quillet_flags INTERFACE -fsanitize=address,undefined)
+endif()

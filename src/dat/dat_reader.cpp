@@ -1,0 +1,174 @@
+#include "dat/dat_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "results/special_times.h"
+#include "support/console.h"
+#include "support/interleave.h"
+
+namespace quillet {
+namespace {
+
+// A file that holds no output time does not bear out its counts; up to this many nodes or cells it
+// is believed.
+constexpr std::int32_t largest_count_on_trust = 10'000'000;
+
+// Vectors pass through a piece that stays in the processor's cache.
+constexpr std::int64_t pairs_per_piece = 32 * 1024;
+
+std::string cut_short(std::int64_t expected, const char* what, std::int64_t found) {
+  return fmt::format("expected {} bytes of {}, found {}", expected, what,
+                     std::max(found, std::int64_t{0}));
+}
+
+}  // namespace
+
+void DatReader::read_header() {
+  DatHeaderReader reader(file);
+  file_header = reader.read();
+  counts_stated = reader.node_count_stated();
+  position = reader.position();
+  statuses_in_force = 0;
+  step_follows = reader.step_follows() && position < file.size();
+  holds_marker_maps = false;
+  if (step_follows && file.size() - position >= dat_step_head_size) {
+    holds_marker_maps = read_head().time == maximum_marker_time;
+  }
+}
+
+void DatReader::check_counts() {
+  const auto [nodes, cells, is_vector, name] = file_header;
+  if (!counts_stated) {
+    FAIL_READING(file.name(), "expected the header of a binary .dat file, found no node count");
+  }
+  if (nodes < 0 || cells < 0) {
+    FAIL_READING(file.name(), fmt::format("expected numbers of nodes and cells of 0 or more, "
+                                          "found {} nodes and {} cells",
+                                          nodes, cells));
+  }
+  if (step_follows) {
+    const Place start = place();
+    advance();
+    return_to(start);
+  } else if (std::max(nodes, cells) > largest_count_on_trust) {
+    FAIL_READING(file.name(), fmt::format("expected an output time for {} nodes and {} cells, "
+                                          "found none",
+                                          nodes, cells));
+  }
+}
+
+std::int64_t DatReader::time_count_bound() const {
+  const Extent extent = extent_of({.states_statuses = true, .time = 0});
+  const std::int64_t block = dat_card_size + dat_step_head_size + extent.statuses + extent.values;
+  return (file.size() - position) / block + 1;
+}
+
+float DatReader::next_time() {
+  return read_head().time;
+}
+
+DatReader::StepHead DatReader::read_head() const {
+  std::array<char, dat_step_head_size> bytes{};
+  const auto found = file.read_at(position, bytes.data(), dat_step_head_size);
+  if (found < dat_step_head_size) {
+    FAIL_READING(file.name(), cut_short(dat_step_head_size, "status flag and time", found));
+  }
+  StepHead head;
+  head.states_statuses = bytes[0] == 1;
+  std::memcpy(&head.time, &bytes[1], sizeof head.time);
+  return head;
+}
+
+bool DatReader::has_vectors_at(float time) const {
+  const bool is_marker_map = time == source_marker_time || time == when_marker_time;
+  return file_header.is_vector && !(holds_marker_maps && is_marker_map);
+}
+
+DatReader::Extent DatReader::extent_of(const StepHead& head) const {
+  const std::int64_t values_per_node = has_vectors_at(head.time) ? 2 : 1;
+  return {.statuses = head.states_statuses ? file_header.cell_count : 0,
+          .values = file_header.node_count * values_per_node * std::int64_t{sizeof(float)}};
+}
+
+std::optional<DatStep> DatReader::try_advance() {
+  const StepHead head = read_head();
+  const Extent extent = extent_of(head);
+  const std::int64_t statuses_at = position + dat_step_head_size;
+  const std::int64_t values_at = statuses_at + extent.statuses;
+  if (values_at + extent.values > file.size()) return std::nullopt;
+
+  if (head.states_statuses) statuses_in_force = statuses_at;
+  position = values_at + extent.values;
+  look_for_step();
+  return DatStep{head.time, has_vectors_at(head.time), statuses_in_force, values_at};
+}
+
+DatStep DatReader::advance() {
+  const auto step = try_advance();
+  if (!step) fail_cut_short(read_head());
+  return *step;
+}
+
+void DatReader::fail_cut_short(const StepHead& head) const {
+  const Extent extent = extent_of(head);
+  const std::int64_t found = file.size() - position - dat_step_head_size;
+  if (found < extent.statuses) {
+    FAIL_READING(file.name(), cut_short(extent.statuses, "cell statuses", found));
+  }
+  FAIL_READING(file.name(), cut_short(extent.values, "node values", found - extent.statuses));
+}
+
+// Reads the card after an output time. The end of the file is an end like the end card, also right
+// after a card that promises another output time.
+void DatReader::look_for_step() {
+  std::int32_t card = 0;
+  const bool has_card = file.read_at(position, &card, dat_card_size) == dat_card_size;
+  position += dat_card_size;
+  step_follows =
+      has_card && card == static_cast<std::int32_t>(DatCard::output_time) && position < file.size();
+}
+
+void DatReader::return_to(const Place& place) {
+  position = place.position;
+  statuses_in_force = place.statuses_in_force;
+  step_follows = place.step_follows;
+}
+
+void DatReader::load(const DatStep& step, RES_TYPE& record) {
+  record.time = step.time;
+  record.is_vector = step.is_vector;
+  if (step.statuses_at == 0) {
+    std::fill(record.cell.status.begin(), record.cell.status.end(), std::int8_t{1});
+  } else {
+    read_bytes(step.statuses_at, record.cell.status.data(), record.cell_count, "cell statuses");
+  }
+  if (step.is_vector) {
+    load_vectors(step.values_at, record.nd, record.node_count);
+  } else {
+    read_bytes(step.values_at, record.nd.x.data(), record.node_count * std::int64_t{sizeof(float)},
+               "node values");
+  }
+}
+
+void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count) {
+  constexpr std::int64_t pair_size = 2 * sizeof(float);
+  pairs.resize(2 * pairs_per_piece);
+  for (std::int64_t first = 0; first < count; first += pairs_per_piece) {
+    const std::int64_t piece = std::min(pairs_per_piece, count - first);
+    read_bytes(from + first * pair_size, pairs.data(), piece * pair_size, "node values");
+    SEPARATE_COMPONENTS(pairs.data(), piece, nodes.x.data() + first, nodes.y.data() + first);
+  }
+}
+
+// The extent was checked when the walk passed; a file that became shorter since is noticed here.
+void DatReader::read_bytes(std::int64_t from, void* destination, std::int64_t count,
+                           const char* what) {
+  const auto found = file.read_at(from, destination, count);
+  if (found < count) FAIL_READING(file.name(), cut_short(count, what, found));
+}
+
+}  // namespace quillet

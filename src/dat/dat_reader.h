@@ -1,0 +1,98 @@
+// Reads a .dat dataset: the header, then one output time after the other. The size of an output
+// time is known beforehand, so moving past one reads its head only. Prints nothing.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "dat/dat_header_reader.h"
+#include "dat/dat_layout.h"
+#include "results/results_record.h"
+#include "support/input_unit.h"
+
+namespace quillet {
+
+// Where one output time stands in the file; positions are bytes from its start.
+struct DatStep {
+  float time = 0;                // hours
+  bool is_vector = false;        // two values per node
+  std::int64_t statuses_at = 0;  // the statuses in force; 0 when the file has stated none so far
+  std::int64_t values_at = 0;
+};
+
+class DatReader {
+ public:
+  // Opens the file (see InputUnit).
+  explicit DatReader(const std::string& file_name) : file(file_name) {}
+
+  const std::string& name() const { return file.name(); }
+  const DatHeader& header() const { return file_header; }
+
+  // Goes to the start of the file and reads the header.
+  void read_header();
+
+  // Ends the run when the counts cannot be true: none stated, negative, a first output time that
+  // would not fit in the file, or counts that no output time bears out and that are too large to be
+  // taken on trust. To be called before anything is sized by them.
+  void check_counts();
+
+  void close() { file.close(); }
+
+  // Most output times that the rest of the file can hold.
+  std::int64_t time_count_bound() const;
+
+  bool at_end() const { return !step_follows; }
+
+  // Hours of the output time that follows. Ends the run when the file stops inside its head.
+  float next_time();
+
+  // Moves past the output time that follows. Ends the run when the file stops inside it.
+  DatStep advance();
+
+  // Moves past the output time that follows; nothing when the file stops inside it.
+  std::optional<DatStep> try_advance();
+
+  // Fills values, statuses, time and the vector flag of a record sized for this file. Statuses that
+  // the file has not stated are 1.
+  void load(const DatStep& step, RES_TYPE& record);
+
+  // The walk's place in the file, to come back to.
+  struct Place {
+    std::int64_t position = 0;
+    std::int64_t statuses_in_force = 0;
+    bool step_follows = false;
+  };
+  Place place() const { return {position, statuses_in_force, step_follows}; }
+  void return_to(const Place& place);
+
+ private:
+  struct StepHead {
+    bool states_statuses = false;
+    float time = 0;
+  };
+  struct Extent {
+    std::int64_t statuses = 0;
+    std::int64_t values = 0;
+  };
+
+  StepHead read_head() const;
+  bool has_vectors_at(float time) const;
+  Extent extent_of(const StepHead& head) const;
+  [[noreturn]] void fail_cut_short(const StepHead& head) const;
+  void look_for_step();
+  void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
+  void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count);
+
+  InputUnit file;
+  DatHeader file_header;
+  bool counts_stated = false;
+  bool holds_marker_maps = false;      // its first output time is this program's maximum
+  bool step_follows = false;           // the last card read was that of an output time
+  std::int64_t position = 0;           // just after that card
+  std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far
+  std::vector<float> pairs;            // x y x y ..., a piece at a time
+};
+
+}  // namespace quillet

@@ -1,0 +1,36 @@
+// A .dat file as the output of an operation.
+#pragma once
+
+#include <string>
+
+#include "dat/dat_writer.h"
+#include "results/result_sink.h"
+
+namespace quillet {
+
+class DatSink : public ResultSink {
+ public:
+  // Opens the output.
+  DatSink(std::string file_name, const DatasetNames& names);
+
+  const std::string& name() const override { return file_name; }
+  void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
+  void write_time(const RES_TYPE& record) override;
+  void write_map(const ResultMap& map, const RES_TYPE& record) override;
+  void close() override;
+
+ private:
+  void write_header(const RES_TYPE& shape);
+  void write(float time, const RES_TYPE& record);
+
+  std::string file_name;
+  std::string dataset_name;
+  DatWriter writer;
+  RES_TYPE empty_shape;  // counts and vector flag only
+  bool has_header = false;
+  bool header_says_vector = false;
+  bool warned_of_negative_time = false;
+  bool warned_of_maps = false;
+};
+
+}  // namespace quillet

@@ -1,0 +1,53 @@
+#include "dat/dat_source.h"
+
+#include <cmath>
+
+#include "dat/dat_extreme_scan.h"
+#include "support/console.h"
+#include "support/numbers.h"
+
+namespace quillet {
+
+void DatSource::read_header() {
+  SAY("Reading Header for: " + name());
+  reader.read_header();
+  SAY("Number Cells: " + AINTEGER(cell_count()));
+  SAY("Number Nodes: " + AINTEGER(node_count()));
+  SAY("Data Description: " + reader.header().name);
+  reader.check_counts();
+}
+
+void DatSource::read_next(RES_TYPE& record) {
+  if (reader.at_end()) return;
+  SAY("Call ReadDatFile.");
+  reader.load(READ_TIME_STEP(reader), record);
+  SAY("Done.");
+  record.end_of_file = reader.at_end();
+  if (record.end_of_file) SAY("End of .dat file.");
+}
+
+void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
+  read_header();
+  while (!reader.at_end()) {
+    const DatStep step = READ_TIME_STEP(reader);
+    if (tolerance > std::fabs(step.time - time)) {
+      reader.load(step, record);
+      SAY("...Found time " + AREAL(time) + " in dat file.");
+      return;
+    }
+  }
+  SAY("ERROR - Could not find specified timestep in .dat file.");
+  EXITS();
+}
+
+void DatSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
+                             FileExtreme& file) {
+  SCAN_FOR_EXTREME(reader, extreme, ignore_stored, step, file);
+}
+
+void DatSource::close() {
+  SAY("Closing .dat file: " + name());
+  reader.close();
+}
+
+}  // namespace quillet

@@ -1,0 +1,40 @@
+// A .dat file as the input of an operation.
+#pragma once
+
+#include <string>
+
+#include "dat/dat_reader.h"
+#include "results/result_source.h"
+
+namespace quillet {
+
+class DatSource : public ResultSource {
+ public:
+  // Opens the file. Nothing else is known before `read_header`.
+  explicit DatSource(const std::string& file_name) : reader(file_name) {}
+
+  // Reads and prints the header, checks its counts. Ends the run when they cannot be true.
+  void read_header();
+
+  const std::string& name() const override { return reader.name(); }
+  std::int32_t node_count() const override { return reader.header().node_count; }
+  std::int32_t cell_count() const override { return reader.header().cell_count; }
+  bool is_vector() const override { return reader.header().is_vector; }
+  std::int64_t likely_time_count() const override { return reader.time_count_bound(); }
+
+  bool at_end() const override { return reader.at_end(); }
+  float next_time() override { return reader.next_time(); }
+  void read_next(RES_TYPE& record) override;
+  void pass_next() override { reader.advance(); }
+
+  // The first output time within the tolerance (strictly), from the start of the file.
+  void read_at_time(float time, float tolerance, RES_TYPE& record) override;
+  void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
+                    FileExtreme& file) override;
+  void close() override;
+
+ private:
+  DatReader reader;
+};
+
+}  // namespace quillet

@@ -1,0 +1,60 @@
+#include "driver/input_checks.h"
+
+#include "support/console.h"
+
+namespace quillet {
+namespace {
+
+bool fits(std::int32_t a, std::int32_t b) {
+  return a == b || a == unknown_count || b == unknown_count;
+}
+
+void check_counts(const RunSetup& setup) {
+  const ResultSource& primary = PRIMARY_INPUT(setup);
+  SAY_APART("Checking that .dat and .xmdf files have same number nodes and cells...");
+  for (const auto& source : setup.inputs.sources) {
+    if (fits(source->node_count(), primary.node_count()) &&
+        fits(source->cell_count(), primary.cell_count())) {
+      continue;
+    }
+    SAY("ERROR - Number nodes and/or cells in " + source->name() +
+        " not the same as in primary .dat file.");
+    END_WITH_PAUSE();
+  }
+  SAY_APART("All files have the same number of nodes and cells.");
+}
+
+void check_vectors(const RunSetup& setup) {
+  if (setup.operation != Operation::va) return;
+  for (const auto& source : setup.inputs.sources) {
+    if (source->is_vector()) continue;
+    SAY_APART("ERROR - .dat file or xmdf type must be vector data for -va option");
+    END_WITH_PAUSE();
+  }
+}
+
+void check_kinds(const RunSetup& setup) {
+  if (setup.operation == Operation::ensight) return;
+  for (const auto& source : setup.inputs.sources) {
+    if (source->is_vector() == PRIMARY_INPUT(setup).is_vector()) continue;
+    SAY("ERROR - " + source->name() +
+        " is not the same vector or scalar format as in primary .dat file.");
+    END_WITH_PAUSE();
+  }
+}
+
+}  // namespace
+
+const ResultSource& PRIMARY_INPUT(const RunSetup& setup) {
+  if (!setup.dat_sources.empty()) return *setup.dat_sources.front();
+  return *setup.inputs.sources.front();
+}
+
+void CHECK_CONSISTENCY(const RunSetup& setup) {
+  if (setup.operation == Operation::xnfo || setup.operation == Operation::conv) return;
+  check_counts(setup);
+  check_vectors(setup);
+  check_kinds(setup);
+}
+
+}  // namespace quillet

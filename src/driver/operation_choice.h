@@ -1,0 +1,11 @@
+// Which operation the run performs.
+#pragma once
+
+#include "driver/run_options.h"
+
+namespace quillet {
+
+// Prints every operation that was asked for. More or less than one ends the run.
+Operation CHOOSE_OPERATION(const RunOptions& options);
+
+}  // namespace quillet

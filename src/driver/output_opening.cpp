@@ -1,0 +1,64 @@
+#include "driver/output_opening.h"
+
+#include "dat/dat_sink.h"
+#include "support/console.h"
+#include "support/file_names.h"
+#include "support/output_unit.h"
+#include "support/text.h"
+
+namespace quillet {
+namespace {
+
+bool is_opened_by_set_up(Operation operation) {
+  switch (operation) {
+    case Operation::max:
+    case Operation::min:
+    case Operation::dif:
+    case Operation::dur:
+    case Operation::keep:
+    case Operation::range:
+    case Operation::remove:
+    case Operation::trim:
+    case Operation::con:
+    case Operation::toi:
+      return true;
+    case Operation::ddur:
+    case Operation::times:
+    case Operation::xnfo:
+    case Operation::va:
+    case Operation::conv:
+    case Operation::ensight:
+      return false;
+  }
+  return false;
+}
+
+void refuse(const std::string& input, const std::string& output_name) {
+  if (SAME_FILE(input, output_name) || SAME_FILE(input, PART_NAME(output_name))) {
+    FAIL("ERROR - Output file is also an input file: " + QUOTED(output_name));
+  }
+}
+
+}  // namespace
+
+void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name) {
+  for (std::size_t input = 0; input < setup.options.inputs.size(); ++input) {
+    const std::string& name = setup.options.inputs[input];
+    refuse(name, output_name);
+    refuse(setup.inputs.types[input].mesh_file, output_name);
+    refuse(WATER_LEVEL_FILE(name), output_name);
+  }
+}
+
+void OPEN_OUTPUT(RunSetup& setup) {
+  if (!is_opened_by_set_up(setup.operation)) return;
+  const std::string& name = setup.naming.base_file_name;
+  REFUSE_INPUT_AS_OUTPUT(setup, name);
+  if (setup.output_kind == FileKind::xmdf) {
+    FAIL("ERROR - XMDF outputs cannot be written by this version.");
+  }
+  const DatasetNames names{setup.naming.group_name, "", setup.naming.dataset_name};
+  setup.output = std::make_unique<DatSink>(name, names);
+}
+
+}  // namespace quillet

@@ -1,0 +1,79 @@
+#include "driver/output_type.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "support/console.h"
+#include "support/file_names.h"
+
+namespace quillet {
+namespace {
+
+// A kind that was once marked stays marked; XMDF prevails over .dat, both over text.
+struct Marks {
+  bool xmdf = false;
+  bool dat = false;
+};
+
+bool names_its_own_output(Operation operation) {
+  return operation == Operation::times || operation == Operation::xnfo ||
+         operation == Operation::ensight || operation == Operation::conv;
+}
+
+void mark_by_inputs(const std::vector<FileKind>& input_kinds, Marks& marks) {
+  const auto count = [&](FileKind kind) {
+    return std::count(input_kinds.begin(), input_kinds.end(), kind);
+  };
+  if (count(FileKind::dat) == 0) {
+    SAY_APART("Only XMDF inputs.");
+    marks.xmdf = true;
+  } else if (count(FileKind::xmdf) == 0) {
+    SAY_APART("Only DAT inputs.");
+    marks.dat = true;
+  } else {
+    SAY_APART("Both XMDF and DAT inputs");
+    marks.xmdf = true;
+  }
+}
+
+void mark_by_name(const std::string& output_name, Marks& marks) {
+  const std::string extension = FILEEXT(output_name);
+  if (extension == ".xmdf") {
+    SAY("Specified output file is .xmdf type");
+    marks.xmdf = true;
+  } else if (extension == ".dat") {
+    SAY("Specified output file is .dat type");
+    marks.dat = true;
+  } else {
+    SAY("Specified output file has no extension");
+  }
+}
+
+void append_extension(std::string_view extension, std::string& name) {
+  if (FILEEXT(name) != extension) name += extension;
+}
+
+}  // namespace
+
+FileKind SETTLE_OUTPUT_TYPE(Operation operation, const RunOptions& options,
+                            const std::vector<FileKind>& input_kinds, OutputNaming& naming) {
+  Marks marks;
+  if (!names_its_own_output(operation)) mark_by_inputs(input_kinds, marks);
+  if (options.output_name) mark_by_name(*options.output_name, marks);
+  const FileKind kind = marks.xmdf ? FileKind::xmdf : marks.dat ? FileKind::dat : FileKind::text;
+  if (operation == Operation::conv) return kind;
+
+  if (kind == FileKind::xmdf) {
+    SAY_APART("Using XMDF for output type");
+    append_extension(".xmdf", naming.base_file_name);
+  } else if (kind == FileKind::dat) {
+    SAY_APART("Using DAT for output type");
+    append_extension(".dat", naming.base_file_name);
+  } else {
+    SAY_APART("Output file is a text file");
+    append_extension(".txt", naming.base_file_name);
+  }
+  return kind;
+}
+
+}  // namespace quillet

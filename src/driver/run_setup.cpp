@@ -1,0 +1,155 @@
+#include "driver/run_setup.h"
+
+#include <fmt/format.h>
+
+#include "driver/input_checks.h"
+#include "driver/output_opening.h"
+#include "support/console.h"
+#include "support/file_names.h"
+#include "support/numbers.h"
+
+namespace quillet {
+namespace {
+
+constexpr float default_tolerance = 0.0001F;
+
+void announce_inputs(const RunOptions& options) {
+  SAY_APART("Allocating arrays for processing " +
+            AINTEGER(static_cast<std::int64_t>(options.inputs.size())) + " files.");
+  SAY("   Done.");
+}
+
+// Switched off for good: users of the operation keep an earlier version.
+void refuse_duration_difference(Operation operation) {
+  if (operation != Operation::ddur) return;
+  SAY_APART("Error - Difference in duration (-ddur) not yet implemented for xmdf files.");
+  SAY("    For .dat files, a previous version of the utility can be used.");
+  EXITS();
+}
+
+FileKind kind_of_input(const std::string& name) {
+  const std::string extension = FILEEXT(name);
+  if (extension == ".xmdf") return FileKind::xmdf;
+  if (extension == ".dat") return FileKind::dat;
+  FAIL("ERROR - Unable to determine file type (expecting .dat or .xmdf).");
+}
+
+void classify_inputs(RunSetup& setup) {
+  SAY_APART("ORVANE Results Files:");
+  int number = 0;
+  for (const std::string& name : setup.options.inputs) {
+    SAY(fmt::format("   File{:3}: {}", ++number, name));
+    setup.input_kinds.push_back(kind_of_input(name));
+  }
+}
+
+void settle_tolerance(RunSetup& setup) {
+  if (setup.options.tolerance) {
+    setup.tolerance = *setup.options.tolerance;
+    SAY_APART("User specified time search tolerance = " + AREAL(setup.tolerance));
+    return;
+  }
+  setup.tolerance = default_tolerance;
+  SAY_APART("Default time search tolerance = " + AREAL(setup.tolerance));
+  SAY("Use -dttol<tolerance> to set.");
+}
+
+bool has_input(const RunSetup& setup, FileKind kind) {
+  for (const FileKind input : setup.input_kinds) {
+    if (input == kind) return true;
+  }
+  return false;
+}
+
+void check_selection(const RunSetup& setup) {
+  const RunOptions& options = setup.options;
+  const bool takes_everything = setup.operation == Operation::xnfo ||
+                                setup.operation == Operation::conv ||
+                                setup.operation == Operation::ensight;
+  const bool selects =
+      options.type_given || options.dataset_path || options.scalar_id || options.vector_id;
+  if (!has_input(setup, FileKind::xmdf) || takes_everything || selects) return;
+  SAY_APART("ERROR - Must specify an output type to be processed if using xmdf files.");
+  SAY("   Use -type<output type> to use a specific output type.");
+  SAY("   Output types should be as specified in the .ocf eg. h, V, q, or d");
+  SAY("   E.g. -typeV to process the velocity results.");
+  EXITS();
+}
+
+void warn_of_ensight(const RunSetup& setup) {
+  if (setup.operation == Operation::ensight && has_input(setup, FileKind::dat)) {
+    SAY_APART("WARNING - Ensight conversion not fully supported for .dat files.");
+  }
+}
+
+void open_inputs(RunSetup& setup) {
+  if (has_input(setup, FileKind::xmdf)) {
+    FAIL("ERROR - XMDF inputs cannot be read by this version.");
+  }
+  for (const std::string& name : setup.options.inputs) {
+    auto source = std::make_unique<DatSource>(name);
+    setup.dat_sources.push_back(source.get());
+    setup.inputs.sources.push_back(std::move(source));
+  }
+}
+
+// In input order. The first header tells a finite-volume run, whose results have no dry nodes.
+void read_dat_headers(RunSetup& setup) {
+  for (DatSource* const source : setup.dat_sources) {
+    source->read_header();
+    const bool is_primary = source == setup.dat_sources.front();
+    if (!is_primary || source->cell_count() != source->node_count()) continue;
+    SAY_APART("Number of cells equals number of nodes, assuming ORVANE FV output");
+    setup.is_finite_volume = true;
+    setup.wet_dry_test = false;
+  }
+}
+
+InputType type_of_input(const RunSetup& setup, std::size_t input) {
+  const RunOptions& options = setup.options;
+  const std::string& name = options.inputs[input];
+  const bool is_dat = setup.input_kinds[input] == FileKind::dat;
+  InputType type = is_dat ? TYPE_OF_DAT_INPUT(name) : TYPE_OF_XMDF_INPUT(options.type_code);
+  type.mesh_file =
+      options.mesh_file.value_or(is_dat ? DEFAULT_MESH_OF_DAT(name) : DEFAULT_MESH_OF_XMDF(name));
+  return type;
+}
+
+void identify_inputs(RunSetup& setup) {
+  for (std::size_t input = 0; input < setup.options.inputs.size(); ++input) {
+    setup.inputs.types.push_back(type_of_input(setup, input));
+  }
+}
+
+void take_shape(RunSetup& setup) {
+  const ResultSource& primary = PRIMARY_INPUT(setup);
+  setup.node_count = primary.node_count();
+  setup.cell_count = primary.cell_count();
+  setup.is_vector = primary.is_vector();
+}
+
+}  // namespace
+
+void SET_UP_RUN(RunSetup& setup) {
+  setup.wet_dry_test = !setup.options.no_wet_dry;
+  announce_inputs(setup.options);
+  refuse_duration_difference(setup.operation);
+  classify_inputs(setup);
+  settle_tolerance(setup);
+  setup.output_kind =
+      SETTLE_OUTPUT_TYPE(setup.operation, setup.options, setup.input_kinds, setup.naming);
+  check_selection(setup);
+  warn_of_ensight(setup);
+
+  open_inputs(setup);
+  identify_inputs(setup);
+  OPEN_OUTPUT(setup);
+  read_dat_headers(setup);
+  CHECK_CONSISTENCY(setup);
+  for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
+  take_shape(setup);
+  ALLOCATE_WORK_ARRAYS({setup.operation, setup.node_count, setup.cell_count, setup.is_vector},
+                       setup.work);
+}
+
+}  // namespace quillet

@@ -1,0 +1,45 @@
+// From the checked command line to opened, checked and identified inputs, an opened output and
+// sized arrays: everything that an operation needs.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "dat/dat_source.h"
+#include "driver/output_naming.h"
+#include "driver/output_type.h"
+#include "driver/run_options.h"
+#include "operations/work_arrays.h"
+#include "results/result_sink.h"
+#include "results/run_inputs.h"
+
+namespace quillet {
+
+struct RunSetup {
+  Operation operation = Operation::max;
+  RunOptions options;
+  OutputNaming naming;
+
+  std::vector<FileKind> input_kinds;  // one per input
+  FileKind output_kind = FileKind::dat;
+  float tolerance = 0;  // hours
+
+  RunInputs inputs;
+  std::vector<DatSource*> dat_sources;  // those of the inputs that are .dat files, in order
+  std::unique_ptr<ResultSink> output;   // none for operations that open theirs themselves
+  WorkArrays work;
+
+  // Of the mesh that all inputs share.
+  std::int32_t node_count = 0;
+  std::int32_t cell_count = 0;
+  bool is_vector = false;
+  bool is_finite_volume = false;
+  bool wet_dry_test = true;
+};
+
+// Prints every step; the first that fails ends the run. The operation and the options are set.
+void SET_UP_RUN(RunSetup& setup);
+
+}  // namespace quillet

@@ -1,0 +1,85 @@
+#include "operations/extreme.h"
+
+#include <algorithm>
+
+#include "results/special_times.h"
+#include "support/console.h"
+
+namespace quillet {
+namespace {
+
+// The maps of an output. The values stand under the output's own dataset name.
+struct MapSet {
+  ResultMap values;
+  ResultMap sources;
+  ResultMap times;
+};
+
+constexpr MapSet maximum_maps{{"", maximum_marker_time, maximum_marker_time},
+                              {"Max Source", maximum_marker_time, source_marker_time},
+                              {"Max Time", maximum_marker_time, when_marker_time}};
+constexpr MapSet minimum_maps{{"", minimum_marker_time, minimum_marker_time},
+                              {"Min Source", minimum_marker_time, source_marker_time},
+                              {"Min Time", minimum_marker_time, when_marker_time}};
+
+// The file's record for one input: over all output times, or at the time asked for.
+void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source) {
+  FileExtreme& file = run.work.file;
+  RESET_FILE_EXTREME(extreme, file);
+  if (run.time) {
+    source.read_at_time(*run.time, run.tolerance, file.record);
+    ADOPT_STORED_EXTREME(*run.time, file);
+  } else {
+    source.read_extreme(extreme, run.ignore_stored, run.work.step, file);
+  }
+}
+
+void fold_inputs(Extreme extreme, OperationRun& run) {
+  RES_TYPE& overall = run.work.result;
+  RESET_RECORD(overall, INITIAL_STATUS(extreme));
+  if (run.time) run.inputs.find_time(*run.time, run.tolerance);
+  std::int32_t file_number = 0;
+  for (const auto& source : run.inputs.sources) {
+    read_file_extreme(extreme, run, *source);
+    FOLD_FILE(extreme, run.work.file, ++file_number, nullptr, overall);
+  }
+}
+
+// The source and time maps are scalars over the same cells; the values are written by then and
+// their place is used again.
+void write_maps(Extreme extreme, OperationRun& run) {
+  SAY("Writing Output");
+  const MapSet& maps = extreme == Extreme::maximum ? maximum_maps : minimum_maps;
+  const bool has_times = run.inputs.sources.size() == 1 && !run.time;
+  RES_TYPE& overall = run.work.result;
+  run.output.prepare(overall, has_times ? 3 : 2);
+  run.output.write_map(maps.values, overall);
+
+  overall.is_vector = false;
+  std::copy(overall.nd.source.begin(), overall.nd.source.end(), overall.nd.x.begin());
+  run.output.write_map(maps.sources, overall);
+  if (!has_times) return;
+
+  overall.nd.x.swap(run.work.file.time);
+  run.output.write_map(maps.times, overall);
+}
+
+}  // namespace
+
+void RUN_EXTREME(Extreme extreme, OperationRun& run) {
+  SAY("Allocating secondary arrays for time of max / min.");
+  SAY("Done.");
+  if (run.time && run.inputs.sources.size() < 2) {
+    FAIL("ERROR - expecting two or more files when using -max or -min with a specified time (-t)");
+  }
+  if (run.ignore_stored) {
+    SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
+  }
+  fold_inputs(extreme, run);
+  write_maps(extreme, run);
+  SAY("Closing input file");
+  for (const auto& source : run.inputs.sources) source->close();
+  run.output.close();
+}
+
+}  // namespace quillet

@@ -1,0 +1,72 @@
+#include "operations/work_arrays.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "support/console.h"
+#include "support/numbers.h"
+
+namespace quillet {
+namespace {
+
+bool is_extreme(Operation operation) {
+  return operation == Operation::max || operation == Operation::min;
+}
+
+void size_step(const WorkShape& shape, WorkArrays& work) {
+  SIZE_RECORD(work.step, shape.node_count, shape.cell_count, shape.is_vector);
+}
+
+void size_result(const WorkShape& shape, WorkArrays& work) {
+  if (!is_extreme(shape.operation)) return;
+  SIZE_RECORD(work.result, shape.node_count, shape.cell_count, shape.is_vector);
+  SIZE_SOURCES(work.result);
+}
+
+void size_file(const WorkShape& shape, WorkArrays& work) {
+  if (!is_extreme(shape.operation)) return;
+  SIZE_FILE_EXTREME(work.file, shape.node_count, shape.cell_count, shape.is_vector);
+}
+
+struct Allocation {
+  std::string_view label;
+  void (*size)(const WorkShape&, WorkArrays&) = nullptr;  // none: a label of old
+};
+
+constexpr std::array<Allocation, 20> allocations{{
+    {"nd1", size_step},
+    {"nd2"},
+    {"nd3"},
+    {"nd4"},
+    {"sf"},
+    {"sfo"},
+    {"ff"},
+    {"v1"},
+    {"v2"},
+    {"o1"},
+    {"o2"},
+    {"h1"},
+    {"h2"},
+    {"z1"},
+    {"z2"},
+    {"nceok"},
+    {"res_%", size_result},
+    {"wk_res_%", size_file},
+    {"geom_%"},
+    {"geom2_%"},
+}};
+
+}  // namespace
+
+void ALLOCATE_WORK_ARRAYS(const WorkShape& shape, WorkArrays& work) {
+  SAY_APART("Allocating RAM for a mesh of " + AINTEGER(shape.node_count) + " nodes and " +
+            AINTEGER(shape.cell_count) + " cells...");
+  for (const Allocation& allocation : allocations) {
+    SAY_APART("Allocation " + std::string(allocation.label));
+    if (allocation.size != nullptr) allocation.size(shape, work);
+    SAY("    Done.");
+  }
+}
+
+}  // namespace quillet

@@ -1,0 +1,50 @@
+// Folding one record into another: the running maximum or minimum of one file, and of all files.
+// Strictly greater (smaller) wins, so ties keep what came first; a value that is not a number never
+// wins. Running values start at 0, for the minimum too.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "results/results_record.h"
+
+namespace quillet {
+
+enum class Extreme { maximum, minimum };
+
+// The running maximum or minimum over the output times of one file.
+struct FileExtreme {
+  RES_TYPE record;
+  std::vector<float> magnitude;  // of the record's vectors; empty for scalars
+  std::vector<float> time;       // per node: hours at which the value was set
+};
+
+// Sizes everything for the given mesh. Ends the run when memory does not suffice.
+void SIZE_FILE_EXTREME(FileExtreme& file, std::int32_t node_count, std::int32_t cell_count,
+                       bool is_vector);
+
+// Status that every cell has before anything was folded in: a cell is active in a maximum when it
+// is active at any output time, in a minimum when it is at every one.
+std::int8_t INITIAL_STATUS(Extreme extreme);
+
+// Values, times and statuses as before the first output time.
+void RESET_FILE_EXTREME(Extreme extreme, FileExtreme& file);
+
+// Folds one output time (values and statuses) into its file's extreme. Vectors are compared by
+// magnitude and keep the components.
+void FOLD_OUTPUT_TIME(Extreme extreme, const RES_TYPE& step, FileExtreme& file);
+
+// file.record was replaced by stored extremes: sets the magnitudes to match, every time to `time`.
+void ADOPT_STORED_EXTREME(float time, FileExtreme& file);
+
+// Folds statuses: the larger (smaller) of the absolute values.
+void FOLD_STATUSES(Extreme extreme, const std::vector<std::int8_t>& status,
+                   std::vector<std::int8_t>& running);
+
+// Folds one file into the record over all files; nodes that it wins get its number as source.
+// With `node_counts` (one byte per node, or null for all) only nodes with a 1 take part; scalars
+// only.
+void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_number,
+               const std::vector<std::uint8_t>* node_counts, RES_TYPE& overall);
+
+}  // namespace quillet

@@ -1,0 +1,50 @@
+// What an output is to an operation, whatever its file format.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "results/results_record.h"
+
+namespace quillet {
+
+// One of several maps of an output (the maxima, their sources, their times). A format that holds
+// several datasets gives each its own, with the dataset time; one that holds a single dataset tells
+// them apart by marker times.
+struct ResultMap {
+  std::string_view dataset_name;  // empty: the output's own
+  float dataset_time = 0;
+  float marker_time = 0;
+};
+
+// Names under which results stand in formats that have them; hours throughout.
+struct DatasetNames {
+  std::string group;
+  std::string folder;
+  std::string dataset;  // empty: the output's own name
+};
+
+// A sink never changes the caller's record. Whatever cannot be written ends the run.
+class ResultSink {
+ public:
+  virtual ~ResultSink() = default;
+
+  virtual const std::string& name() const = 0;
+
+  // Tells what will come, before anything is written: the counts and the vector flag of the records
+  // (what the file says of itself when none is ever written), and a guess at how many output times,
+  // for reserving space.
+  virtual void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) = 0;
+
+  // Writes one output time of the output's dataset.
+  virtual void write_time(const RES_TYPE& record) = 0;
+
+  // Writes one map; the record's own time is not used.
+  virtual void write_map(const ResultMap& map, const RES_TYPE& record) = 0;
+
+  // Completes the file and gives it its final name.
+  virtual void close() = 0;
+};
+
+}  // namespace quillet

@@ -1,0 +1,46 @@
+#include "results/results_record.h"
+
+#include <algorithm>
+#include <new>
+
+#include "support/console.h"
+
+namespace quillet {
+namespace {
+
+template <typename Value>
+void size_array(std::vector<Value>& array, std::int32_t count, Value value) {
+  try {
+    array.assign(static_cast<std::size_t>(count), value);
+  } catch (const std::bad_alloc&) {
+    FAIL_ALLOCATION();
+  }
+}
+
+}  // namespace
+
+void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count, bool is_vector,
+                 std::int8_t status) {
+  record.node_count = node_count;
+  record.cell_count = cell_count;
+  record.is_vector = is_vector;
+  size_array(record.nd.x, node_count, 0.0F);
+  if (is_vector) size_array(record.nd.y, node_count, 0.0F);
+  size_array(record.cell.status, cell_count, status);
+}
+
+void SIZE_SOURCES(RES_TYPE& record) {
+  size_array(record.nd.source, record.node_count, 0);
+}
+
+void SIZE_ARRAY(std::vector<float>& array, std::int32_t count) {
+  size_array(array, count, 0.0F);
+}
+
+void RESET_RECORD(RES_TYPE& record, std::int8_t status) {
+  std::fill(record.nd.x.begin(), record.nd.x.end(), 0.0F);
+  std::fill(record.nd.y.begin(), record.nd.y.end(), 0.0F);
+  std::fill(record.cell.status.begin(), record.cell.status.end(), status);
+}
+
+}  // namespace quillet

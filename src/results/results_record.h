@@ -1,0 +1,48 @@
+// One output time of one dataset in memory. Plain arrays, field by field, so that the loops over
+// nodes run at memory speed.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace quillet {
+
+// Per node, in node order.
+struct ND_RES_TYPE {
+  std::vector<float> x;              // scalar value or x component
+  std::vector<float> y;              // y component; sized for vector data only
+  std::vector<std::int32_t> source;  // number (from 1) of the input that supplied the value; 0
+                                     // none. Sized only where sources are kept
+};
+
+// Per cell, in cell order.
+struct CELL_RES_TYPE {
+  std::vector<std::int8_t> status;  // 1 = active (wet)
+};
+
+struct RES_TYPE {
+  std::int32_t node_count = 0;
+  std::int32_t cell_count = 0;
+  bool is_vector = false;
+  float time = 0;                   // hours
+  bool end_of_file = false;         // no output time follows in the file that was read
+  bool nodes_unrestricted = false;  // nodes count even outside active cells
+  ND_RES_TYPE nd;
+  CELL_RES_TYPE cell;
+};
+
+// Sizes a record for the given mesh: values 0.0, every cell's status `status`. Ends the run when
+// memory does not suffice.
+void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count, bool is_vector,
+                 std::int8_t status = 0);
+
+// Adds the sources to a sized record: 0 for every node.
+void SIZE_SOURCES(RES_TYPE& record);
+
+// Sizes an array, zeroed. Ends the run when memory does not suffice.
+void SIZE_ARRAY(std::vector<float>& array, std::int32_t count);
+
+// Values 0.0, every cell's status `status`; sizes and sources stay.
+void RESET_RECORD(RES_TYPE& record, std::int8_t status);
+
+}  // namespace quillet

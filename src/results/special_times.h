@@ -1,0 +1,17 @@
+// Output times that are no hours but say what the values are.
+#pragma once
+
+namespace quillet {
+
+// Written by simulation engines.
+constexpr float stored_maximum_time = 99999.0F;   // maxima (or minima) that the engine tracked
+constexpr float stored_minimum_time = -99999.0F;  // asks for stored minima
+constexpr float stored_when_time = 99999.1F;      // the times at which maxima occurred
+
+// Written by -max and -min.
+constexpr float maximum_marker_time = 111111.0F;
+constexpr float minimum_marker_time = -111111.0F;  // 111111 in .dat files
+constexpr float source_marker_time = 222222.0F;    // number of the input each value came from
+constexpr float when_marker_time = 333333.0F;      // the time each value occurred
+
+}  // namespace quillet

@@ -1,0 +1,39 @@
+// One file opened for reading, read at any position.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace quillet {
+
+class InputUnit {
+ public:
+  InputUnit() = default;
+  // Opens the file. When it cannot be opened (a folder cannot), asks the user to try again; ends
+  // the run when there is nobody to ask.
+  explicit InputUnit(const std::string& file_name);
+  InputUnit(const InputUnit&) = delete;
+  InputUnit& operator=(const InputUnit&) = delete;
+  InputUnit(InputUnit&& other) noexcept;
+  InputUnit& operator=(InputUnit&& other) noexcept;
+  ~InputUnit();
+
+  const std::string& name() const { return file_name; }
+
+  // Length in bytes when the file was opened.
+  std::int64_t size() const { return file_size; }
+
+  // Reads up to `count` bytes from `position` (bytes from the start). Returns how many there were;
+  // fewer only at the end of the file. An error of the system ends the run.
+  std::int64_t read_at(std::int64_t position, void* destination, std::int64_t count) const;
+
+  void close();
+
+ private:
+  std::string file_name;
+  int descriptor = -1;
+  std::int64_t file_size = 0;
+};
+
+}  // namespace quillet

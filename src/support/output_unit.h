@@ -1,0 +1,68 @@
+// One file being written. It grows under its name + ".part" and gets its final name when it is
+// complete, so a final name means a complete file and a failed run leaves an earlier result alone.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quillet {
+
+// The name under which an output grows.
+std::string PART_NAME(const std::string& file_name);
+
+class OutputUnit {
+ public:
+  // Bytes gathered before the system is called: smaller pieces cost several times as much.
+  static constexpr std::size_t buffer_size = std::size_t{1} << 20;
+
+  enum class Replace { when_complete, directly };
+
+  OutputUnit() = default;
+  // Creates the file. When it cannot be created, asks the user to try again; ends the run when
+  // there is nobody to ask. `directly` writes under the final name from the start.
+  explicit OutputUnit(const std::string& file_name, Replace replace = Replace::when_complete);
+  OutputUnit(const OutputUnit&) = delete;
+  OutputUnit& operator=(const OutputUnit&) = delete;
+  ~OutputUnit();
+
+  const std::string& name() const { return file_name; }
+
+  // Tells the system how long the file will be, which makes writing cheaper. A hint: a file that
+  // ends shorter is cut, a longer one grows.
+  void expect_size(std::int64_t bytes);
+
+  // All writing ends the run when the system refuses (a full disk).
+  void write(const void* data, std::size_t size);
+  void write(std::string_view text) { write(text.data(), text.size()); }
+
+  // Room for `size` bytes (at most buffer_size) in the buffer, to be filled and then kept.
+  char* room(std::size_t size);
+  void keep(std::size_t size) { buffered += size; }
+
+  // Writes what is left, closes, and gives the file its final name.
+  void complete();
+
+ private:
+  int create() const;
+  void write_out(const char* data, std::size_t size);
+  void flush();
+  void abandon();
+
+  struct FreeDeleter {
+    void operator()(char* memory) const;
+  };
+
+  std::string file_name;
+  std::string open_name;
+  int descriptor = -1;
+  int unit = 0;
+  std::unique_ptr<char, FreeDeleter> buffer;
+  std::size_t buffered = 0;
+  std::int64_t written = 0;
+  std::int64_t reserved = 0;
+};
+
+}  // namespace quillet

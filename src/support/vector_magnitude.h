@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cmath>
+
+namespace quillet {
+
+// Length of the vector (x, y), in the unit of its components and in 32-bit arithmetic throughout:
+// 0 when both components are within 0.000001 of zero, else the square root of x * x + y * y (so
+// infinite once a square overflows; not a number when a component is not a number).
+// Loops that call it vectorise: the root is always taken, the test only selects.
+inline float VECTOR_MAGNITUDE(float x, float y) {
+  constexpr float negligible = 0.000001F;
+  const float length = std::sqrt(x * x + y * y);
+  const bool is_negligible = (std::fabs(x) <= negligible) & (std::fabs(y) <= negligible);
+  return is_negligible ? 0.0F : length;
+}
+
+}  // namespace quillet
