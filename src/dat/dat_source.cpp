@@ -22,6 +22,16 @@ void DatSource::read_next(RES_TYPE& record) {
   SAY("Call ReadDatFile.");
   reader.load(READ_TIME_STEP(reader), record);
   SAY("Done.");
+  note_end(record);
+}
+
+void DatSource::read_values(RES_TYPE& record) {
+  if (reader.at_end()) return;
+  reader.load(READ_TIME_STEP(reader), record);
+  note_end(record);
+}
+
+void DatSource::note_end(RES_TYPE& record) const {
   record.end_of_file = reader.at_end();
   if (record.end_of_file) SAY("End of .dat file.");
 }

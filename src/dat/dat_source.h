@@ -26,6 +26,8 @@ class DatSource : public ResultSource {
   float next_time() override { return reader.next_time(); }
   void read_next(RES_TYPE& record) override;
   void pass_next() override { reader.advance(); }
+  // As read_next, with fewer words: for files whose values go with those of another.
+  void read_values(RES_TYPE& record);
 
   // The first output time within the tolerance (strictly), from the start of the file.
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
@@ -34,6 +36,8 @@ class DatSource : public ResultSource {
   void close() override;
 
  private:
+  void note_end(RES_TYPE& record) const;
+
   DatReader reader;
 };
 

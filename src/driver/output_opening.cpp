@@ -1,6 +1,9 @@
 #include "driver/output_opening.h"
 
+#include <cmath>
+
 #include "dat/dat_sink.h"
+#include "results/special_times.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/output_unit.h"
@@ -39,6 +42,35 @@ void refuse(const std::string& input, const std::string& output_name) {
   }
 }
 
+void open_sink(RunSetup& setup) {
+  const std::string& name = setup.naming.base_file_name;
+  REFUSE_INPUT_AS_OUTPUT(setup, name);
+  if (setup.output_kind == FileKind::xmdf) {
+    FAIL("ERROR - XMDF outputs cannot be written by this version.");
+  }
+  const DatasetNames names{setup.naming.group_name, "", setup.naming.dataset_name};
+  setup.output = std::make_unique<DatSink>(name, names);
+}
+
+// Beside the input, whose own name stays in it.
+std::string velocity_angle_name(const RunSetup& setup) {
+  const std::string input = FILENAMEPATH(setup.options.inputs.front());
+  if (setup.input_kinds.front() == FileKind::dat) return input + "_va.dat";
+  return input + "_" + setup.options.type_code + "_va.xmdf";
+}
+
+// A .dat file is named after itself.
+std::string velocity_angle_dataset(const RunSetup& setup) {
+  if (setup.output_kind != FileKind::xmdf) return "";
+  const auto asks_for = [&](float time) {
+    return setup.options.time_given &&
+           std::fabs(setup.options.selected_time - time) < setup.tolerance;
+  };
+  if (asks_for(stored_maximum_time)) return "Vector Angle Maximums";
+  if (asks_for(stored_minimum_time)) return "Vector Angle Minimums";
+  return "Vector Angle";
+}
+
 }  // namespace
 
 void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name) {
@@ -51,14 +83,16 @@ void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_nam
 }
 
 void OPEN_OUTPUT(RunSetup& setup) {
-  if (!is_opened_by_set_up(setup.operation)) return;
-  const std::string& name = setup.naming.base_file_name;
-  REFUSE_INPUT_AS_OUTPUT(setup, name);
-  if (setup.output_kind == FileKind::xmdf) {
-    FAIL("ERROR - XMDF outputs cannot be written by this version.");
+  if (is_opened_by_set_up(setup.operation)) open_sink(setup);
+}
+
+void OPEN_VELOCITY_ANGLE_OUTPUT(RunSetup& setup) {
+  if (setup.options.inputs.size() > 1) {
+    SAY_APART("WARNING - Only one file for -va (velocity angle) option");
   }
-  const DatasetNames names{setup.naming.group_name, "", setup.naming.dataset_name};
-  setup.output = std::make_unique<DatSink>(name, names);
+  if (!setup.naming.user_named) setup.naming.base_file_name = velocity_angle_name(setup);
+  setup.naming.dataset_name = velocity_angle_dataset(setup);
+  open_sink(setup);
 }
 
 }  // namespace quillet

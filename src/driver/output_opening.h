@@ -14,4 +14,7 @@ void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_nam
 // Opens the output of operations that write one dataset file, under its temporary name.
 void OPEN_OUTPUT(RunSetup& setup);
 
+// Names the output of -va, unless the user did, and opens it.
+void OPEN_VELOCITY_ANGLE_OUTPUT(RunSetup& setup);
+
 }  // namespace quillet

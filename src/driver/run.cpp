@@ -6,9 +6,13 @@
 #include "driver/argument_parser.h"
 #include "driver/operation_choice.h"
 #include "driver/option_checks.h"
+#include "driver/output_opening.h"
 #include "driver/run_setup.h"
 #include "driver/usage_text.h"
+#include "operations/difference.h"
 #include "operations/extreme.h"
+#include "operations/trim.h"
+#include "operations/velocity_angle.h"
 #include "support/console.h"
 
 namespace quillet {
@@ -39,6 +43,9 @@ constexpr Dispatch dispatches[] = {
      Ending::short_path},
     {Operation::min, [](OperationRun& run) { RUN_EXTREME(Extreme::minimum, run); },
      Ending::short_path},
+    {Operation::dif, RUN_DIFFERENCE, Ending::normal},
+    {Operation::trim, RUN_TRIM, Ending::normal},
+    {Operation::va, RUN_VELOCITY_ANGLE, Ending::normal},
 };
 
 OperationRun operation_run(RunSetup& setup) {
@@ -50,6 +57,7 @@ OperationRun operation_run(RunSetup& setup) {
   run.wet_dry_test = setup.wet_dry_test;
   if (setup.options.time_given) run.time = setup.options.selected_time;
   run.tolerance = setup.tolerance;
+  run.cutoff = setup.options.cutoff;
   run.ignore_stored = setup.options.ignore_stored;
   return run;
 }
@@ -59,6 +67,7 @@ OperationRun operation_run(RunSetup& setup) {
       std::find_if(std::begin(dispatches), std::end(dispatches),
                    [&](const Dispatch& row) { return row.operation == setup.operation; });
   if (dispatch == std::end(dispatches)) FAIL("ERROR - This version cannot perform the operation.");
+  if (setup.operation == Operation::va) OPEN_VELOCITY_ANGLE_OUTPUT(setup);
   OperationRun run = operation_run(setup);
   dispatch->perform(run);
   if (dispatch->ending == Ending::short_path) end_on_short_path(setup.options.batch);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "dat/dat_water_levels.h"
 #include "driver/input_checks.h"
 #include "driver/output_opening.h"
 #include "support/console.h"
@@ -121,6 +122,19 @@ void identify_inputs(RunSetup& setup) {
   }
 }
 
+std::unique_ptr<WaterLevels> water_levels_of(const RunSetup& setup, std::size_t input) {
+  if (setup.inputs.types[0].is_water_level) return std::make_unique<OwnWaterLevels>();
+  return std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.options.inputs[input]));
+}
+
+// Whether the inputs are levels themselves is decided by the first. Nothing is opened yet.
+void choose_water_levels(RunSetup& setup) {
+  if (setup.operation != Operation::dif || !setup.wet_dry_test) return;
+  for (std::size_t input = 0; input < setup.inputs.sources.size(); ++input) {
+    setup.inputs.water_levels.push_back(water_levels_of(setup, input));
+  }
+}
+
 void take_shape(RunSetup& setup) {
   const ResultSource& primary = PRIMARY_INPUT(setup);
   setup.node_count = primary.node_count();
@@ -147,9 +161,11 @@ void SET_UP_RUN(RunSetup& setup) {
   read_dat_headers(setup);
   CHECK_CONSISTENCY(setup);
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
+  choose_water_levels(setup);
   take_shape(setup);
-  ALLOCATE_WORK_ARRAYS({setup.operation, setup.node_count, setup.cell_count, setup.is_vector},
-                       setup.work);
+  ALLOCATE_WORK_ARRAYS(
+      {setup.operation, setup.node_count, setup.cell_count, setup.is_vector, setup.wet_dry_test},
+      setup.work);
 }
 
 }  // namespace quillet

@@ -21,10 +21,11 @@ struct OperationRun {
   bool is_vector = false;
   bool is_finite_volume = false;
 
-  bool wet_dry_test = true;    // dry nodes are told from wet ones
-  std::optional<float> time{};   // hours; only this output time
-  float tolerance = 0;         // hours, when an output time is looked for
-  bool ignore_stored = false;  // stored maxima and minima are not used
+  bool wet_dry_test = true;     // dry nodes are told from wet ones
+  std::optional<float> time{};  // hours; only this output time
+  float tolerance = 0;          // hours, when an output time is looked for
+  bool ignore_stored = false;   // stored maxima and minima are not used
+  float cutoff = 0;             // -trim, in the unit of the values
 };
 
 }  // namespace quillet

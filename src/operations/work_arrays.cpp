@@ -18,10 +18,24 @@ void size_step(const WorkShape& shape, WorkArrays& work) {
   SIZE_RECORD(work.step, shape.node_count, shape.cell_count, shape.is_vector);
 }
 
+void size_second_step(const WorkShape& shape, WorkArrays& work) {
+  if (shape.operation != Operation::dif) return;
+  SIZE_RECORD(work.second_step, shape.node_count, shape.cell_count, shape.is_vector);
+}
+
+template <int run>
+void size_bed(const WorkShape& shape, WorkArrays& work) {
+  if (shape.operation != Operation::dif || !shape.wet_dry_test) return;
+  SIZE_ARRAY(work.bed[run], shape.node_count);
+}
+
 void size_result(const WorkShape& shape, WorkArrays& work) {
-  if (!is_extreme(shape.operation)) return;
-  SIZE_RECORD(work.result, shape.node_count, shape.cell_count, shape.is_vector);
-  SIZE_SOURCES(work.result);
+  if (is_extreme(shape.operation)) {
+    SIZE_RECORD(work.result, shape.node_count, shape.cell_count, shape.is_vector);
+    SIZE_SOURCES(work.result);
+  } else if (shape.operation == Operation::dif) {
+    SIZE_RECORD(work.result, shape.node_count, shape.cell_count, false);
+  }
 }
 
 void size_file(const WorkShape& shape, WorkArrays& work) {
@@ -36,7 +50,7 @@ struct Allocation {
 
 constexpr std::array<Allocation, 20> allocations{{
     {"nd1", size_step},
-    {"nd2"},
+    {"nd2", size_second_step},
     {"nd3"},
     {"nd4"},
     {"sf"},
@@ -48,8 +62,8 @@ constexpr std::array<Allocation, 20> allocations{{
     {"o2"},
     {"h1"},
     {"h2"},
-    {"z1"},
-    {"z2"},
+    {"z1", size_bed<0>},
+    {"z2", size_bed<1>},
     {"nceok"},
     {"res_%", size_result},
     {"wk_res_%", size_file},

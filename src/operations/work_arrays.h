@@ -1,7 +1,9 @@
 // The arrays that a run works in, sized once when the run is set up.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <vector>
 
 #include "operations/operation.h"
 #include "results/extreme_kernels.h"
@@ -10,9 +12,11 @@
 namespace quillet {
 
 struct WorkArrays {
-  RES_TYPE step;     // the output time being read
-  RES_TYPE result;   // what is written, where that is not the step itself
-  FileExtreme file;  // the running maximum or minimum of one file
+  RES_TYPE step;                          // the output time being read
+  RES_TYPE second_step;                   // that of the second input of a difference
+  RES_TYPE result;                        // what is written, where that is not the step itself
+  FileExtreme file;                       // the running maximum or minimum of one file
+  std::array<std::vector<float>, 2> bed;  // per run of a difference: bed elevations, metres
 };
 
 // What the arrays are sized for.
@@ -21,6 +25,7 @@ struct WorkShape {
   std::int32_t node_count = 0;
   std::int32_t cell_count = 0;
   bool is_vector = false;
+  bool wet_dry_test = true;
 };
 
 // Announces every array and sizes those that the operation uses. Ends the run when memory does not

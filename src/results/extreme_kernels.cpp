@@ -152,11 +152,6 @@ QUILLET_KERNEL void combine_vectors(Extreme extreme, std::int64_t count, const f
   }
 }
 
-QUILLET_KERNEL void magnitudes(std::int64_t count, const float* __restrict x,
-                               const float* __restrict y, float* __restrict magnitude) {
-  for (std::int64_t i = 0; i < count; ++i) magnitude[i] = VECTOR_MAGNITUDE(x[i], y[i]);
-}
-
 }  // namespace
 
 std::int8_t INITIAL_STATUS(Extreme extreme) {
@@ -191,7 +186,8 @@ void FOLD_OUTPUT_TIME(Extreme extreme, const RES_TYPE& step, FileExtreme& file) 
 void ADOPT_STORED_EXTREME(float time, FileExtreme& file) {
   const RES_TYPE& record = file.record;
   if (record.is_vector) {
-    magnitudes(record.node_count, record.nd.x.data(), record.nd.y.data(), file.magnitude.data());
+    VECTOR_MAGNITUDES(record.nd.x.data(), record.nd.y.data(), record.node_count,
+                      file.magnitude.data());
   }
   std::fill(file.time.begin(), file.time.end(), time);
 }

@@ -7,12 +7,15 @@
 
 #include "results/input_type.h"
 #include "results/result_source.h"
+#include "results/water_levels.h"
 
 namespace quillet {
 
 struct RunInputs {
   std::vector<std::unique_ptr<ResultSource>> sources;
-  std::vector<InputType> types;  // one per source
+  std::vector<InputType> types;                            // one per source
+  std::vector<std::unique_ptr<WaterLevels>> water_levels;  // one per source; none without the
+                                                           // wet/dry test
 
   // Chooses the output time in all XMDF inputs at once; empty when there are none. `.dat` inputs
   // search when they are read.

@@ -5,7 +5,7 @@ namespace quillet {
 
 // Written by simulation engines.
 constexpr float stored_maximum_time = 99999.0F;   // maxima (or minima) that the engine tracked
-constexpr float stored_minimum_time = -99999.0F;  // asks for stored minima
+constexpr float stored_minimum_time = -99999.0F;  // asks for the minima
 constexpr float stored_when_time = 99999.1F;      // the times at which maxima occurred
 
 // Written by -max and -min.

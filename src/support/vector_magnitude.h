@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstdint>
 
 namespace quillet {
 
@@ -14,5 +15,8 @@ inline float VECTOR_MAGNITUDE(float x, float y) {
   const bool is_negligible = (std::fabs(x) <= negligible) & (std::fabs(y) <= negligible);
   return is_negligible ? 0.0F : length;
 }
+
+// The magnitudes of `count` vectors; `magnitude` may be the array of x components.
+void VECTOR_MAGNITUDES(const float* x, const float* y, std::int64_t count, float* magnitude);
 
 }  // namespace quillet

@@ -1,0 +1,149 @@
+#include "operations/difference.h"
+
+#include <array>
+#include <string>
+
+#include "mesh/mesh_elevations.h"
+#include "operations/difference_kernel.h"
+#include "results/time_pairing.h"
+#include "support/console.h"
+#include "support/numbers.h"
+
+namespace quillet {
+namespace {
+
+// One of both runs: its results, its levels, and the output time that they hold.
+struct ComparedRun {
+  const char* ordinal;
+  ResultSource& source;
+  WaterLevels* levels;  // none without the wet/dry test
+  RES_TYPE& record;
+
+  bool exhausted() const { return source.at_end() || (levels != nullptr && levels->at_end()); }
+
+  // Moves on to the next output time; false when there is none.
+  bool advance() {
+    if (exhausted()) return false;
+    source.read_next(record);
+    if (levels != nullptr) levels->read_next(record);
+    return true;
+  }
+
+  bool skip() {
+    SAY(std::string("Skipping time in ") + ordinal + " data file, time: " + AREAL(record.time));
+    return advance();
+  }
+
+  void read_at_time(float time, float tolerance) {
+    source.read_at_time(time, tolerance, record);
+    if (levels != nullptr) levels->read_at_time(time, tolerance);
+  }
+};
+
+struct Comparison {
+  OperationRun& run;
+  ComparedRun first;
+  ComparedRun second;
+
+  void write_difference() {
+    WorkArrays& work = run.work;
+    if (run.wet_dry_test) {
+      DIFFERENCE_WHERE_WET(
+          first.record, second.record,
+          {first.levels->levels(first.record), second.levels->levels(second.record),
+           work.bed[0].data(), work.bed[1].data()},
+          work.result);
+    } else {
+      DIFFERENCE(first.record, second.record, work.result);
+    }
+    run.output.write_time(work.result);
+  }
+
+  // Moves one input on. When the second run's time is the smaller it is the first input, the one
+  // with the larger time, that moves: users' results depend on that direction.
+  bool skip_unpaired() {
+    SAY("WARNING - Inconsistent times were found: " + AREAL(first.record.time) + " " +
+        AREAL(second.record.time));
+    return second.record.time < first.record.time ? first.skip() : second.skip();
+  }
+
+  void compare_all() {
+    bool has_times = first.advance() && second.advance();
+    while (has_times) {
+      if (TIMES_MATCH(first.record.time, second.record.time)) {
+        write_difference();
+        has_times = first.advance() && second.advance();
+      } else {
+        has_times = skip_unpaired();
+      }
+    }
+  }
+
+  void compare_at(float time) {
+    run.inputs.find_time(time, run.tolerance);
+    first.read_at_time(time, run.tolerance);
+    second.read_at_time(time, run.tolerance);
+    write_difference();
+  }
+};
+
+void warn_of_types(const OperationRun& run) {
+  if (SAME_TYPE(run.inputs.types[0], run.inputs.types[1])) return;
+  SAY("WARNING - Files should be same data type, e.g. both water level.");
+  SAY("Unexpected results may occur.");
+}
+
+void read_bed_elevations(OperationRun& run) {
+  SAY("...need to also read .2dm files");
+  const std::string& mesh1 = run.inputs.types[0].mesh_file;
+  const std::string& mesh2 = run.inputs.types[1].mesh_file;
+  LOAD_MESH_ELEVATIONS(mesh1, run.node_count, run.cell_count, run.work.bed[0]);
+  if (mesh1 == mesh2) {
+    run.work.bed[1] = run.work.bed[0];
+  } else {
+    LOAD_MESH_ELEVATIONS(mesh2, run.node_count, run.cell_count, run.work.bed[1]);
+  }
+  SAY("Finished reading .2dm files.");
+}
+
+void open_water_levels(OperationRun& run) {
+  if (run.inputs.types[0].is_water_level) return;
+  SAY("...need to read water level data.");
+  SAY("Allocating water level arrays.");
+  SAY("...need to also read first _h.dat file");
+  run.inputs.water_levels[0]->open(run.work.step);
+  SAY("...need to also read second _h.dat file");
+  run.inputs.water_levels[1]->open(run.work.step);
+}
+
+ComparedRun compared_run(OperationRun& run, std::size_t input, const char* ordinal,
+                         RES_TYPE& record) {
+  WaterLevels* const levels = run.wet_dry_test ? run.inputs.water_levels[input].get() : nullptr;
+  return {ordinal, *run.inputs.sources[input], levels, record};
+}
+
+}  // namespace
+
+void RUN_DIFFERENCE(OperationRun& run) {
+  if (run.inputs.sources.size() > 2) FAIL("ERROR - Maximum of two files for -dif option.");
+  warn_of_types(run);
+  SAY("Allocating secondary arrays for results storage.");
+  SAY("Done.");
+  if (run.wet_dry_test) {
+    read_bed_elevations(run);
+    open_water_levels(run);
+  }
+  run.output.prepare(run.work.result, run.time ? 1 : run.inputs.sources[0]->likely_time_count());
+
+  Comparison comparison{run, compared_run(run, 0, "first", run.work.step),
+                        compared_run(run, 1, "second", run.work.second_step)};
+  if (run.time) {
+    comparison.compare_at(*run.time);
+  } else {
+    comparison.compare_all();
+  }
+  SAY("Closing files and exiting");
+  run.output.close();
+}
+
+}  // namespace quillet

@@ -1,0 +1,88 @@
+#include "operations/difference_kernel.h"
+
+#include <cmath>
+
+#include "support/console.h"
+#include "support/kernel_target.h"
+#include "support/vector_magnitude.h"
+
+namespace quillet {
+namespace {
+
+// Metres of water that make a node wet.
+constexpr float wet_depth = 0.001F;
+constexpr float only_first_wet = 99.0F;
+constexpr float only_second_wet = -99.0F;
+
+QUILLET_KERNEL void subtract(std::int64_t count, const float* __restrict v1,
+                             const float* __restrict v2, float* __restrict result) {
+  for (std::int64_t i = 0; i < count; ++i) result[i] = v1[i] - v2[i];
+}
+
+QUILLET_KERNEL void subtract_where_wet(std::int64_t count, const float* v1, const float* v2,
+                                       const float* level1, const float* level2, const float* bed1,
+                                       const float* bed2, float* __restrict result) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    const bool wet1 = bed1[i] + wet_depth < level1[i];
+    const bool wet2 = bed2[i] + wet_depth < level2[i];
+    const float difference = v1[i] - v2[i];
+    const float wet_in_first = wet2 ? difference : only_first_wet;
+    const float dry_in_first = wet2 ? only_second_wet : 0.0F;
+    result[i] = wet1 ? wet_in_first : dry_in_first;
+  }
+}
+
+QUILLET_KERNEL void active_in_both(std::int64_t count, const std::int8_t* __restrict a,
+                                   const std::int8_t* __restrict b,
+                                   std::int8_t* __restrict result) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    result[i] = static_cast<std::int8_t>((a[i] == 1) & (b[i] == 1));
+  }
+}
+
+QUILLET_KERNEL void active_in_either(std::int64_t count, const std::int8_t* __restrict a,
+                                     const std::int8_t* __restrict b,
+                                     std::int8_t* __restrict result) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    result[i] = static_cast<std::int8_t>((a[i] == 1) | (b[i] == 1));
+  }
+}
+
+void use_magnitudes(RES_TYPE& record) {
+  VECTOR_MAGNITUDES(record.nd.x.data(), record.nd.y.data(), record.node_count, record.nd.x.data());
+}
+
+// What both forms begin with.
+void begin(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
+  constexpr float unequal_times = 0.001F;
+  SAY("Processing difference results.");
+  if (std::fabs(first.time - second.time) > unequal_times) {
+    SAY("Warning - Timesteps do not match.");
+  }
+  result.is_vector = false;
+  result.time = first.time;
+  if (!first.is_vector) return;
+  if (!second.is_vector) FAIL("ERROR - Second data for -dif option is not a vector.");
+  use_magnitudes(first);
+  use_magnitudes(second);
+}
+
+}  // namespace
+
+void DIFFERENCE(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
+  begin(first, second, result);
+  subtract(result.node_count, first.nd.x.data(), second.nd.x.data(), result.nd.x.data());
+  active_in_both(result.cell_count, first.cell.status.data(), second.cell.status.data(),
+                 result.cell.status.data());
+}
+
+void DIFFERENCE_WHERE_WET(RES_TYPE& first, RES_TYPE& second, const WetDryArrays& arrays,
+                          RES_TYPE& result) {
+  begin(first, second, result);
+  subtract_where_wet(result.node_count, first.nd.x.data(), second.nd.x.data(), arrays.level1,
+                     arrays.level2, arrays.bed1, arrays.bed2, result.nd.x.data());
+  active_in_either(result.cell_count, first.cell.status.data(), second.cell.status.data(),
+                   result.cell.status.data());
+}
+
+}  // namespace quillet

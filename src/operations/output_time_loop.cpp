@@ -1,0 +1,42 @@
+#include "operations/output_time_loop.h"
+
+#include "support/console.h"
+#include "support/numbers.h"
+
+namespace quillet {
+
+void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
+                           std::string_view all_times) {
+  SAY_APART(run.time ? std::string(one_time) + AREAL(*run.time) : std::string(all_times));
+}
+
+void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning) {
+  if (run.inputs.sources.size() > 1) SAY_APART(warning);
+}
+
+void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
+                          const std::function<void(RES_TYPE& step)>& change) {
+  ResultSource& source = *run.inputs.sources.front();
+  RES_TYPE& step = run.work.step;
+  run.output.prepare(written_shape, run.time ? 1 : source.likely_time_count());
+  if (run.time) {
+    run.inputs.find_time(*run.time, run.tolerance);
+    source.read_at_time(*run.time, run.tolerance, step);
+    change(step);
+    run.output.write_time(step);
+    return;
+  }
+  while (!source.at_end()) {
+    source.read_next(step);
+    change(step);
+    run.output.write_time(step);
+  }
+}
+
+void CLOSE_FILES_AND_EXIT(OperationRun& run) {
+  SAY_APART("Closing files and exiting");
+  SAY("");
+  run.output.close();
+}
+
+}  // namespace quillet

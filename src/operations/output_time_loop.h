@@ -1,0 +1,27 @@
+// The loop that operations on one input share: every output time in turn, or the one asked for.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "operations/operation_run.h"
+
+namespace quillet {
+
+// Says which output times are taken: the text for one time is followed by the time.
+void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
+                           std::string_view all_times);
+
+// Warns when more than one input is there (a .sup file may have brought them): only the first is
+// used.
+void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning);
+
+// Reads the output time asked for, or every one in turn, from the first input into the step record,
+// lets `change` work on it, and writes it. `written_shape` tells the output what will come.
+void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
+                          const std::function<void(RES_TYPE& step)>& change);
+
+// "Closing files and exiting" between empty lines, then closes the output.
+void CLOSE_FILES_AND_EXIT(OperationRun& run);
+
+}  // namespace quillet

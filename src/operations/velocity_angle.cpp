@@ -1,0 +1,27 @@
+#include "operations/velocity_angle.h"
+
+#include "operations/flow_direction.h"
+#include "operations/output_time_loop.h"
+#include "support/console.h"
+
+namespace quillet {
+namespace {
+
+void turn_into_angles(RES_TYPE& step) {
+  if (!step.is_vector) FAIL("ERROR - Must be vector dataset to process velocity angle.");
+  FLOW_DIRECTION(step.nd.x.data(), step.nd.y.data(), step.nd.x.data(), step.node_count);
+  step.is_vector = false;
+}
+
+}  // namespace
+
+void RUN_VELOCITY_ANGLE(OperationRun& run) {
+  ANNOUNCE_OUTPUT_TIMES(run, "Processing velocity angle at time at ",
+                        "Processing velocity angles at all times.");
+  if (!run.is_vector) FAIL("ERROR - Must be vector for -va (velocity angle) option");
+  const RES_TYPE angles{.node_count = run.node_count, .cell_count = run.cell_count};
+  REWRITE_OUTPUT_TIMES(run, angles, turn_into_angles);
+  CLOSE_FILES_AND_EXIT(run);
+}
+
+}  // namespace quillet

@@ -1,0 +1,42 @@
+// The water levels of one input, for telling wet nodes from dry ones.
+#pragma once
+
+#include <vector>
+
+#include "results/results_record.h"
+
+namespace quillet {
+
+// Read in step with the input's own walk: one output time of levels for each one of data. Metres.
+// Whatever cannot be read ends the run.
+class WaterLevels {
+ public:
+  virtual ~WaterLevels() = default;
+
+  // Prepares for reading levels over the mesh of the given record.
+  virtual void open(const RES_TYPE& shape) = 0;
+
+  // True when the levels end here, and with them the input.
+  virtual bool at_end() const = 0;
+
+  // Reads the levels that go with the output time that `data` holds.
+  virtual void read_next(const RES_TYPE& data) = 0;
+
+  // Reads the levels of the output time that was asked for.
+  virtual void read_at_time(float time, float tolerance) = 0;
+
+  // One level per node; `data` is the record that the levels were read for.
+  virtual const float* levels(const RES_TYPE& data) const = 0;
+};
+
+// For inputs that are water levels themselves.
+class OwnWaterLevels : public WaterLevels {
+ public:
+  void open(const RES_TYPE&) override {}
+  bool at_end() const override { return false; }
+  void read_next(const RES_TYPE&) override {}
+  void read_at_time(float, float) override {}
+  const float* levels(const RES_TYPE& data) const override { return data.nd.x.data(); }
+};
+
+}  // namespace quillet
