@@ -46,8 +46,7 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
       return;
     }
   }
-  SAY("ERROR - Could not find specified timestep in .dat file.");
-  EXITS();
+  FAIL("ERROR - Could not find specified timestep in .dat file.");
 }
 
 void DatSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,

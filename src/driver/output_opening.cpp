@@ -8,6 +8,7 @@
 #include "support/file_names.h"
 #include "support/output_unit.h"
 #include "support/text.h"
+#include "xmdf/xmdf_sink.h"
 
 namespace quillet {
 namespace {
@@ -42,14 +43,40 @@ void refuse(const std::string& input, const std::string& output_name) {
   }
 }
 
+bool asks_for(const RunSetup& setup, float time) {
+  return setup.options.time_given &&
+         std::fabs(setup.options.selected_time - time) < setup.tolerance;
+}
+
+// The folder of an XMDF output tells stored extremes from a time series.
+std::string output_folder(const RunSetup& setup) {
+  switch (setup.operation) {
+    case Operation::max:
+      return "Maximums";
+    case Operation::min:
+      return "Minimums";
+    case Operation::keep:
+    case Operation::dif:
+    case Operation::trim:
+    case Operation::va:
+      if (asks_for(setup, stored_maximum_time)) return "Maximums";
+      if (asks_for(setup, stored_minimum_time)) return "Minimums";
+      return "Temporal";
+    default:
+      return "Temporal";
+  }
+}
+
 void open_sink(RunSetup& setup) {
   const std::string& name = setup.naming.base_file_name;
   REFUSE_INPUT_AS_OUTPUT(setup, name);
+  const DatasetNames names{setup.naming.group_name, output_folder(setup),
+                           setup.naming.dataset_name};
   if (setup.output_kind == FileKind::xmdf) {
-    FAIL("ERROR - XMDF outputs cannot be written by this version.");
+    setup.output = std::make_unique<XmdfSink>(name, names);
+  } else {
+    setup.output = std::make_unique<DatSink>(name, names);
   }
-  const DatasetNames names{setup.naming.group_name, "", setup.naming.dataset_name};
-  setup.output = std::make_unique<DatSink>(name, names);
 }
 
 // Beside the input, whose own name stays in it.
@@ -62,12 +89,8 @@ std::string velocity_angle_name(const RunSetup& setup) {
 // A .dat file is named after itself.
 std::string velocity_angle_dataset(const RunSetup& setup) {
   if (setup.output_kind != FileKind::xmdf) return "";
-  const auto asks_for = [&](float time) {
-    return setup.options.time_given &&
-           std::fabs(setup.options.selected_time - time) < setup.tolerance;
-  };
-  if (asks_for(stored_maximum_time)) return "Vector Angle Maximums";
-  if (asks_for(stored_minimum_time)) return "Vector Angle Minimums";
+  if (asks_for(setup, stored_maximum_time)) return "Vector Angle Maximums";
+  if (asks_for(setup, stored_minimum_time)) return "Vector Angle Minimums";
   return "Vector Angle";
 }
 

@@ -9,6 +9,7 @@
 #include "driver/output_opening.h"
 #include "driver/run_setup.h"
 #include "driver/usage_text.h"
+#include "driver/xmdf_report_run.h"
 #include "operations/difference.h"
 #include "operations/extreme.h"
 #include "operations/trim.h"
@@ -32,22 +33,6 @@ enum class Ending { normal, short_path };
   END_WITH_PAUSE();
 }
 
-struct Dispatch {
-  Operation operation;
-  void (*perform)(OperationRun& run);
-  Ending ending;
-};
-
-constexpr Dispatch dispatches[] = {
-    {Operation::max, [](OperationRun& run) { RUN_EXTREME(Extreme::maximum, run); },
-     Ending::short_path},
-    {Operation::min, [](OperationRun& run) { RUN_EXTREME(Extreme::minimum, run); },
-     Ending::short_path},
-    {Operation::dif, RUN_DIFFERENCE, Ending::normal},
-    {Operation::trim, RUN_TRIM, Ending::normal},
-    {Operation::va, RUN_VELOCITY_ANGLE, Ending::normal},
-};
-
 OperationRun operation_run(RunSetup& setup) {
   OperationRun run{.inputs = setup.inputs, .output = *setup.output, .work = setup.work};
   run.node_count = setup.node_count;
@@ -62,14 +47,44 @@ OperationRun operation_run(RunSetup& setup) {
   return run;
 }
 
+// Operations over output times, the same whatever the file formats.
+template <void (*operation)(OperationRun&)>
+void run_over_times(RunSetup& setup) {
+  OperationRun run = operation_run(setup);
+  operation(run);
+}
+
+template <Extreme extreme>
+void run_extreme(OperationRun& run) {
+  RUN_EXTREME(extreme, run);
+}
+
+void run_velocity_angle(RunSetup& setup) {
+  OPEN_VELOCITY_ANGLE_OUTPUT(setup);
+  run_over_times<RUN_VELOCITY_ANGLE>(setup);
+}
+
+struct Dispatch {
+  Operation operation;
+  void (*perform)(RunSetup& setup);
+  Ending ending;
+};
+
+constexpr Dispatch dispatches[] = {
+    {Operation::max, run_over_times<run_extreme<Extreme::maximum>>, Ending::short_path},
+    {Operation::min, run_over_times<run_extreme<Extreme::minimum>>, Ending::short_path},
+    {Operation::dif, run_over_times<RUN_DIFFERENCE>, Ending::normal},
+    {Operation::trim, run_over_times<RUN_TRIM>, Ending::normal},
+    {Operation::va, run_velocity_angle, Ending::normal},
+    {Operation::xnfo, REPORT_XMDF_INPUTS, Ending::short_path},
+};
+
 [[noreturn]] void perform(RunSetup& setup) {
   const auto dispatch =
       std::find_if(std::begin(dispatches), std::end(dispatches),
                    [&](const Dispatch& row) { return row.operation == setup.operation; });
   if (dispatch == std::end(dispatches)) FAIL("ERROR - This version cannot perform the operation.");
-  if (setup.operation == Operation::va) OPEN_VELOCITY_ANGLE_OUTPUT(setup);
-  OperationRun run = operation_run(setup);
-  dispatch->perform(run);
+  dispatch->perform(setup);
   if (dispatch->ending == Ending::short_path) end_on_short_path(setup.options.batch);
   end_normally(setup.options.batch);
 }

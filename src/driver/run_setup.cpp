@@ -2,17 +2,45 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "dat/dat_water_levels.h"
 #include "driver/input_checks.h"
 #include "driver/output_opening.h"
+#include "driver/xmdf_inputs.h"
+#include "mesh/read_sup.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/numbers.h"
+#include "xmdf/xmdf_source.h"
+#include "xmdf/xmdf_water_levels.h"
 
 namespace quillet {
 namespace {
 
 constexpr float default_tolerance = 0.0001F;
+
+// Replaces a .sup file by the results that it names. Its entries stand beside it unless they are
+// absolute.
+void expand_sup(RunSetup& setup) {
+  std::vector<std::string>& inputs = setup.options.inputs;
+  if (FILEEXT(inputs.front()) != ".sup") return;
+  if (inputs.size() > 1) {
+    FAIL("ERROR - If using .sup file, there must be only one input file.");
+  }
+  SAY_APART("Extracting results files from .sup file....");
+  SUP_FILE_TYPE sup;
+  sup.file = inputs.front();
+  READ_SUP(sup);
+  SAY("   Done.");
+  const auto joined = [&](const std::string& entry) {
+    return (IS_ABSOLUTE_NAME(entry) ? "" : sup.folder) + SYSTEM_NAME(entry);
+  };
+  inputs.clear();
+  for (const std::string& entry : sup.data_files) inputs.push_back(joined(entry));
+  if (!sup.mesh_file.empty()) setup.sup_mesh = joined(sup.mesh_file);
+  if (inputs.empty()) FAIL("ERROR - No input files specified.");
+}
 
 void announce_inputs(const RunOptions& options) {
   SAY_APART("Allocating arrays for processing " +
@@ -83,12 +111,16 @@ void warn_of_ensight(const RunSetup& setup) {
   }
 }
 
+// The headers of all XMDF inputs are read before any .dat input is opened.
 void open_inputs(RunSetup& setup) {
-  if (has_input(setup, FileKind::xmdf)) {
-    FAIL("ERROR - XMDF inputs cannot be read by this version.");
-  }
-  for (const std::string& name : setup.options.inputs) {
-    auto source = std::make_unique<DatSource>(name);
+  OPEN_XMDF_INPUTS(setup);
+  std::size_t xmdf_inputs = 0;
+  for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
+    if (setup.input_kinds[input] == FileKind::xmdf) {
+      setup.inputs.sources.push_back(std::make_unique<XmdfSource>(setup.xmdf_files[xmdf_inputs++]));
+      continue;
+    }
+    auto source = std::make_unique<DatSource>(setup.options.inputs[input]);
     setup.dat_sources.push_back(source.get());
     setup.inputs.sources.push_back(std::move(source));
   }
@@ -122,30 +154,40 @@ void identify_inputs(RunSetup& setup) {
   }
 }
 
-std::unique_ptr<WaterLevels> water_levels_of(const RunSetup& setup, std::size_t input) {
-  if (setup.inputs.types[0].is_water_level) return std::make_unique<OwnWaterLevels>();
-  return std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.options.inputs[input]));
-}
-
 // Whether the inputs are levels themselves is decided by the first. Nothing is opened yet.
 void choose_water_levels(RunSetup& setup) {
   if (setup.operation != Operation::dif || !setup.wet_dry_test) return;
-  for (std::size_t input = 0; input < setup.inputs.sources.size(); ++input) {
-    setup.inputs.water_levels.push_back(water_levels_of(setup, input));
+  std::size_t xmdf_inputs = 0;
+  for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
+    const bool is_xmdf = setup.input_kinds[input] == FileKind::xmdf;
+    std::unique_ptr<WaterLevels> levels;
+    if (setup.inputs.types[0].is_water_level) {
+      levels = std::make_unique<OwnWaterLevels>();
+    } else if (is_xmdf) {
+      levels = std::make_unique<XmdfWaterLevels>(setup.xmdf_files[xmdf_inputs], setup.tolerance);
+    } else {
+      levels = std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.options.inputs[input]));
+    }
+    if (is_xmdf) ++xmdf_inputs;
+    setup.inputs.water_levels.push_back(std::move(levels));
   }
 }
 
 void take_shape(RunSetup& setup) {
   const ResultSource& primary = PRIMARY_INPUT(setup);
   setup.node_count = primary.node_count();
-  setup.cell_count = primary.cell_count();
   setup.is_vector = primary.is_vector();
+  setup.cell_count = primary.cell_count();
+  for (const auto& source : setup.inputs.sources) {
+    if (setup.cell_count == unknown_count) setup.cell_count = source->cell_count();
+  }
 }
 
 }  // namespace
 
 void SET_UP_RUN(RunSetup& setup) {
   setup.wet_dry_test = !setup.options.no_wet_dry;
+  expand_sup(setup);
   announce_inputs(setup.options);
   refuse_duration_difference(setup.operation);
   classify_inputs(setup);
@@ -157,8 +199,10 @@ void SET_UP_RUN(RunSetup& setup) {
 
   open_inputs(setup);
   identify_inputs(setup);
+  if (setup.operation == Operation::xnfo) return;
   OPEN_OUTPUT(setup);
   read_dat_headers(setup);
+  CHOOSE_XMDF_DATASETS(setup);
   CHECK_CONSISTENCY(setup);
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
   choose_water_levels(setup);

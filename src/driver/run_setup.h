@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "operations/work_arrays.h"
 #include "results/result_sink.h"
 #include "results/run_inputs.h"
+#include "xmdf/xmdf_file_header.h"
 
 namespace quillet {
 
@@ -22,18 +24,20 @@ struct RunSetup {
   RunOptions options;
   OutputNaming naming;
 
-  std::vector<FileKind> input_kinds;  // one per input
+  std::optional<std::string> sup_mesh;  // the mesh that a .sup file names
+  std::vector<FileKind> input_kinds;    // one per input
   FileKind output_kind = FileKind::dat;
   float tolerance = 0;  // hours
 
   RunInputs inputs;
-  std::vector<DatSource*> dat_sources;  // those of the inputs that are .dat files, in order
-  std::unique_ptr<ResultSink> output;   // none for operations that open theirs themselves
+  std::vector<DatSource*> dat_sources;     // those of the inputs that are .dat files, in order
+  std::vector<XmdfFileHeader> xmdf_files;  // those that are XMDF files, in order
+  std::unique_ptr<ResultSink> output;      // none for operations that open theirs themselves
   WorkArrays work;
 
   // Of the mesh that all inputs share.
   std::int32_t node_count = 0;
-  std::int32_t cell_count = 0;
+  std::int32_t cell_count = 0;  // unknown_count when no input tells
   bool is_vector = false;
   bool is_finite_volume = false;
   bool wet_dry_test = true;

@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "mesh/mesh_elevations.h"
+#include "mesh/read_2dm_elevations.h"
 #include "operations/difference_kernel.h"
 #include "results/time_pairing.h"
 #include "support/console.h"
@@ -93,15 +93,21 @@ void warn_of_types(const OperationRun& run) {
   SAY("Unexpected results may occur.");
 }
 
+void read_bed_elevations_of(const std::string& mesh_file, std::int32_t node_count,
+                            std::vector<float>& bed) {
+  CornerArrays corners;
+  READ_2DM_ELEVATIONS(InputUnit(mesh_file), bed, node_count, corners, std::nullopt);
+}
+
 void read_bed_elevations(OperationRun& run) {
   SAY("...need to also read .2dm files");
   const std::string& mesh1 = run.inputs.types[0].mesh_file;
   const std::string& mesh2 = run.inputs.types[1].mesh_file;
-  LOAD_MESH_ELEVATIONS(mesh1, run.node_count, run.cell_count, run.work.bed[0]);
+  read_bed_elevations_of(mesh1, run.node_count, run.work.bed[0]);
   if (mesh1 == mesh2) {
     run.work.bed[1] = run.work.bed[0];
   } else {
-    LOAD_MESH_ELEVATIONS(mesh2, run.node_count, run.cell_count, run.work.bed[1]);
+    read_bed_elevations_of(mesh2, run.node_count, run.work.bed[1]);
   }
   SAY("Finished reading .2dm files.");
 }

@@ -1,7 +1,10 @@
 #include "operations/extreme.h"
 
 #include <algorithm>
+#include <optional>
 
+#include "mesh/load_mesh.h"
+#include "mesh/node_kinds.h"
 #include "results/special_times.h"
 #include "support/console.h"
 
@@ -34,14 +37,39 @@ void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source)
   }
 }
 
-void fold_inputs(Extreme extreme, OperationRun& run) {
+// The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
+// Only levels of dry nodes mean nothing; every other quantity is 0 there.
+std::optional<MESH_TYPE> mesh_for_levels(const OperationRun& run) {
+  const bool is_needed =
+      run.wet_dry_test && !run.is_vector && run.inputs.types.front().is_water_level;
+  if (!is_needed) return std::nullopt;
+  SAY("...need to read .2dm file for _h data type");
+  std::optional<std::int32_t> cell_count;
+  if (run.cell_count != unknown_count) cell_count = run.cell_count;
+  MESH_TYPE mesh;
+  LOAD_MESH(run.inputs.types.front().mesh_file, run.node_count, cell_count, mesh);
+  return mesh;
+}
+
+// Inputs that tell no activity have every cell of the mesh active.
+void size_unknown_cells(OperationRun& run, const MESH_TYPE& mesh) {
+  if (run.cell_count != unknown_count) return;
+  WorkArrays& work = run.work;
+  for (RES_TYPE* const record : {&work.step, &work.result, &work.file.record}) {
+    SIZE_STATUSES(*record, mesh.element_count);
+  }
+}
+
+void fold_inputs(Extreme extreme, OperationRun& run, const std::optional<MESH_TYPE>& mesh) {
   RES_TYPE& overall = run.work.result;
+  std::vector<std::uint8_t> node_counts;
   RESET_RECORD(overall, INITIAL_STATUS(extreme));
   if (run.time) run.inputs.find_time(*run.time, run.tolerance);
   std::int32_t file_number = 0;
   for (const auto& source : run.inputs.sources) {
     read_file_extreme(extreme, run, *source);
-    FOLD_FILE(extreme, run.work.file, ++file_number, nullptr, overall);
+    if (mesh) MARK_NODES_OF_ACTIVE_CELLS(*mesh, run.work.file.record.cell.status, node_counts);
+    FOLD_FILE(extreme, run.work.file, ++file_number, mesh ? &node_counts : nullptr, overall);
   }
 }
 
@@ -75,7 +103,9 @@ void RUN_EXTREME(Extreme extreme, OperationRun& run) {
   if (run.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
   }
-  fold_inputs(extreme, run);
+  const std::optional<MESH_TYPE> mesh = mesh_for_levels(run);
+  if (mesh) size_unknown_cells(run, *mesh);
+  fold_inputs(extreme, run, mesh);
   write_maps(extreme, run);
   SAY("Closing input file");
   for (const auto& source : run.inputs.sources) source->close();

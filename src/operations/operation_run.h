@@ -17,7 +17,7 @@ struct OperationRun {
 
   // Of the mesh that all inputs share.
   std::int32_t node_count = 0;
-  std::int32_t cell_count = 0;
+  std::int32_t cell_count = 0;  // unknown_count when no input tells
   bool is_vector = false;
   bool is_finite_volume = false;
 

@@ -19,7 +19,9 @@ void RUN_VELOCITY_ANGLE(OperationRun& run) {
   ANNOUNCE_OUTPUT_TIMES(run, "Processing velocity angle at time at ",
                         "Processing velocity angles at all times.");
   if (!run.is_vector) FAIL("ERROR - Must be vector for -va (velocity angle) option");
-  const RES_TYPE angles{.node_count = run.node_count, .cell_count = run.cell_count};
+  RES_TYPE angles;
+  angles.node_count = run.work.step.node_count;
+  angles.cell_count = run.work.step.cell_count;
   REWRITE_OUTPUT_TIMES(run, angles, turn_into_angles);
   CLOSE_FILES_AND_EXIT(run);
 }

@@ -14,7 +14,14 @@ bool is_extreme(Operation operation) {
   return operation == Operation::max || operation == Operation::min;
 }
 
+// These look at output times, or at every file by itself.
+bool works_without_step(Operation operation) {
+  return operation == Operation::times || operation == Operation::conv ||
+         operation == Operation::ensight;
+}
+
 void size_step(const WorkShape& shape, WorkArrays& work) {
+  if (works_without_step(shape.operation)) return;
   SIZE_RECORD(work.step, shape.node_count, shape.cell_count, shape.is_vector);
 }
 

@@ -29,6 +29,11 @@ void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_co
   size_array(record.cell.status, cell_count, status);
 }
 
+void SIZE_STATUSES(RES_TYPE& record, std::int32_t cell_count) {
+  record.cell_count = cell_count;
+  size_array(record.cell.status, cell_count, std::int8_t{1});
+}
+
 void SIZE_SOURCES(RES_TYPE& record) {
   size_array(record.nd.source, record.node_count, 0);
 }

@@ -24,9 +24,8 @@ struct RES_TYPE {
   std::int32_t node_count = 0;
   std::int32_t cell_count = 0;
   bool is_vector = false;
-  float time = 0;                   // hours
-  bool end_of_file = false;         // no output time follows in the file that was read
-  bool nodes_unrestricted = false;  // nodes count even outside active cells
+  float time = 0;            // hours
+  bool end_of_file = false;  // no output time follows in the file that was read
   ND_RES_TYPE nd;
   CELL_RES_TYPE cell;
 };
@@ -35,6 +34,9 @@ struct RES_TYPE {
 // memory does not suffice.
 void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count, bool is_vector,
                  std::int8_t status = 0);
+
+// Sizes the cells alone: every status 1.
+void SIZE_STATUSES(RES_TYPE& record, std::int32_t cell_count);
 
 // Adds the sources to a sized record: 0 for every node.
 void SIZE_SOURCES(RES_TYPE& record);

@@ -1,0 +1,73 @@
+// The cards of a .2dm file, one per line, and the order of their values:
+//
+//   ND   id x y z                       full form: also elevation flag, three reals
+//   E3T  id n1 n3 n2 material           pre-2005 form: also two integers
+//   E4Q  id n1 n4 n3 n2 material        full form: also two integers, an 8-bit integer, and for E3T
+//   E9Q  id n1 n5 n2 n6 n3 n7 n4 n8 n9  a code of two characters
+//          material ...
+//
+// Triangles and 4-node quadrilaterals are turned round, the first node kept; 9-node quadrilaterals,
+// which only the full form knows, are not. A line is known by its first characters alone, whatever
+// follows them. Lines of other cards say nothing that is used here.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "mesh/list_values.h"
+#include "mesh/mesh.h"
+#include "mesh/quick_values.h"
+
+namespace quillet {
+
+enum class MeshCard { node, triangle, quad4, quad9, part, other };
+
+constexpr std::string_view mesh_part_card = "MESHPART";
+constexpr std::size_t node_values_start = 2;  // characters before the values
+constexpr std::size_t element_values_start = 3;
+
+inline MeshCard CARD_OF(std::string_view line) {
+  if (line.starts_with("ND")) return MeshCard::node;
+  if (line.starts_with("E4Q")) return MeshCard::quad4;
+  if (line.starts_with("E3T")) return MeshCard::triangle;
+  if (line.starts_with("E9Q")) return MeshCard::quad9;
+  return line.starts_with(mesh_part_card) ? MeshCard::part : MeshCard::other;
+}
+
+// The slots in the order of the card's nodes.
+constexpr std::array<std::size_t, 3> triangle_slots{0, 2, 1};
+constexpr std::array<std::size_t, 4> quad4_slots{0, 3, 2, 1};
+constexpr std::array<std::size_t, 9> quad9_slots{0, 4, 1, 5, 2, 6, 3, 7, 8};
+
+// Reads the values of one line: `take` is called with the quick reading, and when that finds the
+// line out of the ordinary, again with the complete one. It must start afresh each time. `values`
+// is the line after its card name. False when the values cannot be read or are too few.
+template <typename Take>
+bool READ_VALUES(std::string_view values, Take take) {
+  const char after = *(values.data() + values.size());
+  if (after == '\n' || after == '\r') {
+    QuickValues quick(values.data());
+    if (take(quick)) return true;
+  }
+  ListValues list(values);
+  return take(list);
+}
+
+// Takes consecutive values.
+template <typename Values, typename... Results>
+bool TAKE(Values& values, Results&... results) {
+  return (... && values.value(results));
+}
+
+template <typename Values, std::size_t count>
+bool TAKE_NODES(Values& values, const std::array<std::size_t, count>& slots,
+                std::array<std::int32_t, 9>& nodes) {
+  for (const std::size_t slot : slots) {
+    if (!values.value(nodes[slot])) return false;
+  }
+  return true;
+}
+
+}  // namespace quillet

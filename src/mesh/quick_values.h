@@ -1,0 +1,120 @@
+// Quick reading of the values of an ordinary line: blanks between them, digits with or without a
+// point, no exponents. That is how meshes are written, and reading them is mostly this loop over
+// digits; the general reading takes several times as long.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace quillet {
+
+// Each value is what ListValues gives for it, to the last bit. False stands for anything that is
+// not ordinary, also for what no reading can take: the line must then be read with ListValues,
+// which decides.
+class QuickValues {
+ public:
+  // The text must be followed by a line end or a CR.
+  explicit QuickValues(const char* text) : at(text) {}
+
+  bool value(double& result) { return take_decimal(result); }
+
+  bool value(float& result) {
+    double wide = 0;
+    const bool is_ordinary = take_decimal(wide);
+    result = static_cast<float>(wide);
+    return is_ordinary && !is_midway(wide);
+  }
+
+  bool value(std::int32_t& result) {
+    Number number(at);
+    if (number.take_digits() - 1 >= most_integer_digits) return false;
+    const auto size = static_cast<std::int32_t>(number.digits);
+    result = number.is_negative ? -size : size;
+    return go_past(number);
+  }
+
+  bool value(std::int8_t& result) {
+    std::int32_t number = 0;
+    const bool is_ordinary = value(number);
+    result = static_cast<std::int8_t>(number);
+    return is_ordinary && result == number;
+  }
+
+  bool code(std::array<char, 2>& result) {
+    while (*at == ' ') ++at;
+    if (!is_letter(at[0]) || !is_letter(at[1]) || !is_separator(at[2])) return false;
+    result = {at[0], at[1]};
+    at += 2;
+    return true;
+  }
+
+ private:
+  // So many digits always fit; a 64-bit real holds fifteen exactly.
+  static constexpr std::size_t most_integer_digits = 9;
+  static constexpr std::size_t most_decimal_digits = 15;
+  static constexpr std::array<double, most_decimal_digits + 1> powers_of_ten{
+      1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+  // A number being read, from the blanks before it. Its place in the text is its own, as a place in
+  // the object would be written to memory with every character.
+  struct Number {
+    explicit Number(const char* text) : place(text) {
+      while (*place == ' ') ++place;
+      is_negative = *place == '-';
+      place += is_negative ? 1 : 0;
+    }
+
+    // Appends the digits that follow and returns how many they were. Too many wrap around.
+    std::size_t take_digits() {
+      const char* const first = place;
+      for (;; ++place) {
+        const unsigned digit = static_cast<unsigned char>(*place) - unsigned{'0'};
+        if (digit > 9) return static_cast<std::size_t>(place - first);
+        digits = digits * 10 + digit;
+      }
+    }
+
+    const char* place;
+    std::uint64_t digits = 0;
+    bool is_negative;
+  };
+
+  // Whole numbers that are held exactly make one division give the correctly rounded value.
+  bool take_decimal(double& result) {
+    Number number(at);
+    std::size_t digits = number.take_digits();
+    std::size_t decimals = 0;
+    if (*number.place == '.') {
+      ++number.place;
+      decimals = number.take_digits();
+      digits += decimals;
+    }
+    if (digits - 1 >= most_decimal_digits) return false;
+    const double size =
+        static_cast<double>(static_cast<std::int64_t>(number.digits)) / powers_of_ten[decimals];
+    result = number.is_negative ? -size : size;
+    return go_past(number);
+  }
+
+  bool go_past(const Number& number) {
+    at = number.place;
+    return is_separator(*at);
+  }
+
+  // A 64-bit value halfway between two 32-bit ones may have been rounded to there, and then says
+  // nothing about which of the two is nearer to the text.
+  static bool is_midway(double value) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return (bits & 0x1FFFFFFF) == 0x10000000;
+  }
+
+  static bool is_separator(char c) { return c == ' ' || c == '\n' || c == '\r'; }
+  static bool is_letter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+  const char* at;
+};
+
+}  // namespace quillet

@@ -1,0 +1,171 @@
+#include "mesh/read_2dm.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "mesh/mesh_cards.h"
+#include "mesh/mesh_messages.h"
+#include "mesh/node_kinds.h"
+#include "support/console.h"
+#include "support/line_reader.h"
+#include "support/text.h"
+
+namespace quillet {
+namespace {
+
+constexpr std::size_t line_width = 200;
+constexpr std::size_t part_name_start = 9;
+constexpr std::size_t part_name_length = 100;
+
+// Elements between two counts on the progress line.
+constexpr std::int32_t progress_interval = 10000;
+
+class MeshCardReader {
+ public:
+  MeshCardReader(const std::string& name, MESH_TYPE& target)
+      : file_name(name), mesh(target), form(target.form()) {}
+
+  void take(std::string_view line) {
+    switch (CARD_OF(line)) {
+      case MeshCard::node:
+        return take_node(line);
+      case MeshCard::triangle:
+        return take_element<3>(line, triangle_slots);
+      case MeshCard::quad4:
+        return take_element<4>(line, quad4_slots);
+      case MeshCard::quad9:
+        if (form != MeshForm::full) return refuse_quad9();
+        return take_element<9>(line, quad9_slots);
+      case MeshCard::part:
+        return take_part(line);
+      case MeshCard::other:
+        return;
+    }
+  }
+
+  // The console has whole lines: what there is of the progress line is shown before anything else.
+  void end_progress() {
+    if (!progress.empty()) SAY(progress);
+    progress.clear();
+  }
+
+  void check_counts() const {
+    if (element_cards != mesh.element_count) FAIL_ON_CELL_COUNT(mesh.element_count);
+    if (node_cards != mesh.node_count) FAIL_ON_NODE_COUNT(mesh.node_count);
+  }
+
+ private:
+  [[noreturn]] void fail_on(std::string_view line) {
+    end_progress();
+    FAIL_ON_MESH_LINE(line);
+  }
+
+  [[noreturn]] void fail_on_repeated(std::string_view kind, std::int32_t id) {
+    end_progress();
+    FAIL_ON_REPEATED_ID(file_name, kind, id);
+  }
+
+  bool is_node(std::int32_t id) const { return id >= 1 && id <= mesh.node_count; }
+  bool is_element(std::int32_t id) const { return id >= 1 && id <= mesh.element_count; }
+
+  void take_node(std::string_view line) {
+    std::int32_t id = 0;
+    MESH_NODE_TYPE node;
+    const auto read = [&](auto& values) {
+      return TAKE(values, id, node.x, node.y, node.z) &&
+             (form != MeshForm::full ||
+              TAKE(values, node.elevation_flag, node.further[0], node.further[1], node.further[2]));
+    };
+    if (!READ_VALUES(line.substr(node_values_start), read) || !is_node(id)) fail_on(line);
+    store(id, node);
+  }
+
+  void store(std::int32_t id, MESH_NODE_TYPE& node) {
+    MESH_NODE_TYPE& place = mesh.nodes[static_cast<std::size_t>(id) - 1];
+    if (place.kind != no_kind) fail_on_repeated("node", id);
+    if (node.elevation_flag == 1) node.z -= mesh.z_offset;
+    node.kind = {' ', ' '};
+    place = node;
+    ++node_cards;
+    mesh.x_minimum = std::min(mesh.x_minimum, node.x);
+    mesh.x_maximum = std::max(mesh.x_maximum, node.x);
+    mesh.y_minimum = std::min(mesh.y_minimum, node.y);
+    mesh.y_maximum = std::max(mesh.y_maximum, node.y);
+  }
+
+  template <int kind>
+  void take_element(std::string_view line, const std::array<std::size_t, kind>& slots) {
+    std::int32_t id = 0;
+    MESH_ELEMENT_TYPE element;
+    element.kind = kind;
+    const auto read = [&](auto& values) {
+      return TAKE(values, id) && TAKE_NODES(values, slots, element.nodes) &&
+             TAKE(values, element.material) &&
+             (form == MeshForm::fv || TAKE(values, element.further[0], element.further[1])) &&
+             (form != MeshForm::full || TAKE(values, element.byte)) &&
+             (form != MeshForm::full || kind != 3 || values.code(element.code));
+    };
+    if (!READ_VALUES(line.substr(element_values_start), read) || !is_element(id)) fail_on(line);
+    const auto corner_is_node = [&](std::size_t slot) { return is_node(element.nodes[slot]); };
+    if (!std::all_of(slots.begin(), slots.end(), corner_is_node)) fail_on(line);
+    store(id, element);
+  }
+
+  void store(std::int32_t id, const MESH_ELEMENT_TYPE& element) {
+    MESH_ELEMENT_TYPE& place = mesh.elements[static_cast<std::size_t>(id) - 1];
+    if (place.kind != 0) fail_on_repeated("element", id);
+    place = element;
+    last_element = id;
+    count_element();
+  }
+
+  void refuse_quad9() {
+    end_progress();
+    SAY("ERROR - Unexpected 9 point quad in FV or pre 2005 mesh.");
+    if (last_element != 0) mesh.elements[static_cast<std::size_t>(last_element) - 1].kind = 9;
+    count_element();
+  }
+
+  void count_element() {
+    ++element_cards;
+    if (element_cards % progress_interval == 0) progress += fmt::format("{:8}", element_cards);
+  }
+
+  void take_part(std::string_view line) {
+    const std::string_view rest = line.substr(std::min(part_name_start, line.size()));
+    mesh.mesh_parts.push_back({SHOWN_LINE(rest.substr(0, part_name_length))});
+    ++mesh.mesh_part_count;
+  }
+
+  static constexpr std::array<char, 2> no_kind{};
+
+  const std::string& file_name;
+  MESH_TYPE& mesh;
+  const MeshForm form;
+  std::int32_t node_cards = 0;
+  std::int32_t element_cards = 0;
+  std::int32_t last_element = 0;  // id of the last one read; 0 none
+  std::string progress = "Element:";
+};
+
+}  // namespace
+
+void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
+  SAY("Rewinding .2dm file...");
+  LineReader reader(unit, line_width);
+  SAY("   Done.");
+  SAY("...reading .2dm file");
+  MeshCardReader cards(unit.name(), mesh);
+  std::string_view line;
+  while (reader.next(line)) cards.take(line);
+  cards.end_progress();
+  SAY("Finished Reading .2dm file");
+
+  SET_NODE_KINDS(mesh);
+  cards.check_counts();
+}
+
+}  // namespace quillet

@@ -1,0 +1,123 @@
+#include "mesh/read_2dm_elevations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "mesh/mesh_cards.h"
+#include "mesh/mesh_messages.h"
+#include "support/console.h"
+#include "support/line_reader.h"
+
+namespace quillet {
+namespace {
+
+constexpr std::size_t line_width = 100;
+
+// Stands for an elevation that has not been read: no text reads as this.
+constexpr float unread = std::numeric_limits<float>::quiet_NaN();
+
+class ElevationCardReader {
+ public:
+  ElevationCardReader(const std::string& name, std::vector<float>& z, CornerArrays& corner_arrays,
+                      bool with_elements)
+      : file_name(name), elevations(z), corners(corner_arrays), takes_elements(with_elements) {}
+
+  void take(std::string_view line) {
+    switch (CARD_OF(line)) {
+      case MeshCard::node:
+        return take_node(line);
+      case MeshCard::triangle:
+        return take_element(line, triangle_slots);
+      case MeshCard::quad4:
+        return take_element(line, quad4_slots);
+      default:
+        return;
+    }
+  }
+
+  bool has_all_nodes() const { return node_cards == elevations.size(); }
+
+ private:
+  void take_node(std::string_view line) {
+    std::int32_t id = 0;
+    float x = 0;
+    float y = 0;
+    float z = 0;
+    const auto read = [&](auto& values) { return TAKE(values, id, x, y, z); };
+    if (!READ_VALUES(line.substr(node_values_start), read) || id < 1) FAIL_ON_MESH_LINE(line);
+    const auto index = static_cast<std::size_t>(id) - 1;
+    if (index >= elevations.size()) fail_on_other_mesh();
+    if (!std::isnan(elevations[index])) FAIL_ON_REPEATED_ID(file_name, "node", id);
+    elevations[index] = z;
+    ++node_cards;
+  }
+
+  [[noreturn]] static void fail_on_other_mesh() {
+    SAY("ERROR - .2dm file is incompatible with .dat file whilst reading node elevations");
+    EXITS();
+  }
+
+  template <std::size_t count>
+  void take_element(std::string_view line, const std::array<std::size_t, count>& slots) {
+    if (!takes_elements) return;
+    std::int32_t id = 0;
+    std::array<std::int32_t, 9> nodes{};
+    const auto read = [&](auto& values) {
+      return TAKE(values, id) && TAKE_NODES(values, slots, nodes);
+    };
+    if (!READ_VALUES(line.substr(element_values_start), read)) FAIL_ON_MESH_LINE(line);
+    const auto index = static_cast<std::size_t>(id) - 1;
+    if (id < 1 || index >= corners[0].size()) FAIL_ON_MESH_LINE(line);
+    for (const std::size_t slot : slots) {
+      const bool is_node = nodes[slot] >= 1 && nodes[slot] <= std::ssize(elevations);
+      if (!is_node) FAIL_ON_MESH_LINE(line);
+    }
+    if (corners[0][index] != 0) FAIL_ON_REPEATED_ID(file_name, "element", id);
+    for (std::size_t slot = 0; slot < corners.size(); ++slot) corners[slot][index] = nodes[slot];
+  }
+
+  const std::string& file_name;
+  std::vector<float>& elevations;
+  CornerArrays& corners;
+  const bool takes_elements;
+  std::size_t node_cards = 0;
+};
+
+void size_arrays(std::vector<float>& elevations, std::int32_t node_count, CornerArrays& corners,
+                 std::int32_t element_count) try {
+  for (auto& corner : corners) corner.assign(static_cast<std::size_t>(element_count), 0);
+  elevations.assign(static_cast<std::size_t>(node_count), unread);
+} catch (const std::bad_alloc&) {
+  FAIL_ALLOCATION();
+}
+
+void set_missing(std::vector<float>& elevations) {
+  for (float& elevation : elevations) {
+    if (std::isnan(elevation)) elevation = no_elevation;
+  }
+}
+
+}  // namespace
+
+void READ_2DM_ELEVATIONS(const InputUnit& unit, std::vector<float>& elevations,
+                         std::int32_t node_count, CornerArrays& corners,
+                         std::optional<std::int32_t> element_count) {
+  SAY("...reading .2dm file");
+  size_arrays(elevations, node_count, corners, element_count.value_or(0));
+
+  LineReader reader(unit, line_width);
+  ElevationCardReader cards(unit.name(), elevations, corners, element_count.has_value());
+  std::string_view line;
+  while (reader.next(line)) cards.take(line);
+  if (cards.has_all_nodes()) return;
+
+  set_missing(elevations);
+  SAY("WARNING - Did not read an elevation for all nodes from .2dm file.");
+  PAUSE();
+}
+
+}  // namespace quillet

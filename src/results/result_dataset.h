@@ -1,0 +1,39 @@
+// One dataset of an input, whatever its file format, for operations that take everything that a
+// file holds. An XMDF file lists its datasets. A .dat file is taken apart: its ordinary output times
+// are a series, stored maxima, minima and times of maxima stand beside it.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "results/results_record.h"
+
+namespace quillet {
+
+enum class DatasetKind {
+  series,         // output times of the simulation
+  maximum,        // stored maxima
+  minimum,        // stored minima
+  special_times,  // times of maxima, durations: values are hours
+  fixed,          // does not change with time
+  other,          // in a folder that says nothing
+};
+
+class ResultDataset {
+ public:
+  virtual ~ResultDataset() = default;
+
+  virtual const std::string& name() const = 0;         // "Depth"
+  virtual const std::string& description() const = 0;  // for readers: the name, else the file's
+  virtual DatasetKind kind() const = 0;
+  virtual bool is_vector() const = 0;
+  virtual const std::vector<double>& times() const = 0;  // hours, one per output
+
+  // Reads one output (from 0) into a record sized for the input's mesh, with y components when the
+  // dataset is a vector; sets its time and vector flag. Cheapest from the first to the last.
+  // Whatever cannot be read ends the run.
+  virtual void read(std::size_t output, RES_TYPE& record) = 0;
+};
+
+}  // namespace quillet

@@ -1,0 +1,44 @@
+// What HDF5 knows about its last failure, in words for the console.
+#pragma once
+
+#include <hdf5.h>
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "xmdf/xf_status.h"
+
+namespace quillet {
+
+struct XfLastError {
+  std::string system_reason;  // the system's words ("No space left on device"), or empty
+  std::string truncation;     // "expected 4096 bytes, found 1312" for a file that was cut, or empty
+  bool lock_refused = false;  // the file system knows no locks
+  bool locked_by_other = false;  // another program has the file open for writing
+};
+
+// Looks through the errors of the HDF5 call that has just failed; every later call, closing a
+// handle included, clears them.
+XfLastError xf_last_error();
+
+// HDF5 prints its errors unless told otherwise, once per thread.
+void xf_silence_hdf5();
+
+// The system's words for the call that has just failed, else the given ones.
+XfStatus xf_hdf5_failure(const std::string& otherwise);
+
+// Runs an operation that sizes arrays.
+template <typename Operation>
+XfStatus xf_guard_memory(Operation operation) {
+  const XfStatus no_memory{XfStatus::Kind::no_memory, "not enough memory (RAM)"};
+  try {
+    return operation();
+  } catch (const std::bad_alloc&) {
+    return no_memory;
+  } catch (const std::length_error&) {
+    return no_memory;
+  }
+}
+
+}  // namespace quillet

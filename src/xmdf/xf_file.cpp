@@ -1,0 +1,189 @@
+#include "xmdf/xf_file.h"
+
+#include <algorithm>
+#include <array>
+
+#include "xmdf/xf_errors.h"
+#include "xmdf/xf_file_state.h"
+#include "xmdf/xf_table.h"
+#include "xmdf/xf_text.h"
+
+namespace quillet {
+namespace {
+
+constexpr const char* file_type_name = "/File Type";
+constexpr const char* file_type = "Xmdf";
+constexpr const char* file_version_name = "/File Version";
+constexpr float file_version = 2.1F;
+
+XfPropertiesHandle access_properties(bool locking, bool writing) {
+  XfPropertiesHandle properties(H5Pcreate(H5P_FILE_ACCESS));
+  H5Pset_file_locking(properties.get(), locking, true);
+  if (writing) {
+    // Old viewers read the earliest format only.
+    H5Pset_libver_bounds(properties.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18);
+    H5Pset_fclose_degree(properties.get(), H5F_CLOSE_SEMI);
+  }
+  return properties;
+}
+
+// Opens or creates, again without locks when the file system refuses them. `error` is of the last
+// attempt; it is taken before anything else is asked of HDF5, which would clear it.
+template <typename Open>
+XfFileHandle with_or_without_locks(bool writing, XfLastError& error, Open open) {
+  XfFileHandle file;
+  for (const bool locking : {true, false}) {
+    const XfPropertiesHandle access = access_properties(locking, writing);
+    file = XfFileHandle(open(access.get()));
+    if (!file.valid()) error = xf_last_error();
+    if (file.valid() || !error.lock_refused) break;
+  }
+  return file;
+}
+
+XfStatus opening_failure(const std::string& name, const XfLastError& error) {
+  if (error.locked_by_other) return xf_failure("another program is writing it");
+  if (!error.truncation.empty()) return xf_failure("truncated, " + error.truncation);
+  if (!error.system_reason.empty()) return xf_failure(error.system_reason);
+  if (H5Fis_hdf5(name.c_str()) > 0) return xf_failure("damaged or truncated HDF5 file");
+  return xf_failure("not an HDF5 file");
+}
+
+XfStatus check_file_type(hid_t file) {
+  const std::optional<std::string> found = xf_dataset_text(file, file_type_name);
+  if (found && xf_same_text(*found, file_type)) return {};
+  return xf_failure(found ? "an HDF5 file but not an XMDF file, expected File Type Xmdf, found " +
+                                *found
+                          : "an HDF5 file but not an XMDF file, it has no File Type");
+}
+
+bool write_version(hid_t file) {
+  const hsize_t extent = 1;
+  const XfSpaceHandle space(H5Screate_simple(1, &extent, nullptr));
+  const XfPropertiesHandle properties(H5Pcreate(H5P_DATASET_CREATE));
+  H5Pset_obj_track_times(properties.get(), false);
+  const XfDatasetHandle dataset(H5Dcreate2(file, file_version_name, H5T_IEEE_F32LE, space.get(),
+                                           H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+  return dataset.valid() && H5Dwrite(dataset.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT,
+                                     &file_version) >= 0;
+}
+
+XfFileHandle create_file(const std::string& name, XfLastError& error) {
+  const XfPropertiesHandle creation(H5Pcreate(H5P_FILE_CREATE));
+  // Equal runs give equal bytes: no times in the file.
+  H5Pset_obj_track_times(creation.get(), false);
+  return with_or_without_locks(true, error, [&](hid_t access) {
+    return H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access);
+  });
+}
+
+bool holds_numbers(hid_t dataset) {
+  const XfTypeHandle type(H5Dget_type(dataset));
+  return xf_is_number(type.get());
+}
+
+XfStatus list_once(XfFileState& file) {
+  if (file.paths) return {};
+  XfDatasetPaths paths;
+  XfStatus status = xf_list_datasets(file.id.get(), paths);
+  if (status.ok()) file.paths = std::move(paths);
+  return status;
+}
+
+XfStatus get_paths(const XfFile& file, std::vector<std::string> XfDatasetPaths::*kind,
+                   std::vector<std::string>& paths) {
+  return xf_guard_memory([&] {
+    XfStatus status = list_once(*file);
+    if (status.ok()) paths = (*file->paths).*kind;
+    return status;
+  });
+}
+
+XfStatus get_info(const XfFile& file, std::vector<std::string> XfDatasetPaths::*kind,
+                  XfDatasetsInfo& info) {
+  return xf_guard_memory([&] {
+    XfStatus status = list_once(*file);
+    if (!status.ok()) return status;
+    const std::vector<std::string>& paths = (*file->paths).*kind;
+    info = {static_cast<std::int32_t>(paths.size()), 0};
+    for (const std::string& path : paths) {
+      info.longest_path = std::max(info.longest_path, static_cast<std::int32_t>(path.size()));
+    }
+    return status;
+  });
+}
+
+}  // namespace
+
+void XfFileCloser::operator()(XfFileState* state) const {
+  delete state;
+}
+
+XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
+  xf_silence_hdf5();
+  XfLastError error;
+  XfFileHandle opened = with_or_without_locks(
+      false, error, [&](hid_t access) { return H5Fopen(name.c_str(), H5F_ACC_RDONLY, access); });
+  if (!opened.valid()) return opening_failure(name, error);
+  XfStatus status = check_file_type(opened.get());
+  if (status.ok()) file.reset(new XfFileState{std::move(opened), std::nullopt});
+  return status;
+}
+
+XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
+  xf_silence_hdf5();
+  XfLastError error;
+  XfFileHandle created = create_file(name, error);
+  if (!created.valid()) {
+    return xf_failure(error.system_reason.empty() ? "the file cannot be created"
+                                                  : error.system_reason);
+  }
+  if (!xf_write_text_dataset(created.get(), file_type_name, file_type) ||
+      !write_version(created.get())) {
+    return xf_hdf5_failure("the file cannot be written");
+  }
+  file.reset(new XfFileState{std::move(created), std::nullopt});
+  return {};
+}
+
+XfStatus XF_CLOSE_FILE(XfFile& file) {
+  if (!file) return {};
+  const bool closed = file->id.close();
+  file.reset();
+  return closed ? XfStatus{} : xf_hdf5_failure("the file cannot be completed");
+}
+
+XfStatus XF_GET_LIBRARY_VERSION_FILE(const XfFile& file, float& version) {
+  const XfStatus missing = xf_failure("File Version is missing or no number");
+  const hid_t id = file->id.get();
+  if (H5Lexists(id, file_version_name, H5P_DEFAULT) <= 0) return missing;
+  const XfDatasetHandle dataset(H5Dopen2(id, file_version_name, H5P_DEFAULT));
+  if (!dataset.valid() || !holds_numbers(dataset.get())) return missing;
+  const XfSpaceHandle space(H5Dget_space(dataset.get()));
+  std::array<float, 16> values{};
+  const hssize_t count = H5Sget_simple_extent_npoints(space.get());
+  if (count < 1 || count > static_cast<hssize_t>(values.size())) return missing;
+  if (H5Dread(dataset.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()) < 0) {
+    return missing;
+  }
+  version = values[0];
+  return {};
+}
+
+XfStatus XF_GET_SCALAR_DATASETS_INFO(const XfFile& file, XfDatasetsInfo& info) {
+  return get_info(file, &XfDatasetPaths::scalars, info);
+}
+
+XfStatus XF_GET_VECTOR_DATASETS_INFO(const XfFile& file, XfDatasetsInfo& info) {
+  return get_info(file, &XfDatasetPaths::vectors, info);
+}
+
+XfStatus XF_GET_SCALAR_DATASET_PATHS(const XfFile& file, std::vector<std::string>& paths) {
+  return get_paths(file, &XfDatasetPaths::scalars, paths);
+}
+
+XfStatus XF_GET_VECTOR_DATASET_PATHS(const XfFile& file, std::vector<std::string>& paths) {
+  return get_paths(file, &XfDatasetPaths::vectors, paths);
+}
+
+}  // namespace quillet

@@ -1,0 +1,16 @@
+// What stands behind an open file; for the sources of the XF_ operations only.
+#pragma once
+
+#include <optional>
+
+#include "xmdf/xf_handle.h"
+#include "xmdf/xf_paths.h"
+
+namespace quillet {
+
+struct XfFileState {
+  XfFileHandle id;
+  std::optional<XfDatasetPaths> paths;  // once they have been asked for
+};
+
+}  // namespace quillet

@@ -1,0 +1,47 @@
+// One row of a member dataset (the values or flags of one output time), however it is stored.
+#pragma once
+
+#include <hdf5.h>
+
+#include <cstddef>
+#include <optional>
+
+#include "xmdf/xf_buffer.h"
+#include "xmdf/xf_chunk_reader.h"
+#include "xmdf/xf_status.h"
+#include "xmdf/xf_table.h"
+
+namespace quillet {
+
+class XfRowReader {
+ public:
+  XfRowReader() = default;
+  XfRowReader(const XfRowReader&) = delete;
+  XfRowReader& operator=(const XfRowReader&) = delete;
+
+  // Elements arrive as 32-bit reals; stored as any real or integer.
+  XfStatus open_values(hid_t group, const char* name, int rank, hsize_t file_size);
+  // Elements arrive as bytes that are 0 or not; stored as any integer, or as an enumeration or bits
+  // of one byte.
+  XfStatus open_flags(hid_t group, const char* name, hsize_t file_size);
+
+  hsize_t rows() const { return table.rows; }
+  hsize_t columns() const { return table.columns; }
+
+  // Row from 0. `straight` takes the whole row.
+  XfStatus read_row(hsize_t row, std::byte* straight);
+  // The row in pieces, for what is not wanted as it is stored.
+  XfStatus read_row_in_pieces(hsize_t row, const XfPieceSink& sink);
+
+ private:
+  void use_memory_type(hid_t type, bool as_stored);
+  XfStatus read_by_hdf5(hsize_t row, hsize_t first, hsize_t count, std::byte* destination);
+
+  XfTable table;
+  hid_t memory_type = H5I_INVALID_HID;  // of HDF5 or of the table
+  std::size_t column_bytes = 0;         // in memory
+  std::optional<XfChunkReader> chunk_reader;
+  XfBuffer block;
+};
+
+}  // namespace quillet

@@ -1,0 +1,203 @@
+#include "xmdf/xf_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace quillet {
+namespace {
+
+constexpr hsize_t largest_extent = std::numeric_limits<std::int32_t>::max();
+constexpr double filter_overhead = 4096;
+
+std::string number(hsize_t value) {
+  return std::to_string(value);
+}
+
+XfStatus open_dataset(hid_t group, XfTable& table, hid_t access) {
+  table.dataset = XfDatasetHandle(H5Dopen2(group, table.name.c_str(), access));
+  if (table.dataset.valid()) return {};
+  return xf_failure(table.name + " is damaged or no dataset");
+}
+
+XfStatus read_shape(int rank, XfTable& table) {
+  const XfSpaceHandle space(H5Dget_space(table.dataset.get()));
+  const int found = space.valid() ? H5Sget_simple_extent_ndims(space.get()) : -1;
+  if (found != rank) {
+    return xf_failure(table.name + ": expected rank " + std::to_string(rank) + ", found " +
+                      std::to_string(found));
+  }
+  std::array<hsize_t, 3> extents{0, 1, 1};
+  H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+  if (*std::max_element(extents.begin(), extents.end()) > largest_extent) {
+    return xf_failure(table.name + " has too large an extent");
+  }
+  if (rank == 3 && extents[2] != 2) {
+    return xf_failure(table.name + ": expected 2 components, found " + number(extents[2]));
+  }
+  table.rows = extents[0];
+  table.columns = extents[1];
+  table.components = extents[2];
+  return {};
+}
+
+XfStatus read_filters(hid_t properties, XfTable& table) {
+  std::vector<H5Z_filter_t> filters;
+  for (int i = 0; i < H5Pget_nfilters(properties); ++i) {
+    unsigned flags = 0;
+    std::size_t values = 0;
+    filters.push_back(H5Pget_filter2(properties, i, &flags, &values, nullptr, 0, nullptr, nullptr));
+    if (filters.back() < 0 || H5Zfilter_avail(filters.back()) <= 0) {
+      return xf_failure(table.name + " is compressed in an unknown way, filter " +
+                        std::to_string(filters.back()));
+    }
+  }
+  table.filtered = !filters.empty();
+  table.shuffled = filters.size() == 2 && filters[0] == H5Z_FILTER_SHUFFLE;
+  table.deflated = (filters.size() == 1 || table.shuffled) && filters.back() == H5Z_FILTER_DEFLATE;
+  return {};
+}
+
+XfStatus read_chunking(hid_t properties, int rank, XfTable& table) {
+  std::array<hsize_t, 3> chunk{1, 1, 1};
+  if (H5Pget_chunk(properties, rank, chunk.data()) != rank ||
+      std::find(chunk.begin(), chunk.end(), 0) != chunk.end()) {
+    return xf_failure(table.name + " has damaged chunk extents");
+  }
+  table.chunked = true;
+  table.chunk_rows = chunk[0];
+  table.chunk_columns = chunk[1];
+  table.chunk_components = chunk[2];
+  return read_filters(properties, table);
+}
+
+XfStatus read_storage(hid_t properties, int rank, XfTable& table) {
+  const H5D_layout_t layout = H5Pget_layout(properties);
+  if (layout == H5D_VIRTUAL || H5Pget_external_count(properties) > 0) {
+    return xf_failure(table.name + " keeps its data in other files");
+  }
+  table.stored_type = XfTypeHandle(H5Dget_type(table.dataset.get()));
+  table.stored_size = H5Tget_size(table.stored_type.get());
+  if (table.stored_size == 0) return xf_failure(table.name + " has a damaged type");
+  return layout == H5D_CHUNKED ? read_chunking(properties, rank, table) : XfStatus{};
+}
+
+hsize_t chunks_between(hsize_t extent, hsize_t chunk) {
+  return (extent + chunk - 1) / chunk;
+}
+
+// In 64-bit reals: damaged extents overflow integers.
+double chunk_count(const XfTable& table) {
+  return static_cast<double>(chunks_between(table.rows, table.chunk_rows)) *
+         static_cast<double>(xf_chunks_per_row(table));
+}
+
+double claimed_bytes(const XfTable& table) {
+  if (table.chunked) return chunk_count(table) * static_cast<double>(xf_chunk_bytes(table));
+  return static_cast<double>(table.rows) * static_cast<double>(table.columns) *
+         static_cast<double>(table.components * table.stored_size);
+}
+
+XfStatus check_every_chunk_written(const XfTable& table) {
+  hsize_t found = 0;
+  const XfSpaceHandle all(H5Dget_space(table.dataset.get()));
+  if (H5Dget_num_chunks(table.dataset.get(), all.get(), &found) < 0) {
+    return xf_failure(table.name + " has a damaged list of chunks");
+  }
+  if (static_cast<double>(found) >= chunk_count(table)) return {};
+  return xf_failure(table.name + " is incomplete, " + number(found) +
+                    " of its chunks were written");
+}
+
+XfStatus check_stored_bytes(const XfTable& table) {
+  const hsize_t stored = std::min(H5Dget_storage_size(table.dataset.get()), table.file_size);
+  const double claimed = claimed_bytes(table);
+  const double warranted = table.filtered
+                               ? static_cast<double>(stored) * xf_deflate_ratio + filter_overhead
+                               : static_cast<double>(stored);
+  if (claimed <= warranted) return {};
+  return xf_failure(table.name + " claims more than is stored, expected " +
+                    number(static_cast<hsize_t>(std::min(claimed, 1e18))) + " bytes, found " +
+                    number(stored) + (table.filtered ? " compressed" : ""));
+}
+
+// Without rows nothing is stored that could warrant the columns.
+XfStatus check_empty(const XfTable& table) {
+  if (table.columns <= table.file_size * xf_deflate_ratio) return {};
+  return xf_failure(table.name + " has too large an extent");
+}
+
+XfStatus check_data(const XfTable& table) {
+  if (table.rows == 0) return check_empty(table);
+  if (table.columns == 0) return {};
+  if (table.chunked) {
+    XfStatus status = check_every_chunk_written(table);
+    if (!status.ok()) return status;
+  }
+  return check_stored_bytes(table);
+}
+
+// How much HDF5 itself should keep of inflated chunks: nothing where it can read the piece asked
+// for straight from the file (unfiltered data, where a cache only costs) or where the raw chunks
+// are read; else a row of chunks, so that none is read twice on a walk through the output times.
+hsize_t cache_bytes(const XfTable& table) {
+  constexpr hsize_t small_piece = hsize_t{32} << 10;
+  if (!table.chunked) return 0;
+  const bool small_pieces =
+      table.chunk_rows > 1 && xf_chunk_bytes(table) / table.chunk_rows < small_piece;
+  if (!table.filtered && !small_pieces) return 0;
+  const double row =
+      static_cast<double>(xf_chunk_bytes(table)) * static_cast<double>(xf_chunks_per_row(table));
+  return row <= xf_largest_chunk_row ? static_cast<hsize_t>(row) : 0;
+}
+
+XfPropertiesHandle access_with_cache(hsize_t bytes, hsize_t chunks) {
+  constexpr hsize_t most_slots = 1000003;
+  XfPropertiesHandle access(H5Pcreate(H5P_DATASET_ACCESS));
+  const hsize_t slots = std::min(chunks * 10 + 521, most_slots);
+  H5Pset_chunk_cache(access.get(), slots, bytes, H5D_CHUNK_CACHE_W0_DEFAULT);
+  return access;
+}
+
+XfStatus reopen_with_cache(hid_t group, XfTable& table) {
+  const hsize_t bytes = cache_bytes(table);
+  if (bytes == 0) return {};
+  table.dataset.close();
+  return open_dataset(group, table, access_with_cache(bytes, xf_chunks_per_row(table)).get());
+}
+
+}  // namespace
+
+bool xf_is_number(hid_t type) {
+  constexpr std::size_t largest_number = 16;
+  const H5T_class_t type_class = H5Tget_class(type);
+  return (type_class == H5T_FLOAT || type_class == H5T_INTEGER) &&
+         H5Tget_size(type) <= largest_number;
+}
+
+hsize_t xf_chunks_per_row(const XfTable& table) {
+  return chunks_between(table.columns, table.chunk_columns) *
+         chunks_between(table.components, table.chunk_components);
+}
+
+hsize_t xf_chunk_bytes(const XfTable& table) {
+  return table.chunk_rows * table.chunk_columns * table.chunk_components * table.stored_size;
+}
+
+XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_size, XfTable& table) {
+  table = {};
+  table.name = name;
+  table.file_size = file_size;
+  XfStatus status = open_dataset(group, table, access_with_cache(0, 0).get());
+  if (status.ok()) status = read_shape(rank, table);
+  if (!status.ok()) return status;
+  const XfPropertiesHandle properties(H5Dget_create_plist(table.dataset.get()));
+  if (!properties.valid()) return xf_failure(table.name + " is damaged");
+  status = read_storage(properties.get(), rank, table);
+  if (status.ok()) status = check_data(table);
+  return status.ok() ? reopen_with_cache(group, table) : status;
+}
+
+}  // namespace quillet

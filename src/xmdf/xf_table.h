@@ -1,0 +1,51 @@
+// The shape of a member dataset whose rows are output times (Values, Active), and how it is stored.
+// Opening checks that the file really holds what the shape claims, so that nothing larger than the
+// file warrants is ever allocated and nothing that was never written is read.
+#pragma once
+
+#include <hdf5.h>
+
+#include <cstddef>
+#include <string>
+
+#include "xmdf/xf_handle.h"
+#include "xmdf/xf_status.h"
+
+namespace quillet {
+
+struct XfTable {
+  std::string name;
+  XfDatasetHandle dataset;
+  XfTypeHandle stored_type;
+  std::size_t stored_size = 0;  // bytes per element in the file
+  hsize_t rows = 0;             // output times
+  hsize_t columns = 0;          // nodes or cells
+  hsize_t components = 1;       // 2 for vectors
+  bool chunked = false;
+  hsize_t chunk_rows = 0;
+  hsize_t chunk_columns = 0;
+  hsize_t chunk_components = 1;
+  bool filtered = false;
+  bool deflated = false;  // the filters are deflate alone, or shuffle and then deflate
+  bool shuffled = false;
+  hsize_t file_size = 0;  // bytes; bounds everything that is stored
+};
+
+// Opens the dataset `name` of a group: rank 1 (no columns), 2, or 3 with two components. The file's
+// size bounds what it can hold.
+XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_size, XfTable& table);
+
+// Reals and integers, of a size that is no damage: HDF5 would clear memory for the size claimed.
+bool xf_is_number(hid_t type);
+
+// Chunks side by side in a row of chunks, and the bytes of one chunk.
+hsize_t xf_chunks_per_row(const XfTable& table);
+hsize_t xf_chunk_bytes(const XfTable& table);
+
+// A row of chunks larger than this is not kept in memory.
+constexpr hsize_t xf_largest_chunk_row = hsize_t{512} << 20;
+
+// The most that deflate can shrink anything, by its format.
+constexpr hsize_t xf_deflate_ratio = 1032;
+
+}  // namespace quillet

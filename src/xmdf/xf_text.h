@@ -1,0 +1,26 @@
+// Texts stored in XMDF files. Writers differ in everything: fixed or variable length, padded with
+// nulls or blanks, as a scalar or as an array of one.
+#pragma once
+
+#include <hdf5.h>
+
+#include <optional>
+#include <string>
+
+namespace quillet {
+
+// The first text of an attribute or of a dataset, without its padding. Nothing when it does not
+// exist or is no text.
+std::optional<std::string> xf_attribute_text(hid_t object, const char* name);
+std::optional<std::string> xf_dataset_text(hid_t file, const char* name);
+
+// Same letters, whatever their case.
+bool xf_same_text(const std::string& a, const char* b);
+
+// Writers for what every reader expects: fixed length with a closing null, arrays of one. False
+// when HDF5 refuses.
+bool xf_write_text_attribute(hid_t object, const char* name, const std::string& text);
+bool xf_write_integer_attribute(hid_t object, const char* name, int value);
+bool xf_write_text_dataset(hid_t file, const char* name, const std::string& text);
+
+}  // namespace quillet

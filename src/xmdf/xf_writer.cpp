@@ -1,0 +1,246 @@
+#include "xmdf/xf_writer.h"
+
+#include <string_view>
+#include <vector>
+
+#include "support/kernel_target.h"
+#include "xmdf/xf_errors.h"
+#include "xmdf/xf_file_state.h"
+#include "xmdf/xf_range.h"
+#include "xmdf/xf_table_writer.h"
+#include "xmdf/xf_text.h"
+
+namespace quillet {
+
+struct XfFolderState {
+  XfGroupHandle id;
+};
+
+struct XfDatasetState {
+  XfGroupHandle id;
+  hsize_t components = 1;
+  XfStorage storage;
+  XfTableWriter values;
+  XfTableWriter activity;
+  std::vector<double> times;
+  std::vector<float> smallest;
+  std::vector<float> largest;
+};
+
+namespace {
+
+QUILLET_KERNEL
+void join_components(const float* x, const float* y, std::size_t count, float* pairs) {
+  for (std::size_t i = 0; i < count; ++i) {
+    pairs[2 * i] = x[i];
+    pairs[2 * i + 1] = y[i];
+  }
+}
+
+QUILLET_KERNEL
+void copy_zero_or_one(const std::int8_t* flags, std::size_t count, unsigned char* copy) {
+  for (std::size_t i = 0; i < count; ++i) copy[i] = flags[i] != 0 ? 1 : 0;
+}
+
+XfGroupHandle create_group(hid_t parent, const std::string& name, const char* group_type) {
+  const XfPropertiesHandle properties(H5Pcreate(H5P_GROUP_CREATE));
+  H5Pset_obj_track_times(properties.get(), false);
+  XfGroupHandle group(H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+  if (group.valid() && !xf_write_text_attribute(group.get(), "Grouptype", group_type)) return {};
+  return group;
+}
+
+// One level of a path. An invalid handle when it stands for something else, or cannot be made.
+XfGroupHandle enter_group(hid_t parent, const std::string& name) {
+  if (H5Lexists(parent, name.c_str(), H5P_DEFAULT) == 0) {
+    return create_group(parent, name, "GENERIC");
+  }
+  return XfGroupHandle(H5Gopen2(parent, name.c_str(), H5P_DEFAULT));
+}
+
+XfStatus check_options(const XfDatasetOptions& options) {
+  if (options.compression < 0 || options.compression > 9) {
+    return xf_failure("expected a compression level of 0 to 9, found " +
+                      std::to_string(options.compression));
+  }
+  const bool sizes_fit = options.expected_times >= 0 && options.times_per_chunk >= 1;
+  return sizes_fit ? XfStatus{} : xf_failure("expected positive numbers of output times");
+}
+
+bool write_attributes(hid_t group, const XfDatasetOptions& options) {
+  constexpr int real_values = 0;
+  return xf_write_integer_attribute(group, "Data Type", real_values) &&
+         xf_write_integer_attribute(group, "DatasetCompression", options.compression) &&
+         xf_write_text_attribute(group, "DatasetUnits", options.units) &&
+         xf_write_text_attribute(group, "TimeUnits", options.time_units);
+}
+
+XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t components,
+                        const XfDatasetOptions& options, XfDataset& dataset) {
+  XfStatus status = check_options(options);
+  if (!status.ok()) return status;
+  if (name.empty() || name.find('/') != std::string::npos) return xf_failure("unusable name");
+  if (H5Lexists(folder->id.get(), name.c_str(), H5P_DEFAULT) > 0) {
+    return xf_failure("the name is already used");
+  }
+  const char* const type = components == 1 ? "DATASET SCALAR" : "DATASET VECTOR";
+  XfGroupHandle group = create_group(folder->id.get(), name, type);
+  if (!group.valid() || !write_attributes(group.get(), options)) {
+    return xf_hdf5_failure("the group cannot be written");
+  }
+  dataset.reset(new XfDatasetState{});
+  dataset->id = std::move(group);
+  dataset->components = components;
+  dataset->storage = {options.compression, static_cast<hsize_t>(options.expected_times),
+                      static_cast<hsize_t>(options.times_per_chunk)};
+  return {};
+}
+
+XfStatus check_count(const char* what, hsize_t expected, hsize_t found) {
+  if (expected == found) return {};
+  return xf_failure("expected " + std::to_string(expected) + " " + what + ", found " +
+                    std::to_string(found));
+}
+
+// Creates `Values` when this is the first output time.
+XfStatus prepare_values(XfDatasetState& dataset, hsize_t components, std::size_t count) {
+  XfStatus status = check_count("components", dataset.components, components);
+  if (!status.ok()) return status;
+  if (dataset.values.created()) return check_count("values", dataset.values.columns(), count);
+  return dataset.values.create(dataset.id.get(), "Values", H5T_IEEE_F32LE, count, components,
+                               dataset.storage);
+}
+
+void note_output_time(XfDatasetState& dataset, double time, const XfRange& range) {
+  dataset.times.push_back(time);
+  dataset.smallest.push_back(range.smallest);
+  dataset.largest.push_back(range.largest);
+}
+
+XfStatus write_vector(XfDatasetState& dataset, const float* x, const float* y, std::size_t count) {
+  std::byte* const row = dataset.values.next_row();
+  join_components(x, y, count, reinterpret_cast<float*>(row));
+  return dataset.values.write_row(row);
+}
+
+XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> flags) {
+  XfTableWriter& activity = dataset.activity;
+  XfStatus status = activity.created()
+                        ? check_count("activity flags", activity.columns(), flags.size())
+                        : activity.create(dataset.id.get(), "Active", H5T_STD_U8LE, flags.size(), 1,
+                                          dataset.storage);
+  if (status.ok()) {
+    status = check_count("output times with activity", dataset.times.size(), activity.rows() + 1);
+  }
+  if (!status.ok()) return status;
+  std::byte* const row = activity.next_row();
+  copy_zero_or_one(flags.data(), flags.size(), reinterpret_cast<unsigned char*>(row));
+  return activity.write_row(row);
+}
+
+XfStatus complete_tables(XfDatasetState& dataset) {
+  if (!dataset.values.created()) {
+    // No output time was written.
+    dataset.storage.expected_rows = 0;
+    XfStatus status = prepare_values(dataset, dataset.components, 0);
+    if (!status.ok()) return status;
+  }
+  XfStatus status = dataset.values.complete();
+  if (!status.ok() || !dataset.activity.created()) return status;
+  status = check_count("output times with activity", dataset.times.size(), dataset.activity.rows());
+  return status.ok() ? dataset.activity.complete() : status;
+}
+
+XfStatus write_all_series(const XfDatasetState& dataset) {
+  const hid_t group = dataset.id.get();
+  const int compression = dataset.storage.compression;
+  const hsize_t count = dataset.times.size();
+  XfStatus status = xf_write_series(group, "Times", H5T_IEEE_F64LE, H5T_NATIVE_DOUBLE,
+                                    dataset.times.data(), count, compression);
+  if (!status.ok()) return status;
+  status = xf_write_series(group, "Mins", H5T_IEEE_F32LE, H5T_NATIVE_FLOAT, dataset.smallest.data(),
+                           count, compression);
+  if (!status.ok()) return status;
+  return xf_write_series(group, "Maxs", H5T_IEEE_F32LE, H5T_NATIVE_FLOAT, dataset.largest.data(),
+                         count, compression);
+}
+
+}  // namespace
+
+void XfFolderCloser::operator()(XfFolderState* state) const {
+  delete state;
+}
+void XfDatasetCloser::operator()(XfDatasetState* state) const {
+  delete state;
+}
+
+XfStatus XF_CREATE_GENERIC_GROUP(const XfFile& file, const std::string& path, XfFolder& folder) {
+  XfGroupHandle group(H5Gopen2(file->id.get(), "/", H5P_DEFAULT));
+  std::string_view rest = path;
+  while (group.valid() && !rest.empty()) {
+    const std::size_t slash = rest.find('/');
+    const std::string level(rest.substr(0, slash));
+    if (!level.empty()) group = enter_group(group.get(), level);
+    rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash + 1);
+  }
+  if (!group.valid()) return xf_hdf5_failure("the group cannot be made");
+  folder.reset(new XfFolderState{std::move(group)});
+  return {};
+}
+
+XfStatus XF_CREATE_SCALAR_DATASET(const XfFolder& folder, const std::string& name,
+                                  const XfDatasetOptions& options, XfDataset& dataset) {
+  return create_dataset(folder, name, 1, options, dataset);
+}
+
+XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& name,
+                                  const XfDatasetOptions& options, XfDataset& dataset) {
+  return create_dataset(folder, name, 2, options, dataset);
+}
+
+XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDataset& dataset, double time,
+                                  std::span<const float> values) {
+  return xf_guard_memory([&] {
+    XfStatus status = prepare_values(*dataset, 1, values.size());
+    if (!status.ok()) return status;
+    note_output_time(*dataset, time, xf_range_of_values(values.data(), values.size()));
+    return dataset->values.write_row(reinterpret_cast<const std::byte*>(values.data()));
+  });
+}
+
+XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time, std::span<const float> x,
+                                  std::span<const float> y) {
+  return xf_guard_memory([&] {
+    XfStatus status = check_count("y components", x.size(), y.size());
+    if (status.ok()) status = prepare_values(*dataset, 2, x.size());
+    if (!status.ok()) return status;
+    note_output_time(*dataset, time, xf_range_of_vectors(x.data(), y.data(), x.size()));
+    return write_vector(*dataset, x.data(), y.data(), x.size());
+  });
+}
+
+XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDataset& dataset, std::span<const std::int8_t> flags) {
+  if (flags.empty()) {
+    return check_count("activity flags", dataset->activity.columns(), 0);
+  }
+  return xf_guard_memory([&] { return write_activity(*dataset, flags); });
+}
+
+XfStatus XF_CLOSE_GROUP(XfDataset& dataset) {
+  if (!dataset) return {};
+  XfStatus status = xf_guard_memory([&] {
+    XfStatus completed = complete_tables(*dataset);
+    return completed.ok() ? write_all_series(*dataset) : completed;
+  });
+  dataset.reset();
+  return status;
+}
+
+XfStatus XF_CLOSE_GROUP(XfFolder& folder) {
+  if (!folder) return {};
+  const bool closed = folder->id.close();
+  folder.reset();
+  return closed ? XfStatus{} : xf_failure("the group cannot be closed");
+}
+
+}  // namespace quillet

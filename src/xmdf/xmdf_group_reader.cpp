@@ -1,0 +1,55 @@
+#include "xmdf/xmdf_group_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quillet {
+namespace {
+
+void read_values(XmdfFileHeader& header, const std::string& path, std::string_view what,
+                 bool is_vector, std::int32_t output, RES_TYPE& record) {
+  const XfStatus status =
+      is_vector ? XF_READ_VECTOR_VALUES_TIMESTEP(header.group, output, record.nd.x, record.nd.y)
+                : XF_READ_SCALAR_VALUES_TIMESTEP(header.group, output, record.nd.x);
+  if (status.ok()) return;
+  FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
+                        is_vector ? "VECTOR" : "SCALAR"),
+            header.file_name, path, status);
+}
+
+}  // namespace
+
+void OPEN_XMDF_GROUP(XmdfFileHeader& header, const std::string& path) {
+  XfStatus status = XF_OPEN_GROUP(header.file, path, header.group);
+  if (status.ok()) status = XF_GET_DATASET_TIMES(header.group, header.group_times);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP] ", header.file_name, path, status);
+  }
+}
+
+void CLOSE_XMDF_GROUP(XmdfFileHeader& header) {
+  const XfStatus status = XF_CLOSE_GROUP(header.group);
+  if (!status.ok())
+    FAIL_XMDF("ERROR - Closing group [XF_CLOSE_GROUP] ", header.file_name, "", status);
+}
+
+void READ_XMDF_OUTPUT(XmdfFileHeader& header, const std::string& path, std::string_view what,
+                      bool is_vector, std::int32_t output, RES_TYPE& record) {
+  read_values(header, path, what, is_vector, output, record);
+  if (header.cell_count == unknown_count) {
+    std::fill(record.cell.status.begin(), record.cell.status.end(), std::int8_t{1});
+  }
+  const XfStatus status = XF_READ_ACTIVITY_TIMESTEP(header.group, output, record.cell.status);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
+              header.file_name, path, status);
+  }
+  record.is_vector = is_vector;
+  const auto index = static_cast<std::size_t>(output) - 1;
+  if (index < header.group_times.size()) {
+    record.time = static_cast<float>(header.group_times[index]);
+  }
+}
+
+}  // namespace quillet

@@ -1,0 +1,209 @@
+#include "xmdf/xmdf_headers.h"
+
+#include <fmt/format.h>
+
+#include <functional>
+#include <string_view>
+
+#include "support/console.h"
+#include "support/numbers.h"
+#include "support/text.h"
+#include "xmdf/xmdf_times_outputs.h"
+
+namespace quillet {
+namespace {
+
+void open_file(XmdfFileHeader& header) {
+  SAY("Opening XMDF file " + QUOTED(header.file_name));
+  const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status);
+  }
+  SAY("Done.");
+}
+
+void read_version(XmdfFileHeader& header) {
+  float version = 0;
+  const XfStatus status = XF_GET_LIBRARY_VERSION_FILE(header.file, version);
+  if (!status.ok()) FAIL("ERROR - Determining XMDF Library Version.");
+  SAY("XMDF Version: " + AREAL(version));
+}
+
+using DatasetsInfo = XfStatus (*)(const XfFile&, XfDatasetsInfo&);
+
+void read_counts(const XfFile& file, const std::string& kind, DatasetsInfo get,
+                 XmdfDatasets& datasets) {
+  SAY("Getting " + kind + " dataset information");
+  XfDatasetsInfo info;
+  const XfStatus status = get(file, info);
+  if (!status.ok()) FAIL("ERROR - Getting " + kind + " data set information.");
+  if (info.count < 1) {
+    SAY("Warning - Number of " + kind + " paths less than or equal to zero.");
+  }
+  datasets.count = info.count;
+  datasets.longest_path = info.longest_path;
+  // The label says "scalar" for vectors too; users' scripts look for it.
+  SAY("Number of scalar datasets: " + AINTEGER(info.count));
+  SAY("Maximum character length of dataset names: " + AINTEGER(info.longest_path));
+}
+
+XmdfPath split(const std::string& path) {
+  const auto first = path.find('/');
+  const auto last = path.rfind('/');
+  if (first == std::string::npos) return {"", "", path};
+  const std::string folder = first == last ? "" : path.substr(first + 1, last - first - 1);
+  return {path.substr(0, first), folder, path.substr(last + 1)};
+}
+
+struct ListTexts {
+  std::string_view heading;
+  std::string_view failure;
+};
+
+using DatasetPaths = XfStatus (*)(const XfFile&, std::vector<std::string>&);
+
+void read_paths(const XfFile& file, const ListTexts& texts, DatasetPaths get,
+                XmdfDatasets& datasets) {
+  if (datasets.count < 1) return;
+  if (!get(file, datasets.paths).ok()) FAIL(texts.failure);
+  SAY(texts.heading);
+  for (const std::string& path : datasets.paths) {
+    datasets.split_paths.push_back(split(path));
+    SAY(fmt::format("{:5} {}", datasets.split_paths.size(), path));
+  }
+  CLASSIFY_TIMES_OUTPUTS(datasets);
+}
+
+// The groups that tell the sizes of a file: its first scalar and its first vector dataset.
+struct SizeGroups {
+  XfGroup scalar;
+  XfGroup vector;
+};
+
+std::string first_path(const XmdfDatasets& datasets) {
+  return datasets.paths.empty() ? "" : datasets.paths.front();
+}
+
+bool open_first(const XfFile& file, const XmdfDatasets& datasets, XfGroup& group) {
+  return !datasets.paths.empty() && XF_OPEN_GROUP(file, datasets.paths.front(), group).ok();
+}
+
+SizeGroups open_size_groups(const XmdfFileHeader& header) {
+  SizeGroups groups;
+  const bool has_scalar = open_first(header.file, header.scalars, groups.scalar);
+  const bool has_vector = open_first(header.file, header.vectors, groups.vector);
+  const auto message = [](const std::string& path) {
+    return " - Could not open data group " + QUOTED(path) + " in XMDF file.";
+  };
+  const std::string scalar_path = first_path(header.scalars);
+  const std::string vector_path = first_path(header.vectors);
+  if (!has_scalar && !has_vector) {
+    FAIL("ERROR" + message(scalar_path.empty() ? vector_path : scalar_path));
+  }
+  if (!has_scalar && !scalar_path.empty()) SAY("WARNING" + message(scalar_path));
+  if (!has_vector && !vector_path.empty()) SAY("WARNING" + message(vector_path));
+  return groups;
+}
+
+// Asks the scalar group, then the vector group.
+void ask_groups(const XmdfFileHeader& header, const SizeGroups& groups,
+                const std::function<XfStatus(const XfGroup&)>& ask, std::string_view what,
+                std::string_view failure) {
+  if (groups.scalar && ask(groups.scalar).ok()) return;
+  SAY("WARNING - Could not extract " + std::string(what) +
+      " from scalar data group.. trying vector data group.");
+  const XfStatus status = groups.vector ? ask(groups.vector) : xf_failure("no vector dataset");
+  if (!status.ok()) FAIL_XMDF(std::string(failure) + " ", header.file_name, "", status);
+}
+
+bool is_hours(const std::string& units) {
+  const std::string_view text = TRIM_BOTH(units);
+  return !text.empty() && (text.front() == 'h' || text.front() == 'H');
+}
+
+void read_sizes(XmdfFileHeader& header) {
+  const SizeGroups groups = open_size_groups(header);
+  ask_groups(
+      header, groups,
+      [&](const XfGroup& group) { return XF_GET_DATASET_NUMVALS(group, header.node_count); },
+      "nodes", "ERROR - Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS].");
+  SAY("Number of nodes: " + AINTEGER(header.node_count));
+
+  ask_groups(
+      header, groups,
+      [&](const XfGroup& group) { return XF_GET_DATASET_NUMACTIVE(group, header.cell_count); },
+      "number of cells", "ERROR - Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE].");
+  SAY("Number of cells: " + AINTEGER(header.cell_count));
+  if (header.cell_count == 0) header.cell_count = unknown_count;
+
+  ask_groups(
+      header, groups,
+      [&](const XfGroup& group) { return XF_GET_DATASET_TIME_UNITS(group, header.time_units); },
+      "Time Unit Dataset", "ERROR - Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS].");
+  SAY("Time Units: " + header.time_units);
+  if (!is_hours(header.time_units)) SAY("WARNING - Times are taken to be hours.");
+}
+
+}  // namespace
+
+void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files) {
+  SAY("Opening all .xmdf files to extract header information.");
+  for (XmdfFileHeader& header : files) {
+    open_file(header);
+    read_version(header);
+    SAY("Extracting filepath information for array allocation...");
+    read_counts(header.file, "scalar", XF_GET_SCALAR_DATASETS_INFO, header.scalars);
+    read_counts(header.file, "vector", XF_GET_VECTOR_DATASETS_INFO, header.vectors);
+  }
+}
+
+void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files) {
+  for (XmdfFileHeader& header : files) {
+    SAY("Getting dataset names from XMDF file " + QUOTED(header.file_name));
+    read_paths(header.file,
+               {"Scalar datasets available:",
+                "ERROR - Exracting Scalar Dataset Paths [XF_GET_SCALAR_DATASET_PATHS]."},
+               XF_GET_SCALAR_DATASET_PATHS, header.scalars);
+    read_paths(header.file,
+               {"Vector datasets available:",
+                "ERROR - Exracting Vector Dataset Paths [XF_GET_VECTOR_DATASET_PATHS]."},
+               XF_GET_VECTOR_DATASET_PATHS, header.vectors);
+  }
+}
+
+void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
+  for (XmdfFileHeader& header : files) {
+    SAY("Getting time units, number of cells and nodes from XMDF file " + QUOTED(header.file_name));
+    read_sizes(header);
+  }
+}
+
+void ReadXmdfTimeCount(XmdfFileHeader& header) {
+  const XmdfDatasets& datasets = header.datasets();
+  if (datasets.temporal == 0) return;
+  SAY("Extracting number of outputs for temporal data in " + QUOTED(header.file_name));
+  const std::string& path = datasets.path(datasets.temporal);
+  XfGroup group;
+  std::int32_t count = 0;
+  XfStatus status = XF_OPEN_GROUP(header.file, path, group);
+  if (status.ok()) status = XF_GET_DATASET_NUM_TIMES(group, count);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Extracting number of times [XF_GET_DATASET_NUM_TIMES] from xmdf file ",
+              header.file_name, path, status);
+  }
+}
+
+void ReadXmdfTimes(XmdfFileHeader& header) {
+  const XmdfDatasets& datasets = header.datasets();
+  if (datasets.temporal == 0) return;
+  const std::string& path = datasets.path(datasets.temporal);
+  XfGroup group;
+  XfStatus status = XF_OPEN_GROUP(header.file, path, group);
+  if (status.ok()) status = XF_GET_DATASET_TIMES(group, header.times);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file ", header.file_name,
+              path, status);
+  }
+}
+
+}  // namespace quillet

@@ -1,0 +1,28 @@
+// Opening XMDF inputs and finding out what they hold.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "xmdf/xmdf_file_header.h"
+
+namespace quillet {
+
+// All print what they find. Whatever cannot be opened or read ends the run.
+
+// Opens every file, and its version and numbers of datasets. The file names are set.
+void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files);
+
+// Lists the paths of the datasets and the special outputs of the folder Times.
+void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files);
+
+// Time units, numbers of nodes and cells: of the first scalar dataset, else of the first vector
+// dataset.
+void ReadXmdfSizes(std::vector<XmdfFileHeader>& files);
+
+// The output times of the dataset that holds the time series, in hours; none where there is none.
+// The count and the times are read by two calls, since the caller announces what it sizes between.
+void ReadXmdfTimeCount(XmdfFileHeader& header);
+void ReadXmdfTimes(XmdfFileHeader& header);
+
+}  // namespace quillet

@@ -1,0 +1,172 @@
+#include "xmdf/xmdf_sink.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "support/console.h"
+#include "support/file_names.h"
+#include "support/file_units.h"
+#include "support/output_unit.h"
+#include "support/text.h"
+#include "support/vector_magnitude.h"
+
+namespace quillet {
+namespace {
+
+// A separator inside a name would make a further group.
+std::string without_separators(std::string name) {
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '_');
+  return name;
+}
+
+}  // namespace
+
+std::string XMDF_MAGNITUDE_NAME(const std::string& vector_name) {
+  constexpr std::string_view prefix = "Vector";
+  if (vector_name.starts_with(prefix) && vector_name.size() > prefix.size() + 1) {
+    return vector_name.substr(prefix.size() + 1);
+  }
+  return vector_name + "_mag";
+}
+
+XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
+    : file_name(std::move(output_name)), names(dataset_names) {
+  names.group = without_separators(names.group);
+  SAY("Output XMDF File: " + file_name);
+  const XfStatus status = XF_CREATE_FILE(PART_NAME(file_name), file);
+  if (!status.ok()) {
+    FAIL("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
+  }
+  unit = REGISTER_UNIT([this] { abandon(); });
+}
+
+XmdfSink::~XmdfSink() {
+  abandon();
+}
+
+void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
+  expects_vectors = shape.is_vector;
+  expected_times = likely_time_count;
+}
+
+void XmdfSink::start_dataset(const std::string& folder_name, const std::string& dataset,
+                             bool is_vector, std::int64_t time_count) {
+  close_datasets();
+  if (!folder || folder_name != names.folder) {
+    check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+    names.folder = folder_name;
+    create_folder();
+  }
+  create_datasets(dataset, is_vector, time_count);
+}
+
+void XmdfSink::create_folder() {
+  const std::string path = names.group + "/" + names.folder;
+  SAY("Creating Folder: " + path);
+  check(XF_CREATE_GENERIC_GROUP(file, path, folder),
+        "ERROR - Creating group [XF_CREATE_GENERIC_GROUP] ");
+}
+
+void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
+                               std::int64_t time_count) {
+  has_datasets = true;
+  const std::string own_name = without_separators(dataset.empty() ? FILENAME(file_name) : dataset);
+  XfDatasetOptions options;
+  options.expected_times = static_cast<std::int32_t>(std::min<std::int64_t>(time_count, INT32_MAX));
+  std::string scalar_name = own_name;
+  if (is_vector) {
+    SAY("Creating vector dataset: " + own_name);
+    check(XF_CREATE_VECTOR_DATASET(folder, own_name, options, vector_dataset),
+          "ERROR - Creating group [XF_CREATE_VECTOR_DATASET] ");
+    scalar_name = XMDF_MAGNITUDE_NAME(own_name);
+  }
+  SAY("Creating scalar dataset: " + scalar_name);
+  // The message names the vector call for the magnitudes too; scripts look for it.
+  check(XF_CREATE_SCALAR_DATASET(folder, scalar_name, options, scalar_dataset),
+        std::string("ERROR - Creating group [XF_CREATE_") + (is_vector ? "VECTOR" : "SCALAR") +
+            "_DATASET] ");
+  SAY("Done.");
+  SAY("Done");
+}
+
+void XmdfSink::write_time(const RES_TYPE& record) {
+  if (!has_datasets) start_dataset(names.folder, names.dataset, record.is_vector, expected_times);
+  write(record.time, record);
+}
+
+void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
+  const std::string dataset(map.dataset_name.empty() ? names.dataset : map.dataset_name);
+  start_dataset(names.folder, dataset, record.is_vector, 1);
+  write(map.dataset_time, record);
+}
+
+void XmdfSink::write(float time, const RES_TYPE& record) {
+  if (record.is_vector) {
+    write_vectors(time, record);
+    magnitude.resize(static_cast<std::size_t>(record.node_count));
+    VECTOR_MAGNITUDES(record.nd.x.data(), record.nd.y.data(), record.node_count, magnitude.data());
+    write_scalars(time, magnitude.data(), record);
+  } else {
+    write_scalars(time, record.nd.x.data(), record);
+  }
+}
+
+void XmdfSink::write_vectors(float time, const RES_TYPE& record) {
+  XfStatus status = XF_WRITE_VECTOR_TIMESTEP(vector_dataset, time, record.nd.x, record.nd.y);
+  if (status.ok()) status = XF_WRITE_ACTIVITY_TIMESTEP(vector_dataset, record.cell.status);
+  check(status, "ERROR - Writing data [XF_WRITE_VECTOR_TIMESTEP] ");
+  SAY("Done.");
+}
+
+void XmdfSink::write_scalars(float time, const float* values, const RES_TYPE& record) {
+  const auto count = static_cast<std::size_t>(record.node_count);
+  XfStatus status = XF_WRITE_SCALAR_TIMESTEP(scalar_dataset, time, {values, count});
+  if (status.ok()) status = XF_WRITE_ACTIVITY_TIMESTEP(scalar_dataset, record.cell.status);
+  check(status, "ERROR - Writing data [XF_WRITE_SCALAR_TIMESTEP] ");
+  SAY("Done.");
+}
+
+void XmdfSink::close_datasets() {
+  check(XF_CLOSE_GROUP(scalar_dataset), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+  check(XF_CLOSE_GROUP(vector_dataset), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+}
+
+void XmdfSink::close() {
+  if (!has_datasets) start_dataset(names.folder, names.dataset, expects_vectors, 0);
+  SAY("Closing XMDF File: " + file_name);
+  close_datasets();
+  check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+  check(XF_CLOSE_FILE(file), "ERROR - Closing file [XF_CLOSE_FILE] ");
+  RELEASE_UNIT(std::exchange(unit, 0));
+  if (std::rename(PART_NAME(file_name).c_str(), file_name.c_str()) != 0) {
+    FAIL_WRITING(file_name, std::strerror(errno));
+  }
+  SAY("Done.");
+}
+
+// Closes what is open before the message, so that the partial file is left closed.
+void XmdfSink::check(const XfStatus& status, const std::string& message) {
+  if (status.ok()) return;
+  abandon();
+  if (status.kind == XfStatus::Kind::no_memory) FAIL_ALLOCATION();
+  FAIL(message + file_name + ": " + status.reason);
+}
+
+// What was written stays under its temporary name; a file without a dataset is removed.
+void XmdfSink::abandon() {
+  if (unit == 0) return;
+  RELEASE_UNIT(std::exchange(unit, 0));
+  std::ignore = XF_CLOSE_GROUP(scalar_dataset);
+  std::ignore = XF_CLOSE_GROUP(vector_dataset);
+  std::ignore = XF_CLOSE_GROUP(folder);
+  std::ignore = XF_CLOSE_FILE(file);
+  if (!has_datasets) std::remove(PART_NAME(file_name).c_str());
+}
+
+}  // namespace quillet

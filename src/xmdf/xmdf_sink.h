@@ -1,0 +1,59 @@
+// An XMDF file as the output of an operation: one group, one folder in it, the datasets in that.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "results/result_sink.h"
+#include "xmdf/xf_writer.h"
+
+namespace quillet {
+
+class XmdfSink : public ResultSink {
+ public:
+  // Creates the file, under its temporary name. Ends the run when that fails.
+  XmdfSink(std::string file_name, const DatasetNames& names);
+  XmdfSink(const XmdfSink&) = delete;
+  XmdfSink& operator=(const XmdfSink&) = delete;
+  ~XmdfSink() override;
+
+  const std::string& name() const override { return file_name; }
+  void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
+  void write_time(const RES_TYPE& record) override;
+  void write_map(const ResultMap& map, const RES_TYPE& record) override;
+  void close() override;
+
+  // What follows stands in another folder or dataset of the output's group.
+  void start_dataset(const std::string& folder, const std::string& dataset, bool is_vector,
+                     std::int64_t time_count);
+
+ private:
+  void create_datasets(const std::string& dataset, bool is_vector, std::int64_t time_count);
+  void create_folder();
+  void write(float time, const RES_TYPE& record);
+  void write_vectors(float time, const RES_TYPE& record);
+  void write_scalars(float time, const float* values, const RES_TYPE& record);
+  void close_datasets();
+  void check(const XfStatus& status, const std::string& message);
+  void abandon();
+
+  std::string file_name;
+  DatasetNames names;
+  bool expects_vectors = false;
+  std::int64_t expected_times = 0;
+  bool has_datasets = false;  // something was written to the file
+  int unit = 0;
+
+  XfFile file;
+  XfFolder folder;
+  XfDataset scalar_dataset;
+  XfDataset vector_dataset;
+  std::vector<float> magnitude;  // of the vectors being written
+};
+
+// The name of the dataset of magnitudes beside a vector dataset: "Vector Velocity" has "Velocity",
+// other names have "_mag" appended.
+std::string XMDF_MAGNITUDE_NAME(const std::string& vector_name);
+
+}  // namespace quillet

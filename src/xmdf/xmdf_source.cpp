@@ -1,0 +1,67 @@
+#include "xmdf/xmdf_source.h"
+
+#include "results/special_times.h"
+#include "support/console.h"
+#include "support/text.h"
+#include "xmdf/xmdf_values.h"
+
+namespace quillet {
+
+std::int64_t XmdfSource::likely_time_count() const {
+  return static_cast<std::int64_t>(header.times.size());
+}
+
+// A file without a time series of the type has nothing to walk through; that is an error of the
+// request, not an end.
+bool XmdfSource::at_end() const {
+  if (header.datasets().temporal == 0) {
+    FAIL("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+  }
+  return outputs_passed >= header.times.size();
+}
+
+float XmdfSource::next_time() {
+  return static_cast<float>(header.times[outputs_passed]);
+}
+
+void XmdfSource::read_next(RES_TYPE& record) {
+  if (at_end()) return;
+  header.datasets().selected = header.datasets().temporal;
+  const std::size_t output = ++outputs_passed;
+  const bool is_last = output == header.times.size();
+  ReadXmdfData(header, is_vector(), static_cast<std::int32_t>(output), !group_is_open, is_last,
+               record);
+  group_is_open = !is_last;
+  record.end_of_file = is_last;
+}
+
+void XmdfSource::read_at_time(float time, float, RES_TYPE& record) {
+  if (header.selected_time == 0 && time == stored_maximum_time) {
+    FAIL("ERROR - No stored maximum found in " + QUOTED(name()));
+  }
+  if (header.selected_time == 0 && time == stored_minimum_time) {
+    FAIL("ERROR - No stored minimum found in " + QUOTED(name()));
+  }
+  ReadXmdfData(header, is_vector(), 0, true, true, record);
+}
+
+void XmdfSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
+                              FileExtreme& file) {
+  const bool is_maximum = extreme == Extreme::maximum;
+  const XmdfDatasets& datasets = header.datasets();
+  const bool has_stored = (is_maximum ? datasets.maximums : datasets.minimums) != 0;
+  if (has_stored && !ignore_stored) {
+    (is_maximum ? ReadXmdfMaximum : ReadXmdfMinimum)(header, file.record);
+    ADOPT_STORED_EXTREME(stored_maximum_time, file);
+  } else if (at_end()) {
+    SAY("WARNING - No output times in " + QUOTED(name()));
+  } else {
+    (is_maximum ? ReadXmdfTemporalMaximum : ReadXmdfTemporalMinimum)(header, step, file);
+  }
+}
+
+void XmdfSource::close() {
+  CLOSE_XMDF_INPUT(header);
+}
+
+}  // namespace quillet

@@ -1,0 +1,40 @@
+// An XMDF file as the input of an operation: the dataset of the requested type.
+#pragma once
+
+#include <string>
+
+#include "results/result_source.h"
+#include "xmdf/xmdf_file_header.h"
+
+namespace quillet {
+
+class XmdfSource : public ResultSource {
+ public:
+  // The header stays where it is for the whole run; its dataset is chosen before anything is asked
+  // for.
+  explicit XmdfSource(XmdfFileHeader& file_header) : header(file_header) {}
+
+  const std::string& name() const override { return header.file_name; }
+  std::int32_t node_count() const override { return header.node_count; }
+  std::int32_t cell_count() const override { return header.cell_count; }
+  bool is_vector() const override { return header.uses_vectors(); }
+  std::int64_t likely_time_count() const override;
+
+  bool at_end() const override;
+  float next_time() override;
+  void read_next(RES_TYPE& record) override;
+  void pass_next() override { ++outputs_passed; }
+
+  // The output that FindXmdfTime chose.
+  void read_at_time(float time, float tolerance, RES_TYPE& record) override;
+  void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
+                    FileExtreme& file) override;
+  void close() override;
+
+ private:
+  XmdfFileHeader& header;
+  std::size_t outputs_passed = 0;  // of the time series
+  bool group_is_open = false;
+};
+
+}  // namespace quillet

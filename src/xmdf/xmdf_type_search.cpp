@@ -1,0 +1,116 @@
+#include "xmdf/xmdf_type_search.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "support/console.h"
+#include "support/text.h"
+
+namespace quillet {
+namespace {
+
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+struct Folder {
+  std::string_view name;
+  std::int32_t XmdfDatasets::*index;
+};
+
+constexpr std::array<Folder, 4> folders{{{"/maximums/", &XmdfDatasets::maximums},
+                                         {"/temporal/", &XmdfDatasets::temporal},
+                                         {"/minimums/", &XmdfDatasets::minimums},
+                                         {"/times/", &XmdfDatasets::times}}};
+
+struct Search {
+  const std::string& type_name;
+  bool by_path;
+  bool vectors;
+
+  // An unknown type's name is NUL characters; it matches nothing, as an empty text does.
+  std::string shown_name() const { return type_name.substr(0, type_name.find('\0')); }
+
+  bool matches(const XmdfDatasets& datasets, std::size_t i) const {
+    const std::string wanted = LOWERCASE(TRIMF(shown_name()));
+    if (wanted.empty()) return false;
+    const XmdfPath& split = datasets.split_paths[i];
+    return contains(LOWERCASE(datasets.paths[i]), wanted) ||
+           (by_path && contains(LOWERCASE(split.group + "/" + split.dataset), wanted));
+  }
+
+  static void choose(std::int32_t& index, std::int32_t position, const std::string& path) {
+    if (index != 0) SAY("WARNING - More than one dataset matches, using " + QUOTED(path));
+    index = position;
+  }
+
+  void take(XmdfDatasets& datasets, std::int32_t position) const {
+    const std::string& path = datasets.path(position);
+    SAY("Found: " + QUOTED(path));
+    if (by_path) {
+      choose(datasets.selected, position, path);
+      datasets.temporal = position;
+      return;
+    }
+    const std::string lower = LOWERCASE(path);
+    const auto folder = std::find_if(folders.begin(), folders.end(), [&](const Folder& candidate) {
+      return contains(lower, candidate.name);
+    });
+    if (folder == folders.end()) fail_unknown_folder(path);
+    choose(datasets.*folder->index, position, path);
+  }
+
+  [[noreturn]] void fail_unknown_folder(const std::string& path) const {
+    SAY_APART("ERROR - Unknown Data Folder: " + QUOTED(path));
+    SAY("Expecting one of: Maximums, Minimums, Times or Temporal.");
+    SAY(std::string(vectors ? "If File" : "If file") +
+        " has not been written by ORVANE, other folders can be accessed by specifying the path "
+        "(-path)");
+    EXITS();
+  }
+
+  void run(XmdfDatasets& datasets) const {
+    const std::string kind = vectors ? "vector" : "scalar";
+    SAY("Searching " + kind + " datasets for " + QUOTED(shown_name()) + "...");
+    datasets.clear_selection();
+    for (std::size_t i = 0; i < datasets.paths.size(); ++i) {
+      if (matches(datasets, i)) take(datasets, static_cast<std::int32_t>(i) + 1);
+    }
+    if (!datasets.found()) {
+      SAY("Warning - No " + kind + " datasets found of type " + QUOTED(shown_name()));
+    }
+  }
+};
+
+}  // namespace
+
+void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeName, bool byPath) {
+  for (XmdfFileHeader& header : files) {
+    SAY("Searching specified xmdf type in " + QUOTED(header.file_name));
+    const Search scalar_search{typeName, byPath, false};
+    scalar_search.run(header.scalars);
+    Search{typeName, byPath, true}.run(header.vectors);
+    if (!header.datasets().found()) {
+      FAIL("ERROR - No datasets found of type " + QUOTED(scalar_search.shown_name()) +
+           " found in " + header.file_name);
+    }
+  }
+}
+
+bool SelectXmdfDataset(XmdfFileHeader& header, bool vectors, std::int32_t position) {
+  XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
+  if (position < 1 || position > datasets.count) return false;
+  datasets.selected = position;
+  datasets.temporal = position;
+  return true;
+}
+
+bool IsXmdfPeakTime(const XmdfFileHeader& header) {
+  const XmdfDatasets& datasets = header.datasets();
+  return std::any_of(
+      datasets.peak_outputs.begin(), datasets.peak_outputs.end(),
+      [&](const XmdfPeakOutput& output) { return output.path == datasets.selected; });
+}
+
+}  // namespace quillet

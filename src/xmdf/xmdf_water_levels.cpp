@@ -1,0 +1,93 @@
+#include "xmdf/xmdf_water_levels.h"
+
+#include <cmath>
+
+#include "results/special_times.h"
+#include "support/console.h"
+#include "support/numbers.h"
+#include "support/text.h"
+#include "xmdf/xmdf_values.h"
+
+namespace quillet {
+
+void XmdfWaterLevels::open(const RES_TYPE& shape) {
+  FindWaterLevel();
+  SIZE_RECORD(step, shape.node_count, shape.cell_count, false);
+}
+
+void XmdfWaterLevels::read_at_time(float time, float time_tolerance) {
+  ReadWaterLevel(time, time_tolerance);
+}
+
+void XmdfWaterLevels::FindWaterLevel() {
+  SAY("Searching for water level datasets in " + header.file_name);
+  std::int32_t position = 0;
+  for (const std::string& path : header.scalars.paths) {
+    ++position;
+    if (!FLAGEXISTS(path, "water level")) continue;
+    SAY("Found: " + QUOTED(path));
+    if (FLAGEXISTS(path, "/maximums/")) {
+      maximums = position;
+    } else if (FLAGEXISTS(path, "/temporal/")) {
+      temporal = position;
+    }
+  }
+  if (maximums == 0) {
+    SAY("Warning - No maximum water level dataset found for file: " + header.file_name);
+  }
+  if (temporal == 0) {
+    SAY("Warning - No temporal water level dataset found for file: " + header.file_name);
+  }
+  if (maximums != 0 || temporal != 0) return;
+  SAY_APART("ERROR - Required water level data could not be found in " + header.file_name);
+  SAY("To supress this, specify the input flag: \"-nowetdry\"");
+  EXITS();
+}
+
+// Within the tolerance on purpose: the general time search takes 99999 exactly.
+void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
+  const auto asks_for = [&](float time) { return std::fabs(requestTime - time) < timeTolerance; };
+  if (asks_for(stored_maximum_time)) {
+    SAY("Using /Maximums/ folder.");
+    open_dataset(maximums);
+    read_output(1);
+  } else if (asks_for(stored_minimum_time)) {
+    FAIL("ERROR - Minimums data not supported for difference.");
+  } else if (asks_for(stored_when_time)) {
+    FAIL("ERROR - Times data not supported for difference.");
+  } else {
+    SAY("Using /Temporal/ folder.");
+    open_dataset(temporal);
+    read_output(NearestXmdfTime(times, requestTime, timeTolerance));
+  }
+}
+
+// The dataset stays open from one output time to the next.
+void XmdfWaterLevels::open_dataset(std::int32_t position) {
+  if (position == opened && position != 0) return;
+  if (position == 0) FAIL("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+  const std::string& path = header.scalars.path(position);
+  XfStatus status = XF_OPEN_GROUP(header.file, path, group);
+  if (status.ok()) status = XF_GET_DATASET_TIMES(group, times);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP] ", header.file_name, path, status);
+  }
+  opened = position;
+}
+
+void XmdfWaterLevels::read_output(std::int32_t output) {
+  const std::string& path = header.scalars.path(opened);
+  SAY("Getting data from: " + header.file_name);
+  SAY("Getting data from group: " + path);
+  SAY("Opening Group.");
+  SAY("Reading scalar data at timestep " + AINTEGER(output));
+  const XfStatus status = XF_READ_SCALAR_VALUES_TIMESTEP(group, output, step.nd.x);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading ",
+              header.file_name, path, status);
+  }
+  SAY("Processing final timestep... closing group");
+  SAY("Finished getting water level data");
+}
+
+}  // namespace quillet

@@ -1,0 +1,40 @@
+// Water levels that stand in the same XMDF file as the data.
+#pragma once
+
+#include <cstdint>
+
+#include "results/water_levels.h"
+#include "xmdf/xmdf_file_header.h"
+
+namespace quillet {
+
+class XmdfWaterLevels : public WaterLevels {
+ public:
+  XmdfWaterLevels(XmdfFileHeader& file_header, float search_tolerance)
+      : header(file_header), tolerance(search_tolerance) {}
+
+  // Finds the datasets of water levels. A file without any ends the run.
+  void open(const RES_TYPE& shape) override;
+  bool at_end() const override { return false; }
+  void read_next(const RES_TYPE& data) override { read_at_time(data.time, tolerance); }
+  void read_at_time(float time, float tolerance) override;
+  const float* levels(const RES_TYPE&) const override { return step.nd.x.data(); }
+
+ private:
+  void FindWaterLevel();
+  void ReadWaterLevel(float requestTime, float timeTolerance);
+  void open_dataset(std::int32_t position);
+  void read_output(std::int32_t output);
+
+  XmdfFileHeader& header;
+  float tolerance;
+  // Positions in the header's list of scalar datasets, kept apart from those of the data's type.
+  std::int32_t maximums = 0;
+  std::int32_t temporal = 0;
+  std::int32_t opened = 0;
+  XfGroup group;
+  std::vector<double> times;  // hours, of the opened dataset
+  RES_TYPE step;
+};
+
+}  // namespace quillet
