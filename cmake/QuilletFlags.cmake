@@ -8,6 +8,8 @@ target_compile_options(
             -Wshadow
             -Wconversion
             -Wno-sign-conversion
+            # GCC 12 sees an overlap in every "literal" + std::string.
+            -Wno-restrict
             # Results must not depend on the machine: no fused multiply-add.
             -ffp-contract=off
             # Without these two, loops with a square root or a comparison stay scalar.

@@ -15,6 +15,8 @@ class DatSink : public ResultSink {
 
   const std::string& name() const override { return file_name; }
   void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
+  void start_dataset(const std::string&, const std::string&, const RES_TYPE&,
+                     std::int64_t) override {}
   void write_time(const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;

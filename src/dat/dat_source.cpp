@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "dat/dat_datasets.h"
 #include "dat/dat_extreme_scan.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -52,6 +53,10 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
 void DatSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
                              FileExtreme& file) {
   SCAN_FOR_EXTREME(reader, extreme, ignore_stored, step, file);
+}
+
+std::vector<std::unique_ptr<ResultDataset>> DatSource::datasets() {
+  return LIST_DAT_DATASETS(reader);
 }
 
 void DatSource::close() {

@@ -33,6 +33,7 @@ class DatSource : public ResultSource {
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
   void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
                     FileExtreme& file) override;
+  std::vector<std::unique_ptr<ResultDataset>> datasets() override;
   void close() override;
 
  private:

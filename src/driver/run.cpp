@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "driver/argument_parser.h"
+#include "driver/conversion_run.h"
 #include "driver/operation_choice.h"
 #include "driver/option_checks.h"
 #include "driver/output_opening.h"
@@ -11,7 +12,10 @@
 #include "driver/usage_text.h"
 #include "driver/xmdf_report_run.h"
 #include "operations/difference.h"
+#include "operations/duration.h"
 #include "operations/extreme.h"
+#include "operations/time_list.h"
+#include "operations/time_selection.h"
 #include "operations/trim.h"
 #include "operations/velocity_angle.h"
 #include "support/console.h"
@@ -43,6 +47,8 @@ OperationRun operation_run(RunSetup& setup) {
   if (setup.options.time_given) run.time = setup.options.selected_time;
   run.tolerance = setup.tolerance;
   run.cutoff = setup.options.cutoff;
+  run.range_start = setup.options.range_start;
+  run.range_end = setup.options.range_end;
   run.ignore_stored = setup.options.ignore_stored;
   return run;
 }
@@ -64,6 +70,11 @@ void run_velocity_angle(RunSetup& setup) {
   run_over_times<RUN_VELOCITY_ANGLE>(setup);
 }
 
+void list_times(RunSetup& setup) {
+  REFUSE_INPUT_AS_OUTPUT(setup, setup.naming.base_file_name);
+  LIST_OUTPUT_TIMES(*setup.inputs.sources.front(), setup.naming.base_file_name);
+}
+
 struct Dispatch {
   Operation operation;
   void (*perform)(RunSetup& setup);
@@ -76,6 +87,14 @@ constexpr Dispatch dispatches[] = {
     {Operation::dif, run_over_times<RUN_DIFFERENCE>, Ending::normal},
     {Operation::trim, run_over_times<RUN_TRIM>, Ending::normal},
     {Operation::va, run_velocity_angle, Ending::normal},
+    {Operation::keep, run_over_times<RUN_KEEP>, Ending::normal},
+    {Operation::remove, run_over_times<RUN_REMOVE>, Ending::normal},
+    {Operation::range, run_over_times<RUN_RANGE>, Ending::normal},
+    {Operation::con, run_over_times<RUN_CONCATENATE>, Ending::normal},
+    {Operation::times, list_times, Ending::short_path},
+    {Operation::dur, run_over_times<RUN_DURATION>, Ending::normal},
+    {Operation::toi, run_over_times<RUN_TIME_OF_INCREASE>, Ending::normal},
+    {Operation::conv, CONVERT_INPUTS, Ending::normal},
     {Operation::xnfo, REPORT_XMDF_INPUTS, Ending::short_path},
 };
 

@@ -25,7 +25,9 @@ struct OperationRun {
   std::optional<float> time{};  // hours; only this output time
   float tolerance = 0;          // hours, when an output time is looked for
   bool ignore_stored = false;   // stored maxima and minima are not used
-  float cutoff = 0;             // -trim, in the unit of the values
+  float cutoff = 0;             // in the unit of the values
+  float range_start = 0;        // hours
+  float range_end = 0;
 };
 
 }  // namespace quillet

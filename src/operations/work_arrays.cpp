@@ -36,11 +36,27 @@ void size_bed(const WorkShape& shape, WorkArrays& work) {
   SIZE_ARRAY(work.bed[run], shape.node_count);
 }
 
+bool is_duration(Operation operation) {
+  return operation == Operation::dur || operation == Operation::toi;
+}
+
+void size_previous(const WorkShape& shape, WorkArrays& work) {
+  if (is_duration(shape.operation)) SIZE_ARRAY(work.previous, shape.node_count);
+}
+
+void size_initial(const WorkShape& shape, WorkArrays& work) {
+  if (shape.operation == Operation::toi) SIZE_ARRAY(work.initial, shape.node_count);
+}
+
+void size_hours(const WorkShape& shape, WorkArrays& work) {
+  if (is_duration(shape.operation)) SIZE_ARRAY(work.hours, shape.node_count);
+}
+
 void size_result(const WorkShape& shape, WorkArrays& work) {
   if (is_extreme(shape.operation)) {
     SIZE_RECORD(work.result, shape.node_count, shape.cell_count, shape.is_vector);
     SIZE_SOURCES(work.result);
-  } else if (shape.operation == Operation::dif) {
+  } else if (shape.operation == Operation::dif || is_duration(shape.operation)) {
     SIZE_RECORD(work.result, shape.node_count, shape.cell_count, false);
   }
 }
@@ -63,9 +79,9 @@ constexpr std::array<Allocation, 20> allocations{{
     {"sf"},
     {"sfo"},
     {"ff"},
-    {"v1"},
-    {"v2"},
-    {"o1"},
+    {"v1", size_previous},
+    {"v2", size_initial},
+    {"o1", size_hours},
     {"o2"},
     {"h1"},
     {"h2"},

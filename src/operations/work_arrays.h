@@ -17,6 +17,9 @@ struct WorkArrays {
   RES_TYPE result;                        // what is written, where that is not the step itself
   FileExtreme file;                       // the running maximum or minimum of one file
   std::array<std::vector<float>, 2> bed;  // per run of a difference: bed elevations, metres
+  std::vector<float> previous;            // values at the output time before
+  std::vector<float> initial;             // values at the first output time
+  std::vector<double> hours;              // a duration or a time
 };
 
 // What the arrays are sized for.

@@ -37,6 +37,11 @@ class ResultSink {
   // for reserving space.
   virtual void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) = 0;
 
+  // What follows stands in another dataset of the output's group. Formats that hold a single
+  // dataset go on with it; `prepare` has told them what that is.
+  virtual void start_dataset(const std::string& folder, const std::string& dataset,
+                             const RES_TYPE& shape, std::int64_t time_count) = 0;
+
   // Writes one output time of the output's dataset.
   virtual void write_time(const RES_TYPE& record) = 0;
 

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "results/extreme_kernels.h"
+#include "results/result_dataset.h"
 #include "results/results_record.h"
 
 namespace quillet {
@@ -43,6 +46,10 @@ class ResultSource {
   // `file` has been reset; `step` is working space. Starts from the first output time.
   virtual void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
                             FileExtreme& file) = 0;
+
+  // Everything that the file holds, or only what was selected: scalars, then vectors. The datasets
+  // read through this source and do not outlive it; its own walk must not be under way.
+  virtual std::vector<std::unique_ptr<ResultDataset>> datasets() = 0;
 
   virtual void close() = 0;
 };

@@ -42,6 +42,10 @@ void SIZE_ARRAY(std::vector<float>& array, std::int32_t count) {
   size_array(array, count, 0.0F);
 }
 
+void SIZE_ARRAY(std::vector<double>& array, std::int32_t count) {
+  size_array(array, count, 0.0);
+}
+
 void RESET_RECORD(RES_TYPE& record, std::int8_t status) {
   std::fill(record.nd.x.begin(), record.nd.x.end(), 0.0F);
   std::fill(record.nd.y.begin(), record.nd.y.end(), 0.0F);

@@ -3,6 +3,9 @@
 
 namespace quillet {
 
+// Above it, times are none of the simulation.
+constexpr float last_ordinary_time = 99998.0F;
+
 // Written by simulation engines.
 constexpr float stored_maximum_time = 99999.0F;   // maxima (or minima) that the engine tracked
 constexpr float stored_minimum_time = -99999.0F;  // asks for the minima

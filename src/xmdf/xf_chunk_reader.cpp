@@ -21,6 +21,14 @@ void unshuffle_4(const unsigned char* planes, std::size_t count, std::uint32_t* 
   }
 }
 
+void unshuffle(const std::byte* planes, std::size_t size, std::size_t count, std::byte* elements) {
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t plane = 0; plane < size; ++plane) {
+      elements[i * size + plane] = planes[plane * count + i];
+    }
+  }
+}
+
 }  // namespace
 
 void XfChunkReader::FreeDecompressor::operator()(libdeflate_decompressor* memory) const {
@@ -28,9 +36,7 @@ void XfChunkReader::FreeDecompressor::operator()(libdeflate_decompressor* memory
 }
 
 bool XfChunkReader::suits(const XfTable& table) {
-  // One-byte elements are not changed by shuffling.
-  const bool known_size = table.stored_size == 1 || table.stored_size == 4;
-  return table.deflated && known_size && table.chunk_components == table.components &&
+  return table.deflated && table.chunk_components == table.components &&
          std::endian::native == std::endian::little;
 }
 
@@ -86,63 +92,56 @@ void XfChunkReader::deliver(hsize_t row, hsize_t chunk, const std::byte* chunk_d
 }
 
 XfStatus XfChunkReader::read_chunk(hsize_t chunk_row, hsize_t chunk, std::byte* destination) {
-  const std::array<hsize_t, 3> offset{chunk_row * table.chunk_rows, chunk * table.chunk_columns, 0};
+  const std::array<hsize_t, 3> offset =
+      xf_coordinates(table, chunk_row * table.chunk_rows, chunk * table.chunk_columns);
   hsize_t size = 0;
-  if (H5Dget_chunk_storage_size(table.dataset.get(), offset.data(), &size) < 0 || size == 0) {
-    return xf_failure(name_of_output(chunk_row) + " is not in the file");
-  }
   std::uint32_t skipped_filters = 0;
   XfStatus status = read_stored(offset.data(), size, skipped_filters);
-  if (!status.ok()) return status;
-  // A writer may leave single chunks unfiltered; HDF5 knows how.
-  status =
-      skipped_filters == 0 ? inflate(size, destination) : read_by_hdf5(offset.data(), destination);
-  if (!status.ok()) status.reason = name_of_output(chunk_row) + " " + status.reason;
+  if (status.ok()) status = undo_filters(size, skipped_filters, destination);
+  if (!status.ok()) status.reason = name_of_chunk(chunk_row) + " " + status.reason;
   return status;
 }
 
-XfStatus XfChunkReader::read_stored(const hsize_t* offset, hsize_t size,
+XfStatus XfChunkReader::read_stored(const hsize_t* offset, hsize_t& size,
                                     std::uint32_t& skipped_filters) {
+  const hid_t dataset = table.dataset.get();
+  if (H5Dget_chunk_storage_size(dataset, offset, &size) < 0 || size == 0) {
+    return xf_failure("is not in the file");
+  }
   if (size > table.file_size) return xf_failure("has a damaged size");
-  if (H5Dread_chunk(table.dataset.get(), H5P_DEFAULT, offset, &skipped_filters, stored.room(size)) <
-      0) {
+  if (H5Dread_chunk(dataset, H5P_DEFAULT, offset, &skipped_filters, stored.room(size)) < 0) {
     return xf_failure("cannot be read, expected " + std::to_string(size) + " compressed bytes");
   }
   return {};
 }
 
-XfStatus XfChunkReader::inflate(hsize_t size, std::byte* destination) {
-  const bool planes = table.shuffled && table.stored_size == 4;
+// A writer may leave out a filter for single chunks.
+XfStatus XfChunkReader::undo_filters(hsize_t size, std::uint32_t skipped_filters,
+                                     std::byte* destination) {
+  const std::uint32_t shuffle_bit = table.shuffled ? 1U : 0U;
+  const std::uint32_t deflate_bit = table.shuffled ? 2U : 1U;
+  const bool planes = table.shuffled && (skipped_filters & shuffle_bit) == 0;
   std::byte* const target = planes ? shuffled.room(chunk_bytes) : destination;
-  // Without room for the actual size it must be chunk_bytes exactly.
-  const libdeflate_result result = libdeflate_zlib_decompress(decompressor.get(), stored.room(size),
-                                                              size, target, chunk_bytes, nullptr);
-  if (result != LIBDEFLATE_SUCCESS) return xf_failure("has damaged compressed bytes");
-  if (planes) {
+  const std::byte* const source = stored.room(size);
+  if ((skipped_filters & deflate_bit) != 0) {
+    if (size != chunk_bytes) return xf_failure("has a damaged size");
+    std::memcpy(target, source, size);
+  } else if (libdeflate_zlib_decompress(decompressor.get(), source, size, target, chunk_bytes,
+                                        nullptr) != LIBDEFLATE_SUCCESS) {
+    // Without a place for the actual size, libdeflate insists on exactly chunk_bytes.
+    return xf_failure("has damaged compressed bytes");
+  }
+  if (planes && table.stored_size == 4) {
     unshuffle_4(reinterpret_cast<const unsigned char*>(target), chunk_bytes / 4,
                 reinterpret_cast<std::uint32_t*>(destination));
+  } else if (planes) {
+    unshuffle(target, table.stored_size, chunk_bytes / table.stored_size, destination);
   }
   return {};
 }
 
-XfStatus XfChunkReader::read_by_hdf5(const hsize_t* offset, std::byte* destination) {
-  const int rank = table.components == 2 ? 3 : 2;
-  const std::array<hsize_t, 3> chunk{table.chunk_rows, table.chunk_columns, table.components};
-  const std::array<hsize_t, 3> count{std::min(chunk[0], table.rows - offset[0]),
-                                     std::min(chunk[1], table.columns - offset[1]), chunk[2]};
-  constexpr std::array<hsize_t, 3> origin{0, 0, 0};
-  const XfSpaceHandle memory(H5Screate_simple(rank, chunk.data(), nullptr));
-  const XfSpaceHandle file(H5Dget_space(table.dataset.get()));
-  H5Sselect_hyperslab(memory.get(), H5S_SELECT_SET, origin.data(), nullptr, count.data(), nullptr);
-  H5Sselect_hyperslab(file.get(), H5S_SELECT_SET, offset, nullptr, count.data(), nullptr);
-  if (H5Dread(table.dataset.get(), table.stored_type.get(), memory.get(), file.get(), H5P_DEFAULT,
-              destination) < 0) {
-    return xf_failure("cannot be read");
-  }
-  return {};
-}
-
-std::string XfChunkReader::name_of_output(hsize_t chunk_row) const {
+std::string XfChunkReader::name_of_chunk(hsize_t chunk_row) const {
+  if (table.rank == 1) return table.name;
   return table.name + " of output time " + std::to_string(chunk_row * table.chunk_rows + 1);
 }
 

@@ -65,17 +65,15 @@ XfStatus check_member(const XfGroupState& group, const char* name) {
 XfStatus load_times(XfGroupState& group) {
   if (group.times) return {};
   XfStatus status = check_member(group, "Times");
-  XfTable table;
-  if (status.ok()) status = xf_open_table(group.id.get(), "Times", 1, group.file_size, table);
-  if (!status.ok()) return status;
-  if (!xf_is_number(table.stored_type.get())) return xf_failure("Times holds no numbers");
-  std::vector<double> times(table.rows);
-  if (!times.empty() && H5Dread(table.dataset.get(), H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL,
-                                H5P_DEFAULT, times.data()) < 0) {
-    return xf_failure("Times cannot be read");
+  XfRowReader reader;
+  if (status.ok()) {
+    status = reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
   }
-  group.times = std::move(times);
-  return {};
+  if (!status.ok()) return status;
+  std::vector<double> times(reader.columns());
+  status = reader.read_row(0, reinterpret_cast<std::byte*>(times.data()));
+  if (status.ok()) group.times = std::move(times);
+  return status;
 }
 
 // The rank of Values, which Grouptype repeats.
@@ -91,7 +89,7 @@ XfStatus open_values(XfGroupState& group) {
   if (!status.ok()) return status;
   const int rank = rank_of_values(group) == vector_rank ? vector_rank : scalar_rank;
   auto reader = std::make_unique<XfRowReader>();
-  status = reader->open_values(group.id.get(), "Values", rank, group.file_size);
+  status = reader->open_numbers(group.id.get(), "Values", rank, H5T_NATIVE_FLOAT, group.file_size);
   if (!status.ok()) return status;
   group.values = std::move(reader);
   group.values_rank = rank;

@@ -59,7 +59,8 @@ XfLastError xf_last_error() {
   return error;
 }
 
-void xf_silence_hdf5() {
+void xf_prepare_hdf5() {
+  H5dont_atexit();
   H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
 }
 

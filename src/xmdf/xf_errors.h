@@ -22,8 +22,9 @@ struct XfLastError {
 // handle included, clears them.
 XfLastError xf_last_error();
 
-// HDF5 prints its errors unless told otherwise, once per thread.
-void xf_silence_hdf5();
+// To be called before anything else of HDF5. It prints its errors unless told otherwise, and at the
+// end of the program closes again what could not be closed when the disk was full, which crashes.
+void xf_prepare_hdf5();
 
 // The system's words for the call that has just failed, else the given ones.
 XfStatus xf_hdf5_failure(const std::string& otherwise);

@@ -120,7 +120,7 @@ void XfFileCloser::operator()(XfFileState* state) const {
 }
 
 XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
-  xf_silence_hdf5();
+  xf_prepare_hdf5();
   XfLastError error;
   XfFileHandle opened = with_or_without_locks(
       false, error, [&](hid_t access) { return H5Fopen(name.c_str(), H5F_ACC_RDONLY, access); });
@@ -131,7 +131,7 @@ XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
 }
 
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
-  xf_silence_hdf5();
+  xf_prepare_hdf5();
   XfLastError error;
   XfFileHandle created = create_file(name, error);
   if (!created.valid()) {

@@ -7,12 +7,14 @@
 
 namespace quillet {
 
-XfStatus XfRowReader::open_values(hid_t group, const char* name, int rank, hsize_t file_size) {
+XfStatus XfRowReader::open_numbers(hid_t group, const char* name, int rank, hid_t wanted_type,
+                                   hsize_t file_size) {
   XfStatus status = xf_open_table(group, name, rank, file_size, table);
   if (!status.ok()) return status;
-  const hid_t stored = table.stored_type.get();
-  if (!xf_is_number(stored)) return xf_failure(std::string(name) + " holds no numbers");
-  use_memory_type(H5T_NATIVE_FLOAT, H5Tequal(stored, H5T_IEEE_F32LE) > 0);
+  if (!xf_is_number(table.stored_type.get())) {
+    return xf_failure(std::string(name) + " holds no numbers");
+  }
+  use_memory_type(wanted_type);
   return {};
 }
 
@@ -24,33 +26,52 @@ XfStatus XfRowReader::open_flags(hid_t group, const char* name, hsize_t file_siz
   const bool one_byte =
       table.stored_size == 1 &&
       (stored_class == H5T_INTEGER || stored_class == H5T_ENUM || stored_class == H5T_BITFIELD);
-  if (!one_byte && stored_class != H5T_INTEGER) {
+  const bool integer = stored_class == H5T_INTEGER && xf_is_number(stored);
+  if (!one_byte && !integer) {
     return xf_failure(std::string(name) + " holds no flags");
   }
   // Conversion to a signed byte cuts large numbers to its limits, so that none becomes 0.
-  use_memory_type(one_byte ? stored : H5T_NATIVE_SCHAR, one_byte);
+  use_memory_type(one_byte ? stored : H5T_NATIVE_SCHAR);
   return {};
 }
 
-void XfRowReader::use_memory_type(hid_t type, bool as_stored) {
+void XfRowReader::use_memory_type(hid_t type) {
   memory_type = type;
   column_bytes = table.components * H5Tget_size(type);
+  as_stored = H5Tequal(table.stored_type.get(), type) > 0;
   chunk_reader.reset();
-  if (as_stored && XfChunkReader::suits(table)) chunk_reader.emplace(table);
+  if (XfChunkReader::suits(table)) chunk_reader.emplace(table);
 }
 
 XfStatus XfRowReader::read_row(hsize_t row, std::byte* straight) {
   if (table.columns == 0) return {};
   if (!chunk_reader) return read_by_hdf5(row, 0, table.columns, straight);
-  return chunk_reader->read_row(
-      row, straight, [&](std::size_t first, std::size_t count, const std::byte* elements) {
-        std::memcpy(straight + first * column_bytes, elements, count * column_bytes);
+  const auto copy = [&](std::size_t first, std::size_t count, const std::byte* elements) {
+    std::memcpy(straight + first * column_bytes, elements, count * column_bytes);
+  };
+  return as_stored ? chunk_reader->read_row(row, straight, copy) : read_and_convert(row, copy);
+}
+
+XfStatus XfRowReader::read_and_convert(hsize_t row, const XfPieceSink& sink) {
+  const std::size_t stored_bytes = table.components * table.stored_size;
+  bool converted = true;
+  XfStatus status = chunk_reader->read_row(
+      row, nullptr, [&](std::size_t first, std::size_t count, const std::byte* elements) {
+        std::byte* const memory = block.room(count * std::max(stored_bytes, column_bytes));
+        std::memcpy(memory, elements, count * stored_bytes);
+        converted =
+            converted && H5Tconvert(table.stored_type.get(), memory_type, count * table.components,
+                                    memory, nullptr, H5P_DEFAULT) >= 0;
+        if (converted) sink(first, count, memory);
       });
+  return converted ? status : xf_failure(table.name + " has a type that cannot be converted");
 }
 
 XfStatus XfRowReader::read_row_in_pieces(hsize_t row, const XfPieceSink& sink) {
   if (table.columns == 0) return {};
-  if (chunk_reader) return chunk_reader->read_row(row, nullptr, sink);
+  if (chunk_reader) {
+    return as_stored ? chunk_reader->read_row(row, nullptr, sink) : read_and_convert(row, sink);
+  }
   // Filtered data at once, lest a chunk be inflated once per block.
   constexpr hsize_t block_columns = hsize_t{32} << 10;
   const hsize_t step = table.filtered ? table.columns : std::min(table.columns, block_columns);
@@ -66,18 +87,19 @@ XfStatus XfRowReader::read_row_in_pieces(hsize_t row, const XfPieceSink& sink) {
 
 XfStatus XfRowReader::read_by_hdf5(hsize_t row, hsize_t first, hsize_t count,
                                    std::byte* destination) {
-  const std::array<hsize_t, 3> offset{row, first, 0};
-  const std::array<hsize_t, 3> extents{1, count, table.components};
+  const std::array<hsize_t, 3> offset = xf_coordinates(table, row, first);
+  std::array<hsize_t, 3> extents{1, count, table.components};
+  if (table.rank == 1) extents = {count, 1, 1};
   const XfSpaceHandle file(H5Dget_space(table.dataset.get()));
   // Memory of the same rank as the file: anything else is mapped element by element.
-  const int rank = H5Sget_simple_extent_ndims(file.get());
-  const XfSpaceHandle memory(H5Screate_simple(rank, extents.data(), nullptr));
+  const XfSpaceHandle memory(H5Screate_simple(table.rank, extents.data(), nullptr));
   H5Sselect_hyperslab(file.get(), H5S_SELECT_SET, offset.data(), nullptr, extents.data(), nullptr);
   if (H5Dread(table.dataset.get(), memory_type, memory.get(), file.get(), H5P_DEFAULT,
               destination) >= 0) {
     return {};
   }
-  return xf_failure(table.name + " of output time " + std::to_string(row + 1) + " cannot be read");
+  const std::string place = table.rank == 1 ? "" : " of output time " + std::to_string(row + 1);
+  return xf_failure(table.name + place + " cannot be read");
 }
 
 }  // namespace quillet

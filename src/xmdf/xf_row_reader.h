@@ -19,8 +19,9 @@ class XfRowReader {
   XfRowReader(const XfRowReader&) = delete;
   XfRowReader& operator=(const XfRowReader&) = delete;
 
-  // Elements arrive as 32-bit reals; stored as any real or integer.
-  XfStatus open_values(hid_t group, const char* name, int rank, hsize_t file_size);
+  // Elements arrive as `wanted_type`, a predefined type; stored as any real or integer.
+  XfStatus open_numbers(hid_t group, const char* name, int rank, hid_t wanted_type,
+                        hsize_t file_size);
   // Elements arrive as bytes that are 0 or not; stored as any integer, or as an enumeration or bits
   // of one byte.
   XfStatus open_flags(hid_t group, const char* name, hsize_t file_size);
@@ -34,12 +35,14 @@ class XfRowReader {
   XfStatus read_row_in_pieces(hsize_t row, const XfPieceSink& sink);
 
  private:
-  void use_memory_type(hid_t type, bool as_stored);
+  void use_memory_type(hid_t type);
+  XfStatus read_and_convert(hsize_t row, const XfPieceSink& sink);
   XfStatus read_by_hdf5(hsize_t row, hsize_t first, hsize_t count, std::byte* destination);
 
   XfTable table;
   hid_t memory_type = H5I_INVALID_HID;  // of HDF5 or of the table
   std::size_t column_bytes = 0;         // in memory
+  bool as_stored = false;               // the memory type is the stored type
   std::optional<XfChunkReader> chunk_reader;
   XfBuffer block;
 };

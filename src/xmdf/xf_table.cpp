@@ -22,6 +22,11 @@ XfStatus open_dataset(hid_t group, XfTable& table, hid_t access) {
   return xf_failure(table.name + " is damaged or no dataset");
 }
 
+// Puts extents of rank 1 into the second place: a series is one row.
+void make_series_a_row(int rank, std::array<hsize_t, 3>& extents) {
+  if (rank == 1) extents = {1, extents[0], 1};
+}
+
 XfStatus read_shape(int rank, XfTable& table) {
   const XfSpaceHandle space(H5Dget_space(table.dataset.get()));
   const int found = space.valid() ? H5Sget_simple_extent_ndims(space.get()) : -1;
@@ -37,6 +42,8 @@ XfStatus read_shape(int rank, XfTable& table) {
   if (rank == 3 && extents[2] != 2) {
     return xf_failure(table.name + ": expected 2 components, found " + number(extents[2]));
   }
+  make_series_a_row(rank, extents);
+  table.rank = rank;
   table.rows = extents[0];
   table.columns = extents[1];
   table.components = extents[2];
@@ -66,6 +73,7 @@ XfStatus read_chunking(hid_t properties, int rank, XfTable& table) {
       std::find(chunk.begin(), chunk.end(), 0) != chunk.end()) {
     return xf_failure(table.name + " has damaged chunk extents");
   }
+  make_series_a_row(rank, chunk);
   table.chunked = true;
   table.chunk_rows = chunk[0];
   table.chunk_columns = chunk[1];
@@ -144,7 +152,7 @@ XfStatus check_data(const XfTable& table) {
 // are read; else a row of chunks, so that none is read twice on a walk through the output times.
 hsize_t cache_bytes(const XfTable& table) {
   constexpr hsize_t small_piece = hsize_t{32} << 10;
-  if (!table.chunked) return 0;
+  if (!table.chunked || table.deflated) return 0;
   const bool small_pieces =
       table.chunk_rows > 1 && xf_chunk_bytes(table) / table.chunk_rows < small_piece;
   if (!table.filtered && !small_pieces) return 0;
@@ -175,6 +183,11 @@ bool xf_is_number(hid_t type) {
   const H5T_class_t type_class = H5Tget_class(type);
   return (type_class == H5T_FLOAT || type_class == H5T_INTEGER) &&
          H5Tget_size(type) <= largest_number;
+}
+
+std::array<hsize_t, 3> xf_coordinates(const XfTable& table, hsize_t row, hsize_t column) {
+  if (table.rank == 1) return {column, 0, 0};
+  return {row, column, 0};
 }
 
 hsize_t xf_chunks_per_row(const XfTable& table) {

@@ -1,10 +1,12 @@
 // The shape of a member dataset whose rows are output times (Values, Active), and how it is stored.
-// Opening checks that the file really holds what the shape claims, so that nothing larger than the
-// file warrants is ever allocated and nothing that was never written is read.
+// A series (Times) is a table of one row with a column per output time. Opening checks that the
+// file really holds what the shape claims, so that nothing larger than the file warrants is ever
+// allocated and nothing that was never written is read.
 #pragma once
 
 #include <hdf5.h>
 
+#include <array>
 #include <cstddef>
 #include <string>
 
@@ -18,6 +20,7 @@ struct XfTable {
   XfDatasetHandle dataset;
   XfTypeHandle stored_type;
   std::size_t stored_size = 0;  // bytes per element in the file
+  int rank = 0;                 // of the dataset
   hsize_t rows = 0;             // output times
   hsize_t columns = 0;          // nodes or cells
   hsize_t components = 1;       // 2 for vectors
@@ -31,12 +34,15 @@ struct XfTable {
   hsize_t file_size = 0;  // bytes; bounds everything that is stored
 };
 
-// Opens the dataset `name` of a group: rank 1 (no columns), 2, or 3 with two components. The file's
+// Opens the dataset `name` of a group: rank 1 (a series), 2, or 3 with two components. The file's
 // size bounds what it can hold.
 XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_size, XfTable& table);
 
 // Reals and integers, of a size that is no damage: HDF5 would clear memory for the size claimed.
 bool xf_is_number(hid_t type);
+
+// The place of an element in the dataset's own coordinates.
+std::array<hsize_t, 3> xf_coordinates(const XfTable& table, hsize_t row, hsize_t column);
 
 // Chunks side by side in a row of chunks, and the bytes of one chunk.
 hsize_t xf_chunks_per_row(const XfTable& table);

@@ -71,7 +71,8 @@ struct XmdfFileHeader {
   std::int32_t selected_time = 0;  // output time within the selected dataset
   std::vector<double> times;       // hours, of the Temporal dataset
 
-  XfGroup group;                    // open between reads of one dataset
+  XfGroup group;  // open between reads of one dataset
+  std::string group_path;
   std::vector<double> group_times;  // hours, of the open dataset
 
   // Where scalars and vectors both have the requested type, the vectors are used, and they alone.

@@ -21,6 +21,7 @@ void read_values(XmdfFileHeader& header, const std::string& path, std::string_vi
 }  // namespace
 
 void OPEN_XMDF_GROUP(XmdfFileHeader& header, const std::string& path) {
+  header.group_path = path;
   XfStatus status = XF_OPEN_GROUP(header.file, path, header.group);
   if (status.ok()) status = XF_GET_DATASET_TIMES(header.group, header.group_times);
   if (!status.ok()) {

@@ -51,19 +51,19 @@ XmdfSink::~XmdfSink() {
 }
 
 void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
-  expects_vectors = shape.is_vector;
+  empty_shape.is_vector = shape.is_vector;
   expected_times = likely_time_count;
 }
 
 void XmdfSink::start_dataset(const std::string& folder_name, const std::string& dataset,
-                             bool is_vector, std::int64_t time_count) {
+                             const RES_TYPE& shape, std::int64_t time_count) {
   close_datasets();
   if (!folder || folder_name != names.folder) {
     check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
     names.folder = folder_name;
     create_folder();
   }
-  create_datasets(dataset, is_vector, time_count);
+  create_datasets(dataset, shape.is_vector, time_count);
 }
 
 void XmdfSink::create_folder() {
@@ -96,13 +96,13 @@ void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
 }
 
 void XmdfSink::write_time(const RES_TYPE& record) {
-  if (!has_datasets) start_dataset(names.folder, names.dataset, record.is_vector, expected_times);
+  if (!has_datasets) start_dataset(names.folder, names.dataset, record, expected_times);
   write(record.time, record);
 }
 
 void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   const std::string dataset(map.dataset_name.empty() ? names.dataset : map.dataset_name);
-  start_dataset(names.folder, dataset, record.is_vector, 1);
+  start_dataset(names.folder, dataset, record, 1);
   write(map.dataset_time, record);
 }
 
@@ -138,7 +138,7 @@ void XmdfSink::close_datasets() {
 }
 
 void XmdfSink::close() {
-  if (!has_datasets) start_dataset(names.folder, names.dataset, expects_vectors, 0);
+  if (!has_datasets) start_dataset(names.folder, names.dataset, empty_shape, 0);
   SAY("Closing XMDF File: " + file_name);
   close_datasets();
   check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");

@@ -20,13 +20,11 @@ class XmdfSink : public ResultSink {
 
   const std::string& name() const override { return file_name; }
   void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
+  void start_dataset(const std::string& folder_name, const std::string& dataset,
+                     const RES_TYPE& shape, std::int64_t time_count) override;
   void write_time(const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;
-
-  // What follows stands in another folder or dataset of the output's group.
-  void start_dataset(const std::string& folder, const std::string& dataset, bool is_vector,
-                     std::int64_t time_count);
 
  private:
   void create_datasets(const std::string& dataset, bool is_vector, std::int64_t time_count);
@@ -40,7 +38,7 @@ class XmdfSink : public ResultSink {
 
   std::string file_name;
   DatasetNames names;
-  bool expects_vectors = false;
+  RES_TYPE empty_shape;  // counts and vector flag only
   std::int64_t expected_times = 0;
   bool has_datasets = false;  // something was written to the file
   int unit = 0;

@@ -3,6 +3,7 @@
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/text.h"
+#include "xmdf/xmdf_datasets.h"
 #include "xmdf/xmdf_values.h"
 
 namespace quillet {
@@ -58,6 +59,10 @@ void XmdfSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& ste
   } else {
     (is_maximum ? ReadXmdfTemporalMaximum : ReadXmdfTemporalMinimum)(header, step, file);
   }
+}
+
+std::vector<std::unique_ptr<ResultDataset>> XmdfSource::datasets() {
+  return LIST_XMDF_DATASETS(header);
 }
 
 void XmdfSource::close() {

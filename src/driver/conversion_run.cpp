@@ -1,0 +1,112 @@
+#include "driver/conversion_run.h"
+
+#include <algorithm>
+
+#include "dat/dat_sink.h"
+#include "driver/conversion_plan.h"
+#include "driver/output_opening.h"
+#include "support/console.h"
+#include "support/file_names.h"
+#include "support/text.h"
+#include "xmdf/xmdf_sink.h"
+
+namespace quillet {
+namespace {
+
+// One input with what becomes of it.
+struct Conversion {
+  ResultSource* source = nullptr;
+  FileKind target_kind = FileKind::dat;
+  Datasets datasets;
+  std::vector<ConversionTarget> targets;
+};
+
+Conversion plan(const RunSetup& setup, std::size_t input) {
+  const RunOptions& options = setup.options;
+  const std::string& name = options.inputs[input];
+  Conversion conversion;
+  conversion.source = setup.inputs.sources[input].get();
+  conversion.datasets = conversion.source->datasets();
+  if (setup.input_kinds[input] == FileKind::dat) {
+    conversion.target_kind = FileKind::xmdf;
+    conversion.targets = {PLAN_XMDF_TARGET(name, setup.inputs.types[input], conversion.datasets)};
+  } else {
+    const bool by_itself = options.scalar_id || options.vector_id || options.dataset_path;
+    conversion.targets = PLAN_DAT_TARGETS(name, by_itself, conversion.datasets);
+  }
+  const bool has_data = !conversion.targets.empty() && !conversion.targets[0].datasets.empty();
+  if (!has_data) FAIL("ERROR - Nothing to convert in " + QUOTED(name));
+  return conversion;
+}
+
+// Whether -out names the output: it can name only one.
+bool apply_output_name(const RunOptions& options, std::vector<Conversion>& conversions) {
+  if (!options.output_name) return false;
+  if (conversions.size() > 1 || conversions[0].targets.size() > 1) {
+    SAY("WARNING - -out option can only be used with a single output for -conv.");
+    SAY("Specifed output name ignored.");
+    return false;
+  }
+  const bool to_xmdf = conversions[0].target_kind == FileKind::xmdf;
+  const std::string extension = to_xmdf ? ".xmdf" : ".dat";
+  std::string& name = conversions[0].targets[0].file_name;
+  name = *options.output_name;
+  if (FILEEXT(name) != extension) name += extension;
+  return true;
+}
+
+void check_targets(const RunSetup& setup, const std::vector<Conversion>& conversions,
+                   bool named_by_user) {
+  std::vector<std::string> names;
+  for (const Conversion& conversion : conversions) {
+    for (const ConversionTarget& target : conversion.targets) {
+      const std::string& name = target.file_name;
+      REFUSE_INPUT_AS_OUTPUT(setup, name);
+      const bool is_taken = std::find(names.begin(), names.end(), name) != names.end();
+      if (is_taken || (!named_by_user && FILE_EXISTS(name))) {
+        FAIL("ERROR - Output file already exists: " + QUOTED(name));
+      }
+      names.push_back(name);
+    }
+  }
+}
+
+bool has_vectors(const Datasets& datasets) {
+  return std::any_of(datasets.begin(), datasets.end(),
+                     [](const auto& dataset) { return dataset->is_vector(); });
+}
+
+void write_target(FileKind kind, const ConversionTarget& target, RES_TYPE& step) {
+  const DatasetNames names{target.group, "", target.datasets.front().dataset_name};
+  std::unique_ptr<ResultSink> sink;
+  if (kind == FileKind::xmdf) {
+    sink = std::make_unique<XmdfSink>(target.file_name, names);
+  } else {
+    sink = std::make_unique<DatSink>(target.file_name, names);
+  }
+  CONVERT_DATASETS(target.datasets, *sink, step);
+}
+
+void convert(const Conversion& conversion, RES_TYPE& step) {
+  const ResultSource& source = *conversion.source;
+  SIZE_RECORD(step, source.node_count(), std::max(source.cell_count(), 0),
+              has_vectors(conversion.datasets));
+  for (const ConversionTarget& target : conversion.targets) {
+    write_target(conversion.target_kind, target, step);
+  }
+}
+
+}  // namespace
+
+void CONVERT_INPUTS(RunSetup& setup) {
+  SAY_APART("Converting files.");
+  std::vector<Conversion> conversions;
+  for (std::size_t input = 0; input < setup.options.inputs.size(); ++input) {
+    conversions.push_back(plan(setup, input));
+  }
+  const bool named_by_user = apply_output_name(setup.options, conversions);
+  check_targets(setup, conversions, named_by_user);
+  for (const Conversion& conversion : conversions) convert(conversion, setup.work.step);
+}
+
+}  // namespace quillet

@@ -1,0 +1,37 @@
+#include "operations/conversion.h"
+
+#include "support/console.h"
+#include "support/numbers.h"
+
+namespace quillet {
+namespace {
+
+void write_dataset(const ConvertedDataset& item, ResultSink& output, RES_TYPE& step) {
+  ResultDataset& dataset = *item.dataset;
+  const std::size_t count = dataset.times().size();
+  step.is_vector = dataset.is_vector();
+  output.start_dataset(item.folder, item.dataset_name, step, static_cast<std::int64_t>(count));
+  for (std::size_t i = 0; i < count; ++i) {
+    SAY("Converting " + item.dataset_name + " at time " +
+        AREAL(static_cast<float>(dataset.times()[i])));
+    dataset.read(i, step);
+    if (item.time) step.time = *item.time;
+    output.write_time(step);
+  }
+}
+
+}  // namespace
+
+void CONVERT_DATASETS(const std::vector<ConvertedDataset>& datasets, ResultSink& output,
+                      RES_TYPE& step) {
+  std::size_t times = 0;
+  for (const ConvertedDataset& item : datasets) times += item.dataset->times().size();
+  step.is_vector = datasets.front().dataset->is_vector();
+  output.prepare(step, static_cast<std::int64_t>(times));
+  for (const ConvertedDataset& item : datasets) write_dataset(item, output, step);
+  SAY_APART("Closing files and exiting");
+  SAY("");
+  output.close();
+}
+
+}  // namespace quillet

@@ -1,0 +1,108 @@
+#include "operations/duration.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "operations/duration_kernel.h"
+#include "operations/output_time_loop.h"
+#include "results/extreme_kernels.h"
+#include "results/special_times.h"
+#include "support/console.h"
+#include "support/numbers.h"
+#include "support/text.h"
+#include "support/vector_magnitude.h"
+
+namespace quillet {
+namespace {
+
+constexpr double never = -99999.0;
+
+// What is folded over the intervals between output times.
+struct Interval {
+  const std::vector<float>& initial;  // at the first output time
+  const std::vector<float>& from;
+  const std::vector<float>& to;
+  double start = 0;  // hours
+  double end = 0;
+};
+using FoldInterval = std::function<void(const Interval& interval)>;
+
+void fail_backwards(const ResultSource& source, float time, float previous) {
+  FAIL_READING(source.name(),
+               "expected an output time of " + AREAL(previous) + " or later, found " + AREAL(time));
+}
+
+// Reads the next ordinary output time; false when there is none.
+bool read_ordinary(ResultSource& source, RES_TYPE& step) {
+  while (!source.at_end() && source.next_time() > last_ordinary_time) {
+    SAY("Skipping times above 99,998, time found: " + AREAL(source.next_time()));
+    source.pass_next();
+  }
+  if (source.at_end()) return false;
+  source.read_next(step);
+  if (step.is_vector) {
+    VECTOR_MAGNITUDES(step.nd.x.data(), step.nd.y.data(), step.node_count, step.nd.x.data());
+  }
+  return true;
+}
+
+void fold_output_times(OperationRun& run, const FoldInterval& fold) {
+  ResultSource& source = *run.inputs.sources.front();
+  RES_TYPE& step = run.work.step;
+  std::vector<std::int8_t>& active = run.work.result.cell.status;
+  if (!read_ordinary(source, step)) {
+    SAY("WARNING - No output times in " + QUOTED(source.name()));
+    return;
+  }
+  std::vector<float>& from = run.work.previous;
+  const std::vector<float>& initial = run.work.initial.empty() ? from : run.work.initial;
+  from = step.nd.x;
+  if (!run.work.initial.empty()) run.work.initial = step.nd.x;
+  float previous_time = step.time;
+  FOLD_STATUSES(Extreme::maximum, step.cell.status, active);
+  while (read_ordinary(source, step)) {
+    if (step.time < previous_time) fail_backwards(source, step.time, previous_time);
+    fold({initial, from, step.nd.x, previous_time, step.time});
+    FOLD_STATUSES(Extreme::maximum, step.cell.status, active);
+    from.swap(step.nd.x);
+    previous_time = step.time;
+  }
+}
+
+void write_result(OperationRun& run) {
+  RES_TYPE& result = run.work.result;
+  ROUND_TO_REALS(result.node_count, run.work.hours.data(), result.nd.x.data());
+  result.is_vector = false;
+  result.time = 0;
+  run.output.prepare(result, 1);
+  run.output.write_time(result);
+  CLOSE_FILES_AND_EXIT(run);
+}
+
+}  // namespace
+
+void RUN_DURATION(OperationRun& run) {
+  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -dur option");
+  SAY_APART("Processing duration above " + AREAL(run.cutoff));
+  fold_output_times(run, [&](const Interval& interval) {
+    ADD_DURATION_ABOVE(run.work.result.node_count, interval.from.data(), interval.to.data(),
+                       interval.start, interval.end, run.cutoff, run.work.hours.data());
+  });
+  write_result(run);
+}
+
+void RUN_TIME_OF_INCREASE(OperationRun& run) {
+  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -toi option");
+  SAY_APART("Processing time of increase by " + AREAL(run.cutoff));
+  std::fill(run.work.hours.begin(), run.work.hours.end(), never);
+  fold_output_times(run, [&](const Interval& interval) {
+    NOTE_FIRST_INCREASE(run.work.result.node_count, interval.initial.data(), interval.from.data(),
+                        interval.to.data(), interval.start, interval.end, run.cutoff, never,
+                        run.work.hours.data());
+  });
+  write_result(run);
+}
+
+}  // namespace quillet

@@ -1,0 +1,94 @@
+#include "xmdf/xmdf_datasets.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "support/file_names.h"
+#include "support/text.h"
+#include "xmdf/xmdf_group_reader.h"
+
+namespace quillet {
+namespace {
+
+// The last folder of the path decides.
+DatasetKind kind_of(const XmdfPath& path) {
+  std::string folder = path.folder.empty() ? path.group : path.folder;
+  folder = folder.substr(folder.rfind('/') + 1);
+  if (ASAME(folder, "Temporal")) return DatasetKind::series;
+  if (ASAME(folder, "Maximums")) return DatasetKind::maximum;
+  if (ASAME(folder, "Minimums")) return DatasetKind::minimum;
+  if (ASAME(folder, "Times")) return DatasetKind::special_times;
+  if (ASAME(folder, "Fixed")) return DatasetKind::fixed;
+  return DatasetKind::other;
+}
+
+class XmdfDataset : public ResultDataset {
+ public:
+  XmdfDataset(XmdfFileHeader& file_header, const XmdfDatasets& datasets, std::int32_t position,
+              bool holds_vectors)
+      : header(file_header),
+        path(datasets.path(position)),
+        split(datasets.split_paths[static_cast<std::size_t>(position) - 1]),
+        vectors(holds_vectors) {
+    text = BLANK(split.dataset) ? FILENAME(header.file_name) : split.dataset;
+    OPEN_XMDF_GROUP(header, path);
+    hours = header.group_times;
+    CLOSE_XMDF_GROUP(header);
+  }
+
+  const std::string& name() const override { return split.dataset; }
+  const std::string& description() const override { return text; }
+  DatasetKind kind() const override { return kind_of(split); }
+  bool is_vector() const override { return vectors; }
+  const std::vector<double>& times() const override { return hours; }
+
+  void read(std::size_t output, RES_TYPE& record) override {
+    if (!header.group || header.group_path != path) OPEN_XMDF_GROUP(header, path);
+    READ_XMDF_OUTPUT(header, path, "data", vectors, static_cast<std::int32_t>(output) + 1, record);
+    if (output + 1 == hours.size()) CLOSE_XMDF_GROUP(header);
+  }
+
+ private:
+  XmdfFileHeader& header;
+  std::string path;
+  XmdfPath split;
+  bool vectors;
+  std::string text;
+  std::vector<double> hours;
+};
+
+// Positions of the datasets that are wanted, in the order of the list.
+std::vector<std::int32_t> wanted_positions(const XmdfFileHeader& header,
+                                           const XmdfDatasets& datasets) {
+  std::vector<std::int32_t> positions;
+  if (header.datasets().found()) {
+    if (&datasets != &header.datasets()) return positions;
+    for (const std::int32_t position : {datasets.temporal, datasets.maximums, datasets.minimums,
+                                        datasets.times, datasets.selected}) {
+      const bool is_new =
+          std::find(positions.begin(), positions.end(), position) == positions.end();
+      if (position != 0 && is_new) positions.push_back(position);
+    }
+    return positions;
+  }
+  for (std::int32_t position = 1; position <= datasets.count; ++position) {
+    positions.push_back(position);
+  }
+  return positions;
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfFileHeader& header) {
+  std::vector<std::unique_ptr<ResultDataset>> list;
+  for (const bool vectors : {false, true}) {
+    const XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
+    for (const std::int32_t position : wanted_positions(header, datasets)) {
+      list.push_back(std::make_unique<XmdfDataset>(header, datasets, position, vectors));
+    }
+  }
+  return list;
+}
+
+}  // namespace quillet
