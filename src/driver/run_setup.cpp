@@ -105,6 +105,13 @@ void check_selection(const RunSetup& setup) {
   EXITS();
 }
 
+void refuse_minimum_at_time(const RunSetup& setup) {
+  const bool is_at_time = setup.operation == Operation::min && setup.options.time_given;
+  if (is_at_time && has_input(setup, FileKind::xmdf)) {
+    FAIL("ERROR - Min not yet enabled for xmdf files.");
+  }
+}
+
 void warn_of_ensight(const RunSetup& setup) {
   if (setup.operation == Operation::ensight && has_input(setup, FileKind::dat)) {
     SAY_APART("WARNING - Ensight conversion not fully supported for .dat files.");
@@ -191,6 +198,7 @@ void SET_UP_RUN(RunSetup& setup) {
   announce_inputs(setup.options);
   refuse_duration_difference(setup.operation);
   classify_inputs(setup);
+  refuse_minimum_at_time(setup);
   settle_tolerance(setup);
   setup.output_kind =
       SETTLE_OUTPUT_TYPE(setup.operation, setup.options, setup.input_kinds, setup.naming);
