@@ -13,8 +13,8 @@
 namespace quillet {
 namespace {
 
-// A file that holds no output time does not bear out its counts; up to this many nodes or cells it
-// is believed.
+// A file without an output time, or whose first states no statuses, does not bear out its counts; up
+// to this many, or as many as it has bytes, it is believed.
 constexpr std::int32_t largest_count_on_trust = 10'000'000;
 
 // Vectors pass through a piece that stays in the processor's cache.
@@ -50,14 +50,17 @@ void DatReader::check_counts() {
                                           "found {} nodes and {} cells",
                                           nodes, cells));
   }
+  bool cells_borne_out = false;
   if (step_follows) {
     const Place start = place();
-    advance();
+    cells_borne_out = advance().statuses_at != 0;
     return_to(start);
-  } else if (std::max(nodes, cells) > largest_count_on_trust) {
-    FAIL_READING(file.name(), fmt::format("expected an output time for {} nodes and {} cells, "
-                                          "found none",
-                                          nodes, cells));
+  }
+  const std::int32_t unproven = std::max(step_follows ? 0 : nodes, cells_borne_out ? 0 : cells);
+  if (unproven > largest_count_on_trust && unproven > file.size()) {
+    FAIL_READING(file.name(), fmt::format("expected output times for {} nodes and {} cells, "
+                                          "found {} bytes",
+                                          nodes, cells, file.size()));
   }
 }
 

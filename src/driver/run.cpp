@@ -111,8 +111,10 @@ constexpr Dispatch dispatches[] = {
 }  // namespace
 
 void RUN_QUILLET(const std::vector<std::string>& arguments) {
-  // A console that goes away must not stop a run that is writing a file.
+  // A console that goes away must not stop a run that is writing a file, and a file that becomes too
+  // large is an error of the write that says so.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   SAY_APART("Build 2020-07-AH");
   SAY("");
   if (arguments.empty()) {

@@ -87,6 +87,7 @@ void CHOOSE_XMDF_DATASETS(RunSetup& setup) {
   ReadXmdfSizes(setup.xmdf_files);
   if (!selects(setup.options)) return;
   search(setup);
+  for (XmdfFileHeader& header : setup.xmdf_files) ReadXmdfChosenCellCount(header);
   read_times(setup);
 }
 

@@ -18,13 +18,13 @@ constexpr NodeKind centre{'C', ' '};
 constexpr NodeKind fv_node{'F', 'V'};
 
 void mark_nodes(const MESH_ELEMENT_TYPE& element, std::size_t first, std::size_t end, NodeKind kind,
-                std::vector<MESH_NODE_TYPE>& nodes) {
+                LargeArray<MESH_NODE_TYPE>& nodes) {
   for (std::size_t slot = first; slot < end; ++slot) {
     nodes[static_cast<std::size_t>(element.nodes[slot]) - 1].kind = kind;
   }
 }
 
-void mark_element(const MESH_ELEMENT_TYPE& element, std::vector<MESH_NODE_TYPE>& nodes) {
+void mark_element(const MESH_ELEMENT_TYPE& element, LargeArray<MESH_NODE_TYPE>& nodes) {
   switch (element.kind) {
     case 3:
       return mark_nodes(element, 0, 3, triangle_corner, nodes);
@@ -55,7 +55,7 @@ void SET_NODE_KINDS(MESH_TYPE& mesh) {
   }
 }
 
-void MARK_NODES_OF_ACTIVE_CELLS(const MESH_TYPE& mesh, const std::vector<std::int8_t>& status,
+void MARK_NODES_OF_ACTIVE_CELLS(const MESH_TYPE& mesh, std::span<const std::int8_t> status,
                                 std::vector<std::uint8_t>& counts) {
   counts.assign(mesh.nodes.size(), 0);
   const std::size_t cells = std::min(status.size(), mesh.elements.size());

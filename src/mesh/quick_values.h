@@ -1,12 +1,15 @@
-// Quick reading of the values of an ordinary line: blanks between them, digits with or without a
-// point, no exponents. That is how meshes are written, and reading them is mostly this loop over
-// digits; the general reading takes several times as long.
+// Quick reading of the values of an ordinary line: plain numbers with blanks between them. That is
+// how meshes are written, and reading them is mostly this loop over digits; the general reading
+// takes many times as long.
 #pragma once
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <system_error>
+#include <type_traits>
 
 namespace quillet {
 
@@ -18,14 +21,8 @@ class QuickValues {
   // The text must be followed by a line end or a CR.
   explicit QuickValues(const char* text) : at(text) {}
 
-  bool value(double& result) { return take_decimal(result); }
-
-  bool value(float& result) {
-    double wide = 0;
-    const bool is_ordinary = take_decimal(wide);
-    result = static_cast<float>(wide);
-    return is_ordinary && !is_midway(wide);
-  }
+  bool value(double& result) { return take_real(result); }
+  bool value(float& result) { return take_real(result); }
 
   bool value(std::int32_t& result) {
     Number number(at);
@@ -82,7 +79,8 @@ class QuickValues {
   };
 
   // Whole numbers that are held exactly make one division give the correctly rounded value.
-  bool take_decimal(double& result) {
+  template <typename Real>
+  bool take_real(Real& result) {
     Number number(at);
     std::size_t digits = number.take_digits();
     std::size_t decimals = 0;
@@ -91,11 +89,23 @@ class QuickValues {
       decimals = number.take_digits();
       digits += decimals;
     }
-    if (digits - 1 >= most_decimal_digits) return false;
+    if (digits == 0) return false;
+    if (digits > most_decimal_digits || !is_separator(*number.place)) return take_long(result);
     const double size =
         static_cast<double>(static_cast<std::int64_t>(number.digits)) / powers_of_ten[decimals];
-    result = number.is_negative ? -size : size;
+    if (std::is_same_v<Real, float> && is_midway(size)) return take_long(result);
+    result = static_cast<Real>(number.is_negative ? -size : size);
     return go_past(number);
+  }
+
+  // A number that begins with digits, with many of them or with an exponent.
+  template <typename Real>
+  bool take_long(Real& result) {
+    while (*at == ' ') ++at;
+    const char* const first = at;
+    while (!is_separator(*at)) ++at;
+    const auto [stop, error] = std::from_chars(first, at, result);
+    return stop == at && error == std::errc{};
   }
 
   bool go_past(const Number& number) {

@@ -22,7 +22,7 @@ constexpr float unread = std::numeric_limits<float>::quiet_NaN();
 
 class ElevationCardReader {
  public:
-  ElevationCardReader(const std::string& name, std::vector<float>& z, CornerArrays& corner_arrays,
+  ElevationCardReader(const std::string& name, LargeArray<float>& z, CornerArrays& corner_arrays,
                       bool with_elements)
       : file_name(name), elevations(z), corners(corner_arrays), takes_elements(with_elements) {}
 
@@ -81,13 +81,13 @@ class ElevationCardReader {
   }
 
   const std::string& file_name;
-  std::vector<float>& elevations;
+  LargeArray<float>& elevations;
   CornerArrays& corners;
   const bool takes_elements;
   std::size_t node_cards = 0;
 };
 
-void size_arrays(std::vector<float>& elevations, std::int32_t node_count, CornerArrays& corners,
+void size_arrays(LargeArray<float>& elevations, std::int32_t node_count, CornerArrays& corners,
                  std::int32_t element_count) try {
   for (auto& corner : corners) corner.assign(static_cast<std::size_t>(element_count), 0);
   elevations.assign(static_cast<std::size_t>(node_count), unread);
@@ -95,7 +95,7 @@ void size_arrays(std::vector<float>& elevations, std::int32_t node_count, Corner
   FAIL_ALLOCATION();
 }
 
-void set_missing(std::vector<float>& elevations) {
+void set_missing(LargeArray<float>& elevations) {
   for (float& elevation : elevations) {
     if (std::isnan(elevation)) elevation = no_elevation;
   }
@@ -103,7 +103,7 @@ void set_missing(std::vector<float>& elevations) {
 
 }  // namespace
 
-void READ_2DM_ELEVATIONS(const InputUnit& unit, std::vector<float>& elevations,
+void READ_2DM_ELEVATIONS(const InputUnit& unit, LargeArray<float>& elevations,
                          std::int32_t node_count, CornerArrays& corners,
                          std::optional<std::int32_t> element_count) {
   SAY("...reading .2dm file");

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/input_unit.h"
+#include "support/large_array.h"
 
 namespace quillet {
 
@@ -25,7 +26,7 @@ using CornerArrays = std::array<std::vector<std::int32_t>, 4>;
 // Ends the run at a line whose values cannot be read or are too few, at a node id above the count,
 // at an element id or a corner outside the counts, and at an id that stands twice. Warns and waits
 // when nodes are missing.
-void READ_2DM_ELEVATIONS(const InputUnit& unit, std::vector<float>& elevations,
+void READ_2DM_ELEVATIONS(const InputUnit& unit, LargeArray<float>& elevations,
                          std::int32_t node_count, CornerArrays& corners,
                          std::optional<std::int32_t> element_count);
 

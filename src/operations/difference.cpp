@@ -94,7 +94,7 @@ void warn_of_types(const OperationRun& run) {
 }
 
 void read_bed_elevations_of(const std::string& mesh_file, std::int32_t node_count,
-                            std::vector<float>& bed) {
+                            LargeArray<float>& bed) {
   CornerArrays corners;
   READ_2DM_ELEVATIONS(InputUnit(mesh_file), bed, node_count, corners, std::nullopt);
 }

@@ -21,9 +21,9 @@ constexpr double never = -99999.0;
 
 // What is folded over the intervals between output times.
 struct Interval {
-  const std::vector<float>& initial;  // at the first output time
-  const std::vector<float>& from;
-  const std::vector<float>& to;
+  const LargeArray<float>& initial;  // at the first output time
+  const LargeArray<float>& from;
+  const LargeArray<float>& to;
   double start = 0;  // hours
   double end = 0;
 };
@@ -51,13 +51,13 @@ bool read_ordinary(ResultSource& source, RES_TYPE& step) {
 void fold_output_times(OperationRun& run, const FoldInterval& fold) {
   ResultSource& source = *run.inputs.sources.front();
   RES_TYPE& step = run.work.step;
-  std::vector<std::int8_t>& active = run.work.result.cell.status;
+  LargeArray<std::int8_t>& active = run.work.result.cell.status;
   if (!read_ordinary(source, step)) {
     SAY("WARNING - No output times in " + QUOTED(source.name()));
     return;
   }
-  std::vector<float>& from = run.work.previous;
-  const std::vector<float>& initial = run.work.initial.empty() ? from : run.work.initial;
+  LargeArray<float>& from = run.work.previous;
+  const LargeArray<float>& initial = run.work.initial.empty() ? from : run.work.initial;
   from = step.nd.x;
   if (!run.work.initial.empty()) run.work.initial = step.nd.x;
   float previous_time = step.time;

@@ -40,9 +40,10 @@ void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source)
 // The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
 // Only levels of dry nodes mean nothing; every other quantity is 0 there.
 std::optional<MESH_TYPE> mesh_for_levels(const OperationRun& run) {
-  const bool is_needed =
-      run.wet_dry_test && !run.is_vector && run.inputs.types.front().is_water_level;
-  if (!is_needed) return std::nullopt;
+  const auto& types = run.inputs.types;
+  const bool has_levels = std::any_of(types.begin(), types.end(),
+                                      [](const InputType& type) { return type.is_water_level; });
+  if (!run.wet_dry_test || run.is_vector || !has_levels) return std::nullopt;
   SAY("...need to read .2dm file for _h data type");
   std::optional<std::int32_t> cell_count;
   if (run.cell_count != unknown_count) cell_count = run.cell_count;
@@ -65,11 +66,14 @@ void fold_inputs(Extreme extreme, OperationRun& run, const std::optional<MESH_TY
   std::vector<std::uint8_t> node_counts;
   RESET_RECORD(overall, INITIAL_STATUS(extreme));
   if (run.time) run.inputs.find_time(*run.time, run.tolerance);
-  std::int32_t file_number = 0;
-  for (const auto& source : run.inputs.sources) {
-    read_file_extreme(extreme, run, *source);
-    if (mesh) MARK_NODES_OF_ACTIVE_CELLS(*mesh, run.work.file.record.cell.status, node_counts);
-    FOLD_FILE(extreme, run.work.file, ++file_number, mesh ? &node_counts : nullptr, overall);
+  for (std::size_t input = 0; input < run.inputs.sources.size(); ++input) {
+    read_file_extreme(extreme, run, *run.inputs.sources[input]);
+    const bool restricted = mesh && run.inputs.types[input].is_water_level;
+    if (restricted) {
+      MARK_NODES_OF_ACTIVE_CELLS(*mesh, run.work.file.record.cell.status, node_counts);
+    }
+    FOLD_FILE(extreme, run.work.file, static_cast<std::int32_t>(input) + 1,
+              restricted ? &node_counts : nullptr, overall);
   }
 }
 

@@ -16,10 +16,10 @@ struct WorkArrays {
   RES_TYPE second_step;                   // that of the second input of a difference
   RES_TYPE result;                        // what is written, where that is not the step itself
   FileExtreme file;                       // the running maximum or minimum of one file
-  std::array<std::vector<float>, 2> bed;  // per run of a difference: bed elevations, metres
-  std::vector<float> previous;            // values at the output time before
-  std::vector<float> initial;             // values at the first output time
-  std::vector<double> hours;              // a duration or a time
+  std::array<LargeArray<float>, 2> bed;  // per run of a difference: bed elevations, metres
+  LargeArray<float> previous;            // values at the output time before
+  LargeArray<float> initial;             // values at the first output time
+  LargeArray<double> hours;              // a duration or a time
 };
 
 // What the arrays are sized for.

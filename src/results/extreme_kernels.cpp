@@ -94,9 +94,10 @@ template <typename Wins>
 }
 
 // One function per kernel, so that each is built for the machine; the test stands outside the loop.
+// Inlining loses the promises of the parameters above, so they stand here again.
 
-QUILLET_KERNEL void fold_scalars(Extreme extreme, std::int64_t count, const float* value,
-                                 float time, float* running, float* times) {
+QUILLET_KERNEL void fold_scalars(Extreme extreme, std::int64_t count, const float* __restrict value,
+                                 float time, float* __restrict running, float* __restrict times) {
   if (extreme == Extreme::maximum) {
     keep_winning_scalars<Greater>(count, value, time, running, times);
   } else {
@@ -104,9 +105,10 @@ QUILLET_KERNEL void fold_scalars(Extreme extreme, std::int64_t count, const floa
   }
 }
 
-QUILLET_KERNEL void fold_vectors(Extreme extreme, std::int64_t count, const float* x,
-                                 const float* y, float time, float* running_x, float* running_y,
-                                 float* magnitude, float* times) {
+QUILLET_KERNEL void fold_vectors(Extreme extreme, std::int64_t count, const float* __restrict x,
+                                 const float* __restrict y, float time, float* __restrict running_x,
+                                 float* __restrict running_y, float* __restrict magnitude,
+                                 float* __restrict times) {
   if (extreme == Extreme::maximum) {
     keep_winning_vectors<Greater>(count, x, y, time, running_x, running_y, magnitude, times);
   } else {
@@ -114,8 +116,9 @@ QUILLET_KERNEL void fold_vectors(Extreme extreme, std::int64_t count, const floa
   }
 }
 
-QUILLET_KERNEL void fold_statuses(Extreme extreme, std::int64_t count, const std::int8_t* status,
-                                  std::int8_t* running) {
+QUILLET_KERNEL void fold_statuses(Extreme extreme, std::int64_t count,
+                                  const std::int8_t* __restrict status,
+                                  std::int8_t* __restrict running) {
   if (extreme == Extreme::maximum) {
     keep_winning_statuses<Greater>(count, status, running);
   } else {
@@ -123,8 +126,9 @@ QUILLET_KERNEL void fold_statuses(Extreme extreme, std::int64_t count, const std
   }
 }
 
-QUILLET_KERNEL void combine_scalars(Extreme extreme, std::int64_t count, const float* value,
-                                    std::int32_t file, float* overall, std::int32_t* source) {
+QUILLET_KERNEL void combine_scalars(Extreme extreme, std::int64_t count,
+                                    const float* __restrict value, std::int32_t file,
+                                    float* __restrict overall, std::int32_t* __restrict source) {
   if (extreme == Extreme::maximum) {
     keep_winning_scalars<Greater>(count, value, file, overall, source);
   } else {
@@ -132,9 +136,11 @@ QUILLET_KERNEL void combine_scalars(Extreme extreme, std::int64_t count, const f
   }
 }
 
-QUILLET_KERNEL void combine_counted_scalars(Extreme extreme, std::int64_t count, const float* value,
-                                            const std::uint8_t* counts, std::int32_t file,
-                                            float* overall, std::int32_t* source) {
+QUILLET_KERNEL void combine_counted_scalars(Extreme extreme, std::int64_t count,
+                                            const float* __restrict value,
+                                            const std::uint8_t* __restrict counts,
+                                            std::int32_t file, float* __restrict overall,
+                                            std::int32_t* __restrict source) {
   if (extreme == Extreme::maximum) {
     keep_winning_counted_scalars<Greater>(count, value, counts, file, overall, source);
   } else {
@@ -142,9 +148,10 @@ QUILLET_KERNEL void combine_counted_scalars(Extreme extreme, std::int64_t count,
   }
 }
 
-QUILLET_KERNEL void combine_vectors(Extreme extreme, std::int64_t count, const float* x,
-                                    const float* y, const float* magnitude, std::int32_t file,
-                                    float* overall_x, float* overall_y, std::int32_t* source) {
+QUILLET_KERNEL void combine_vectors(Extreme extreme, std::int64_t count, const float* __restrict x,
+                                    const float* __restrict y, const float* __restrict magnitude,
+                                    std::int32_t file, float* __restrict overall_x,
+                                    float* __restrict overall_y, std::int32_t* __restrict source) {
   if (extreme == Extreme::maximum) {
     keep_winning_file_vectors<Greater>(count, x, y, magnitude, file, overall_x, overall_y, source);
   } else {
@@ -192,8 +199,8 @@ void ADOPT_STORED_EXTREME(float time, FileExtreme& file) {
   std::fill(file.time.begin(), file.time.end(), time);
 }
 
-void FOLD_STATUSES(Extreme extreme, const std::vector<std::int8_t>& status,
-                   std::vector<std::int8_t>& running) {
+void FOLD_STATUSES(Extreme extreme, std::span<const std::int8_t> status,
+                   std::span<std::int8_t> running) {
   fold_statuses(extreme, static_cast<std::int64_t>(running.size()), status.data(), running.data());
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "results/results_record.h"
@@ -15,8 +16,8 @@ enum class Extreme { maximum, minimum };
 // The running maximum or minimum over the output times of one file.
 struct FileExtreme {
   RES_TYPE record;
-  std::vector<float> magnitude;  // of the record's vectors; empty for scalars
-  std::vector<float> time;       // per node: hours at which the value was set
+  LargeArray<float> magnitude;  // of the record's vectors; empty for scalars
+  LargeArray<float> time;       // per node: hours at which the value was set
 };
 
 // Sizes everything for the given mesh. Ends the run when memory does not suffice.
@@ -38,8 +39,8 @@ void FOLD_OUTPUT_TIME(Extreme extreme, const RES_TYPE& step, FileExtreme& file);
 void ADOPT_STORED_EXTREME(float time, FileExtreme& file);
 
 // Folds statuses: the larger (smaller) of the absolute values.
-void FOLD_STATUSES(Extreme extreme, const std::vector<std::int8_t>& status,
-                   std::vector<std::int8_t>& running);
+void FOLD_STATUSES(Extreme extreme, std::span<const std::int8_t> status,
+                   std::span<std::int8_t> running);
 
 // Folds one file into the record over all files; nodes that it wins get its number as source.
 // With `node_counts` (one byte per node, or null for all) only nodes with a 1 take part; scalars

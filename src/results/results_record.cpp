@@ -9,7 +9,7 @@ namespace quillet {
 namespace {
 
 template <typename Value>
-void size_array(std::vector<Value>& array, std::int32_t count, Value value) {
+void size_array(LargeArray<Value>& array, std::int32_t count, Value value) {
   try {
     array.assign(static_cast<std::size_t>(count), value);
   } catch (const std::bad_alloc&) {
@@ -38,11 +38,11 @@ void SIZE_SOURCES(RES_TYPE& record) {
   size_array(record.nd.source, record.node_count, 0);
 }
 
-void SIZE_ARRAY(std::vector<float>& array, std::int32_t count) {
+void SIZE_ARRAY(LargeArray<float>& array, std::int32_t count) {
   size_array(array, count, 0.0F);
 }
 
-void SIZE_ARRAY(std::vector<double>& array, std::int32_t count) {
+void SIZE_ARRAY(LargeArray<double>& array, std::int32_t count) {
   size_array(array, count, 0.0);
 }
 

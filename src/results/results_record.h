@@ -3,21 +3,22 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+
+#include "support/large_array.h"
 
 namespace quillet {
 
 // Per node, in node order.
 struct ND_RES_TYPE {
-  std::vector<float> x;              // scalar value or x component
-  std::vector<float> y;              // y component; sized for vector data only
-  std::vector<std::int32_t> source;  // number (from 1) of the input that supplied the value; 0
-                                     // none. Sized only where sources are kept
+  LargeArray<float> x;              // scalar value or x component
+  LargeArray<float> y;              // y component; sized for vector data only
+  LargeArray<std::int32_t> source;  // number (from 1) of the input that supplied the value; 0
+                                    // none. Sized only where sources are kept
 };
 
 // Per cell, in cell order.
 struct CELL_RES_TYPE {
-  std::vector<std::int8_t> status;  // 1 = active (wet)
+  LargeArray<std::int8_t> status;  // 1 = active (wet)
 };
 
 struct RES_TYPE {
@@ -42,8 +43,8 @@ void SIZE_STATUSES(RES_TYPE& record, std::int32_t cell_count);
 void SIZE_SOURCES(RES_TYPE& record);
 
 // Sizes an array, zeroed. Ends the run when memory does not suffice.
-void SIZE_ARRAY(std::vector<float>& array, std::int32_t count);
-void SIZE_ARRAY(std::vector<double>& array, std::int32_t count);
+void SIZE_ARRAY(LargeArray<float>& array, std::int32_t count);
+void SIZE_ARRAY(LargeArray<double>& array, std::int32_t count);
 
 // Values 0.0, every cell's status `status`; sizes and sources stay.
 void RESET_RECORD(RES_TYPE& record, std::int8_t status);

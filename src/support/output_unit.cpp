@@ -47,7 +47,13 @@ OutputUnit::~OutputUnit() {
 void OutputUnit::expect_size(std::int64_t bytes) {
 #ifdef __linux__
   // The plain system call: the library's fallback would write every block.
-  if (bytes > reserved && ::fallocate(descriptor, 0, 0, bytes) == 0) reserved = bytes;
+  if (bytes <= reserved) return;
+  if (::fallocate(descriptor, 0, 0, bytes) == 0) {
+    reserved = bytes;
+  } else {
+    // What a full disk could give is given back: the guess may be too high.
+    std::ignore = ::ftruncate(descriptor, written);
+  }
 #endif
 }
 

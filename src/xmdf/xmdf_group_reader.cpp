@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace quillet {
 namespace {
@@ -16,6 +17,17 @@ void read_values(XmdfFileHeader& header, const std::string& path, std::string_vi
   FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
                         is_vector ? "VECTOR" : "SCALAR"),
             header.file_name, path, status);
+}
+
+// Every cell of a dataset without activity counts as wet, whatever other datasets of the file have.
+XfStatus read_activity(const XfGroup& group, std::int32_t output,
+                       LargeArray<std::int8_t>& statuses) {
+  std::int32_t count = 0;
+  XfStatus status = XF_GET_DATASET_NUMACTIVE(group, count);
+  if (!status.ok()) return status;
+  if (count > 0) return XF_READ_ACTIVITY_TIMESTEP(group, output, statuses);
+  std::fill(statuses.begin(), statuses.end(), std::int8_t{1});
+  return status;
 }
 
 }  // namespace
@@ -38,10 +50,7 @@ void CLOSE_XMDF_GROUP(XmdfFileHeader& header) {
 void READ_XMDF_OUTPUT(XmdfFileHeader& header, const std::string& path, std::string_view what,
                       bool is_vector, std::int32_t output, RES_TYPE& record) {
   read_values(header, path, what, is_vector, output, record);
-  if (header.cell_count == unknown_count) {
-    std::fill(record.cell.status.begin(), record.cell.status.end(), std::int8_t{1});
-  }
-  const XfStatus status = XF_READ_ACTIVITY_TIMESTEP(header.group, output, record.cell.status);
+  const XfStatus status = read_activity(header.group, output, record.cell.status);
   if (!status.ok()) {
     FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
               header.file_name, path, status);

@@ -178,6 +178,22 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
   }
 }
 
+void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
+  const XmdfDatasets& chosen = header.datasets();
+  for (const std::int32_t position :
+       {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
+    if (header.cell_count != unknown_count) return;
+    XfGroup group;
+    std::int32_t count = 0;
+    const bool tells = position != 0 &&
+                       XF_OPEN_GROUP(header.file, chosen.path(position), group).ok() &&
+                       XF_GET_DATASET_NUMACTIVE(group, count).ok() && count > 0;
+    if (!tells) continue;
+    header.cell_count = count;
+    SAY("Number of cells: " + AINTEGER(count));
+  }
+}
+
 void ReadXmdfTimeCount(XmdfFileHeader& header) {
   const XmdfDatasets& datasets = header.datasets();
   if (datasets.temporal == 0) return;

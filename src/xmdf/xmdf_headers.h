@@ -20,6 +20,10 @@ void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files);
 // dataset.
 void ReadXmdfSizes(std::vector<XmdfFileHeader>& files);
 
+// The number of cells, for a file whose first dataset has no activity, from the datasets that were
+// chosen.
+void ReadXmdfChosenCellCount(XmdfFileHeader& header);
+
 // The output times of the dataset that holds the time series, in hours; none where there is none.
 // The count and the times are read by two calls, since the caller announces what it sizes between.
 void ReadXmdfTimeCount(XmdfFileHeader& header);

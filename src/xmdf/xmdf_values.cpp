@@ -89,13 +89,14 @@ std::int32_t NearestXmdfTime(const std::vector<double>& times, float requestTime
   double least = std::numeric_limits<double>::infinity();
   for (std::size_t i = 0; i < times.size(); ++i) {
     const double difference = std::fabs(times[i] - double{requestTime});
-    if (difference >= least) continue;
+    if (!(difference < least)) continue;  // a time that is no number is never nearest
     nearest = i;
     least = difference;
   }
   if (times.empty()) return 1;
   const auto chosen = static_cast<float>(times[nearest]);
-  if (std::fabs(chosen - requestTime) - tolerance > 0) {
+  const bool is_near = std::fabs(chosen - requestTime) - tolerance <= 0;
+  if (!is_near) {
     FAIL("ERROR - Closest time " + QUOTED(AREAL(chosen)) + " is not within time search tolerance");
   }
   SAY("Found closest time: " + AREAL(chosen));

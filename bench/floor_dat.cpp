@@ -1,0 +1,399 @@
+// The floor under the operations on .dat files: one thread, large reads, a few arrays, one loop,
+// large writes, and nothing but the work. No checks and no console. The outputs are those of
+// quillet byte for byte, so the time beyond the floor's is what the rest of the program costs.
+//
+//     floor_dat [--whole] copy OUT IN
+//     floor_dat [--whole] max-scalar|max-vector OUT NAME IN            all output times but the
+//     last floor_dat [--whole] max-scalar-stored|max-vector-stored OUT NAME IN          the last
+//     alone floor_dat [--whole] max-water-level OUT NAME IN MESH floor_dat [--whole]
+//     trim-scalar|trim-vector OUT NAME IN LIMIT floor_dat [--whole] va OUT NAME IN floor_dat
+//     [--whole] dif OUT NAME IN1 IN2 floor_dat [--whole] dif-wetdry OUT NAME IN1 IN2 LEVELS1
+//     LEVELS2 MESH1 MESH2
+//
+// NAME is the name of the output's dataset. --whole reads whole arrays into ordinary pages instead
+// of pieces into huge ones.
+
+#include <cmath>
+#include <cstdio>
+#include <string_view>
+
+#include "floor_files.h"
+#include "floor_mesh_lines.h"
+#include "operations/flow_direction.h"
+
+namespace quillet_floor {
+namespace {
+
+struct Run {
+  Scheme scheme;
+  const char* output;
+  const char* dataset;
+  char** inputs;
+};
+
+// Calls work(first, count) for the pieces of all nodes.
+template <typename Work>
+void in_pieces(const Scheme& scheme, std::int64_t nodes, Work work) {
+  const std::int64_t piece = scheme.piece(nodes);
+  for (std::int64_t first = 0; first < nodes; first += piece) {
+    work(first, std::min(piece, nodes - first));
+  }
+}
+
+inline float magnitude_of(float x, float y) {
+  constexpr float negligible = 0.000001F;
+  const float length = std::sqrt(x * x + y * y);
+  const bool is_negligible = (std::fabs(x) <= negligible) & (std::fabs(y) <= negligible);
+  return is_negligible ? 0.0F : length;
+}
+
+// ---- Maximum ----
+
+void keep_larger(std::int64_t count, const float* __restrict value, float time,
+                 float* __restrict running, float* __restrict times) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    const bool wins = value[i] > running[i];
+    running[i] = wins ? value[i] : running[i];
+    times[i] = wins ? time : times[i];
+  }
+}
+
+void keep_longer(std::int64_t count, const float* __restrict pairs, float time,
+                 float* __restrict running_x, float* __restrict running_y,
+                 float* __restrict magnitude, float* __restrict times) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    const float x = pairs[2 * i];
+    const float y = pairs[2 * i + 1];
+    const float length = magnitude_of(x, y);
+    const bool wins = length > magnitude[i];
+    running_x[i] = wins ? x : running_x[i];
+    running_y[i] = wins ? y : running_y[i];
+    magnitude[i] = wins ? length : magnitude[i];
+    times[i] = wins ? time : times[i];
+  }
+}
+
+void keep_active(std::int64_t count, const std::int8_t* __restrict status,
+                 std::int8_t* __restrict running) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    const auto size = static_cast<std::int8_t>(status[i] < 0 ? -status[i] : status[i]);
+    running[i] = std::max(size, running[i]);
+  }
+}
+
+struct Maximum {
+  Maximum(const Scheme& how, const DatFile& input)
+      : scheme(how),
+        in(input),
+        piece(make_array<float>(in.components * how.piece(in.nodes), how)),
+        x(make_array<float>(in.nodes, how)),
+        times(make_array<float>(in.nodes, how)),
+        step_status(make_array<std::int8_t>(in.cells, how)),
+        status(make_array<std::int8_t>(in.cells, how)) {
+    if (in.components == 1) return;
+    y = make_array<float>(in.nodes, scheme);
+    magnitude = make_array<float>(in.nodes, scheme);
+  }
+
+  void fold(std::int64_t step, float time) {
+    in.read_statuses(step, step_status);
+    keep_active(in.cells, step_status, status);
+    in_pieces(scheme, in.nodes, [&](std::int64_t first, std::int64_t count) {
+      in.read_values(step, first, count, piece);
+      if (in.components == 1) {
+        keep_larger(count, piece, time, x + first, times + first);
+      } else {
+        keep_longer(count, piece, time, x + first, y + first, magnitude + first, times + first);
+      }
+    });
+  }
+
+  // Values, then the number of the only input where it supplied one, then the times.
+  void write(const Run& run) {
+    const float* const won = in.components == 1 ? x : magnitude;
+    DatOutput output(run.output, run.dataset, in, 3, in.components - 1);
+    output.begin_step(111111, status);
+    if (in.components == 1) {
+      output.out.write(x, in.nodes * 4);
+    } else {
+      write_pairs(output.out);
+    }
+    output.begin_step(222222, status);
+    in_pieces(scheme, in.nodes, [&](std::int64_t first, std::int64_t count) {
+      for (std::int64_t i = 0; i < count; ++i) piece[i] = won[first + i] > 0 ? 1.0F : 0.0F;
+      output.out.write(piece, count * 4);
+    });
+    output.begin_step(333333, status);
+    output.out.write(times, in.nodes * 4);
+    output.close();
+  }
+
+  void write_pairs(OutFile& out) {
+    in_pieces(scheme, in.nodes, [&](std::int64_t first, std::int64_t count) {
+      for (std::int64_t i = 0; i < count; ++i) {
+        piece[2 * i] = x[first + i];
+        piece[2 * i + 1] = y[first + i];
+      }
+      out.write(piece, count * 8);
+    });
+  }
+
+  Scheme scheme;
+  const DatFile& in;
+  float* piece;
+  float* x;
+  float* y = nullptr;
+  float* magnitude = nullptr;
+  float* times;
+  std::int8_t* step_status;
+  std::int8_t* status;
+};
+
+void fold_all_but_last(Maximum& maximum) {
+  const DatFile& in = maximum.in;
+  for (std::int64_t step = 0; step < in.times - 1; ++step) maximum.fold(step, in.time(step));
+}
+
+void run_maximum(const Run& run) {
+  const DatFile in(run.inputs[0]);
+  Maximum maximum(run.scheme, in);
+  fold_all_but_last(maximum);
+  maximum.write(run);
+}
+
+void run_stored_maximum(const Run& run) {
+  const DatFile in(run.inputs[0]);
+  Maximum maximum(run.scheme, in);
+  maximum.fold(in.times - 1, 0);
+  std::fill_n(maximum.times, in.nodes, in.time(in.times - 1));
+  maximum.write(run);
+}
+
+// Only nodes of active cells take part. The mesh is read last: then its corners need no memory.
+void run_water_level_maximum(const Run& run) {
+  const DatFile in(run.inputs[0]);
+  Maximum maximum(run.scheme, in);
+  fold_all_but_last(maximum);
+  auto* const counts = make_array<std::uint8_t>(in.nodes, run.scheme);
+  mark_active_nodes(run.inputs[1], maximum.status, counts);
+  for (std::int64_t i = 0; i < in.nodes; ++i) {
+    maximum.x[i] = counts[i] != 0 ? maximum.x[i] : 0.0F;
+  }
+  maximum.write(run);
+}
+
+// ---- Operations that write every output time ----
+
+void limit_values(float* value, std::int64_t count, float limit) {
+  for (std::int64_t i = 0; i < count; ++i) value[i] = value[i] < limit ? value[i] : limit;
+}
+
+void limit_vectors(float* pairs, std::int64_t count, float limit) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    const float x = pairs[2 * i];
+    const float y = pairs[2 * i + 1];
+    const float magnitude = magnitude_of(x, y);
+    const bool is_long = magnitude >= limit;
+    pairs[2 * i] = is_long ? x * limit / magnitude : x;
+    pairs[2 * i + 1] = is_long ? y * limit / magnitude : y;
+  }
+}
+
+void run_trim(const Run& run) {
+  const DatFile in(run.inputs[0]);
+  const auto limit = static_cast<float>(std::atof(run.inputs[1]));
+  DatOutput output(run.output, run.dataset, in, in.times, (in.components - 1) * in.times);
+  auto* const status = make_array<std::int8_t>(in.cells, run.scheme);
+  auto* const piece = make_array<float>(in.components * run.scheme.piece(in.nodes), run.scheme);
+  for (std::int64_t step = 0; step < in.times; ++step) {
+    in.read_statuses(step, status);
+    output.begin_step(in.time(step), status);
+    in_pieces(run.scheme, in.nodes, [&](std::int64_t first, std::int64_t count) {
+      in.read_values(step, first, count, piece);
+      if (in.components == 1) {
+        limit_values(piece, count, limit);
+      } else {
+        limit_vectors(piece, count, limit);
+      }
+      output.out.write(piece, count * in.value_size());
+    });
+  }
+  output.close();
+}
+
+// The kernel is the program's own, so that the last bits agree; check_flow_direction and
+// kernel_benchmarks have its speed.
+void run_flow_direction(const Run& run) {
+  const DatFile in(run.inputs[0]);
+  DatOutput output(run.output, run.dataset, in, in.times, 0);
+  const std::int64_t piece = run.scheme.piece(in.nodes);
+  auto* const status = make_array<std::int8_t>(in.cells, run.scheme);
+  auto* const pairs = make_array<float>(2 * piece, run.scheme);
+  auto* const x = make_array<float>(piece, run.scheme);
+  auto* const y = make_array<float>(piece, run.scheme);
+  for (std::int64_t step = 0; step < in.times; ++step) {
+    in.read_statuses(step, status);
+    output.begin_step(in.time(step), status);
+    in_pieces(run.scheme, in.nodes, [&](std::int64_t first, std::int64_t count) {
+      in.read_values(step, first, count, pairs);
+      for (std::int64_t i = 0; i < count; ++i) {
+        x[i] = pairs[2 * i];
+        y[i] = pairs[2 * i + 1];
+      }
+      quillet::FLOW_DIRECTION(x, y, x, count);
+      output.out.write(x, count * 4);
+    });
+  }
+  output.close();
+}
+
+// ---- Difference ----
+
+struct WetDry {
+  DatFile levels1, levels2;
+  const float* bed1;
+  const float* bed2;
+  float* piece1;
+  float* piece2;
+};
+
+void subtract_where_wet(std::int64_t count, float* __restrict v1, const float* __restrict v2,
+                        const float* __restrict level1, const float* __restrict level2,
+                        const float* __restrict bed1, const float* __restrict bed2) {
+  constexpr float wet_depth = 0.001F;
+  for (std::int64_t i = 0; i < count; ++i) {
+    const bool wet1 = bed1[i] + wet_depth < level1[i];
+    const bool wet2 = bed2[i] + wet_depth < level2[i];
+    const float wet_in_first = wet2 ? v1[i] - v2[i] : 99.0F;
+    const float dry_in_first = wet2 ? -99.0F : 0.0F;
+    v1[i] = wet1 ? wet_in_first : dry_in_first;
+  }
+}
+
+void combine_statuses(std::int64_t count, std::int8_t* __restrict first,
+                      const std::int8_t* __restrict second, bool either) {
+  if (either) {
+    for (std::int64_t i = 0; i < count; ++i) first[i] = (first[i] == 1) | (second[i] == 1);
+  } else {
+    for (std::int64_t i = 0; i < count; ++i) first[i] = (first[i] == 1) & (second[i] == 1);
+  }
+}
+
+struct Difference {
+  Difference(const Run& r)
+      : run(r),
+        in1(run.inputs[0]),
+        in2(run.inputs[1]),
+        status1(make_array<std::int8_t>(in1.cells, run.scheme)),
+        status2(make_array<std::int8_t>(in1.cells, run.scheme)),
+        piece1(make_array<float>(run.scheme.piece(in1.nodes), run.scheme)),
+        piece2(make_array<float>(run.scheme.piece(in1.nodes), run.scheme)) {}
+
+  void perform(WetDry* wet_dry) {
+    DatOutput output(run.output, run.dataset, in1, in1.times, 0);
+    for (std::int64_t step = 0; step < in1.times; ++step) {
+      in1.read_statuses(step, status1);
+      in2.read_statuses(step, status2);
+      combine_statuses(in1.cells, status1, status2, wet_dry != nullptr);
+      output.begin_step(in1.time(step), status1);
+      in_pieces(run.scheme, in1.nodes, [&](std::int64_t first, std::int64_t count) {
+        in1.read_values(step, first, count, piece1);
+        in2.read_values(step, first, count, piece2);
+        subtract(wet_dry, step, first, count);
+        output.out.write(piece1, count * 4);
+      });
+    }
+    output.close();
+  }
+
+  void subtract(WetDry* wet_dry, std::int64_t step, std::int64_t first, std::int64_t count) {
+    if (wet_dry == nullptr) {
+      for (std::int64_t i = 0; i < count; ++i) piece1[i] -= piece2[i];
+      return;
+    }
+    wet_dry->levels1.read_values(step, first, count, wet_dry->piece1);
+    wet_dry->levels2.read_values(step, first, count, wet_dry->piece2);
+    subtract_where_wet(count, piece1, piece2, wet_dry->piece1, wet_dry->piece2,
+                       wet_dry->bed1 + first, wet_dry->bed2 + first);
+  }
+
+  const Run& run;
+  DatFile in1, in2;
+  std::int8_t* status1;
+  std::int8_t* status2;
+  float* piece1;
+  float* piece2;
+};
+
+void run_difference(const Run& run) {
+  Difference(run).perform(nullptr);
+}
+
+void run_wet_dry_difference(const Run& run) {
+  Difference difference(run);
+  const std::int64_t nodes = difference.in1.nodes;
+  auto* const bed1 = make_array<float>(nodes, run.scheme);
+  auto* const bed2 = make_array<float>(nodes, run.scheme);
+  read_elevations(run.inputs[4], bed1);
+  read_elevations(run.inputs[5], bed2);
+  WetDry wet_dry{DatFile(run.inputs[2]),
+                 DatFile(run.inputs[3]),
+                 bed1,
+                 bed2,
+                 make_array<float>(run.scheme.piece(nodes), run.scheme),
+                 make_array<float>(run.scheme.piece(nodes), run.scheme)};
+  difference.perform(&wet_dry);
+}
+
+void run_copy(const Run& run) {
+  const DatFile in(run.dataset);  // it has no dataset name
+  OutFile out(run.output, in.size);
+  const std::int64_t piece = 4 * run.scheme.piece(std::int64_t{1} << 18);
+  auto* const bytes = make_array<char>(piece, run.scheme);
+  for (std::int64_t at = 0; at < in.size; at += piece) {
+    const std::int64_t count = std::min(piece, in.size - at);
+    in.read(at, bytes, count);
+    out.write(bytes, count);
+  }
+  out.close();
+}
+
+struct Mode {
+  std::string_view name;
+  int arguments;
+  void (*perform)(const Run& run);
+};
+
+constexpr Mode modes[] = {
+    {"copy", 2, run_copy},
+    {"max-scalar", 3, run_maximum},
+    {"max-vector", 3, run_maximum},
+    {"max-scalar-stored", 3, run_stored_maximum},
+    {"max-vector-stored", 3, run_stored_maximum},
+    {"max-water-level", 4, run_water_level_maximum},
+    {"trim-scalar", 4, run_trim},
+    {"trim-vector", 4, run_trim},
+    {"va", 3, run_flow_direction},
+    {"dif", 4, run_difference},
+    {"dif-wetdry", 8, run_wet_dry_difference},
+};
+
+int run_mode(int count, char** arguments) {
+  const bool is_whole = count > 1 && std::string_view(arguments[1]) == "--whole";
+  arguments += is_whole;
+  count -= is_whole;
+  for (const Mode& mode : modes) {
+    if (count != mode.arguments + 2 || mode.name != arguments[1]) continue;
+    mode.perform({{is_whole}, arguments[2], arguments[3], arguments + 4});
+    return EXIT_SUCCESS;
+  }
+  std::fputs("floor_dat [--whole] MODE OUT NAME IN..., see the head of the source\n", stderr);
+  return EXIT_FAILURE;
+}
+
+}  // namespace
+}  // namespace quillet_floor
+
+int main(int count, char** arguments) {
+  return quillet_floor::run_mode(count, arguments);
+}

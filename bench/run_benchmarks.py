@@ -1,0 +1,240 @@
+#!/usr/bin/python3
+"""Times whole runs of quillet against the floor programs, in pairs, run by run.
+
+Makes the inputs with quillet_example_model (about 1 million nodes, 60 output times) in a work folder
+and uses them again when they are there. Builds nothing. docs/benchmarks.md says what the columns mean.
+
+Exit status 1 when something does not run or the two outputs differ; never because of slowness.
+"""
+
+import argparse
+import dataclasses
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import time
+
+
+@dataclasses.dataclass(frozen=True)
+class Operation:
+    name: str
+    options: tuple  # of quillet; empty where only the floor runs
+    inputs: tuple  # read by both
+    floor_inputs: tuple = ()  # read by the floor besides; quillet finds them itself
+    small: bool = False  # worth a line in the comparison with cat
+
+
+D1, D2, V1, H1 = "run1_d.dat", "run2_d.dat", "run1_V.dat", "run1_h.dat"
+MESHES = ("run1.2dm", "run2.2dm")
+
+OPERATIONS = (
+    Operation("copy", (), (D1,)),
+    Operation("max-scalar", ("-max", "-ignore_mm"), (D1,), small=True),
+    Operation("max-vector", ("-max", "-ignore_mm"), (V1,), small=True),
+    Operation("max-scalar-stored", ("-max",), (D1,), small=True),
+    Operation("max-vector-stored", ("-max",), (V1,), small=True),
+    Operation("max-water-level", ("-max", "-ignore_mm"), (H1,), MESHES[:1], small=True),
+    Operation("trim-scalar", ("-trim2",), (D1,), ("2",), small=True),
+    Operation("trim-vector", ("-trim2",), (V1,), ("2",), small=True),
+    Operation("va", ("-va",), (V1,), small=True),
+    Operation("dif", ("-dif", "-nowetdry"), (D1, D2), small=True),
+    Operation("dif-wetdry", ("-dif",), (D1, D2), (H1, "run2_h.dat", *MESHES), small=True),
+)
+
+
+class Failure(Exception):
+    pass
+
+
+@dataclasses.dataclass
+class Measure:
+    wall: float  # seconds
+    cpu: float
+    peak: int  # bytes
+
+
+def run(command):
+    """Runs a program without a console, and measures it."""
+    devices = [(os.POSIX_SPAWN_OPEN, 0, os.devnull, os.O_RDONLY, 0),
+               (os.POSIX_SPAWN_OPEN, 1, os.devnull, os.O_WRONLY, 0)]
+    start = time.perf_counter()
+    process = os.posix_spawnp(command[0], command, os.environ, file_actions=devices)
+    _, status, usage = os.wait4(process, 0)
+    wall = time.perf_counter() - start
+    if status != 0:
+        raise Failure(f"status {status} from {' '.join(command)}")
+    return Measure(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024)
+
+
+def measured_write(command, output):
+    """A run that writes a new file, whichever program it is of."""
+    output.unlink(missing_ok=True)
+    measure = run(command)
+    if not output.exists():
+        raise Failure(f"no output from {' '.join(command)}")
+    return measure
+
+
+def paired_runs(commands, pairs):
+    """Each of the commands (with its output, or None) in turn, after one round to warm up."""
+    rounds = []
+    for _ in range(pairs + 1):
+        rounds.append([measured_write(command, output) if output else run(command)
+                       for command, output in commands])
+    return list(zip(*rounds[1:]))
+
+
+class Bench:
+    def __init__(self, options):
+        self.programs = options.build / "bin"
+        self.work = options.work
+        self.pairs = options.pairs
+        self.scheme = ["--whole"] if options.whole else []
+        nodes, times = (20_000, 60) if options.small else (options.nodes, options.times)
+        self.model = self.make_model(nodes, times)
+        with open(self.model / D1, "rb") as file:
+            header = file.read(92)
+        self.nodes = int.from_bytes(header[36:40], "little")
+        self.cells = int.from_bytes(header[44:48], "little")
+        self.outputs = {who: self.work / who / "out.dat" for who in ("floor", "quillet")}
+        for output in self.outputs.values():
+            output.parent.mkdir(exist_ok=True)
+
+    def make_model(self, nodes, times):
+        folder = self.work / f"model_{nodes}_{times}"
+        complete = folder / "complete"
+        if not complete.exists():
+            folder.mkdir(parents=True, exist_ok=True)
+            print(f"Making the model in {folder} ...", flush=True)
+            subprocess.run([self.programs / "quillet_example_model", "--nodes", str(nodes), "--times",
+                            str(times), folder], check=True, stdout=subprocess.DEVNULL)
+            complete.touch()
+        return folder
+
+    def input_files(self, operation):
+        return [str(self.model / name) for name in operation.inputs]
+
+    def quillet_command(self, operation):
+        return [str(self.programs / "quillet"), "-b", *operation.options,
+                *self.input_files(operation), "-out", str(self.outputs["quillet"])]
+
+    def floor_command(self, operation, dataset):
+        more = [str(self.model / name) if "." in name else name for name in operation.floor_inputs]
+        names = [dataset] if operation.options else []
+        return [str(self.programs / "floor_dat"), *self.scheme, operation.name,
+                str(self.outputs["floor"]), *names, *self.input_files(operation), *more]
+
+    def commands(self, operation):
+        """The floor and, where there is one, quillet. They have been seen to write the same."""
+        floor_output, quillet_output = self.outputs["floor"], self.outputs["quillet"]
+        if not operation.options:
+            return [(self.floor_command(operation, ""), floor_output)]
+        quillet = (self.quillet_command(operation), quillet_output)
+        measured_write(*quillet)
+        floor = (self.floor_command(operation, dataset_name(quillet_output)), floor_output)
+        measured_write(*floor)
+        if not same_bytes(floor_output, quillet_output):
+            raise Failure("the outputs of quillet and its floor differ")
+        return [floor, quillet]
+
+    def compare(self, operation):
+        runs = paired_runs(self.commands(operation), self.pairs)
+        floor = runs[0]
+        line = f"{operation.name:<18}{median(floor, 'wall'):>9.4f}"
+        if len(runs) == 1:
+            return line
+        quillet = runs[1]
+        ratio = statistics.median(q.wall / f.wall for f, q in zip(floor, quillet))
+        peak = max(measure.peak for measure in quillet)
+        beyond = (peak - 20e6 - 4 * self.cells) / self.nodes
+        return (f"{line}{median(quillet, 'wall'):>10.4f}{ratio:>8.2f}"
+                f"{least(quillet) / least(floor):>8.2f}"
+                f"{median(quillet, 'cpu') / median(floor, 'cpu'):>8.2f}"
+                f"{max(m.peak for m in floor) / 2**20:>11.1f}{peak / 2**20:>9.1f}{beyond:>9.1f}")
+
+    def compare_with_cat(self, operation):
+        cat = (["cat", *self.input_files(operation)], None)
+        cat, floor, quillet = paired_runs([cat, *self.commands(operation)], self.pairs)
+        beyond = statistics.median(q.wall - c.wall for c, q in zip(cat, quillet))
+        return (f"{operation.name:<18}" +
+                "".join(f"{1000 * median(runs, 'wall'):>10.1f}" for runs in (cat, floor, quillet)) +
+                f"{1000 * beyond:>14.1f}")
+
+
+HEADING = (f"{'operation':<18}{'floor s':>9}{'quillet s':>10}{'ratio':>8}{'minima':>8}{'cpu':>8}"
+           f"{'floor MiB':>11}{'MiB':>9}{'B/node':>9}")
+SMALL_HEADING = f"{'operation':<18}{'cat ms':>10}{'floor ms':>10}{'quillet ms':>10}{'beyond cat ms':>14}"
+
+
+def median(runs, quantity):
+    return statistics.median(getattr(measure, quantity) for measure in runs)
+
+
+def least(runs):
+    return min(measure.wall for measure in runs)
+
+
+def dataset_name(dat_file):
+    with open(dat_file, "rb") as file:
+        return file.read(92)[52:].decode().rstrip()
+
+
+def same_bytes(first, second):
+    if first.stat().st_size != second.stat().st_size:
+        return False
+    with open(first, "rb") as a, open(second, "rb") as b:
+        while block := a.read(1 << 20):
+            if block != b.read(1 << 20):
+                return False
+    return True
+
+
+def read_options():
+    names = [operation.name for operation in OPERATIONS]
+    root = pathlib.Path(__file__).resolve().parent.parent
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0],
+                                     epilog="operations: " + ", ".join(names))
+    parser.add_argument("operations", nargs="*", metavar="OPERATION", help="all unless given")
+    parser.add_argument("--build", type=pathlib.Path, default=root / "build" / "bench",
+                        help="build folder with the programs in bin (default build/bench)")
+    parser.add_argument("--work", type=pathlib.Path, default=pathlib.Path("/tmp/quillet-bench"),
+                        help="folder for inputs and outputs (default %(default)s)")
+    parser.add_argument("--pairs", type=int, default=9, help="pairs of runs (default %(default)s)")
+    parser.add_argument("--nodes", type=int, default=1_000_000, help="default %(default)s")
+    parser.add_argument("--times", type=int, default=60, help="output times, default %(default)s")
+    parser.add_argument("--whole", action="store_true",
+                        help="floors that read whole arrays into ordinary pages")
+    parser.add_argument("--small", action="store_true",
+                        help="20,000 nodes, compared with cat of the inputs")
+    options = parser.parse_args()
+    for name in options.operations:
+        if name not in names:
+            parser.error(f"no operation {name}; there are {', '.join(names)}")
+    return options
+
+
+def main():
+    options = read_options()
+    bench = Bench(options)
+    print(f"{bench.nodes} nodes, {bench.cells} cells, {options.pairs} pairs of runs")
+    print(SMALL_HEADING if options.small else HEADING)
+    failed = False
+    for operation in OPERATIONS:
+        chosen = operation.name in options.operations if options.operations else True
+        if not chosen or (options.small and not operation.small):
+            continue
+        try:
+            compare = bench.compare_with_cat if options.small else bench.compare
+            print(compare(operation), flush=True)
+        except (Failure, OSError) as failure:
+            failed = True
+            print(f"{operation.name:<18} {failure}", flush=True)
+    for output in bench.outputs.values():
+        output.unlink(missing_ok=True)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

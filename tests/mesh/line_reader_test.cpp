@@ -1,0 +1,65 @@
+#include "support/line_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "mesh_test_files.h"
+
+namespace quillet {
+namespace {
+
+std::vector<std::string> lines_of(std::string_view text, std::size_t width, std::size_t block) {
+  const InputUnit unit(test::text_file("lines.txt", text));
+  LineReader reader(unit, width, block);
+  std::vector<std::string> lines;
+  for (std::string_view line; reader.next(line);) lines.emplace_back(line);
+  return lines;
+}
+
+std::vector<std::string> naive_lines(const std::string& text, std::size_t width) {
+  std::vector<std::string> lines;
+  for (std::size_t start = 0; start < text.size();) {
+    const auto end = std::min(text.find('\n', start), text.size());
+    std::string line = text.substr(start, end - start);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    lines.push_back(line.substr(0, width));
+    start = end + 1;
+  }
+  return lines;
+}
+
+// Blocks that are barely larger than a line put a block's end everywhere, also inside of lines that
+// are longer than several blocks.
+TEST(LineReader, agrees_with_splitting_the_whole_text_for_any_block) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 60; ++round) {
+    std::string text;
+    const std::size_t longest = round % 3 == 0 ? 70 : 12;
+    for (int line = 0; line < 40; ++line) {
+      for (std::size_t i = random() % longest; i > 0; --i) text += static_cast<char>('a' + i % 26);
+      text += random() % 3 == 0 ? "\r\n" : "\n";
+    }
+    if (round % 2 == 0) text += "last";
+    for (const std::size_t block : {11, 12, 13, 20, 64, 1 << 20}) {
+      ASSERT_EQ(lines_of(text, 10, block), naive_lines(text, 10)) << "block " << block;
+    }
+  }
+}
+
+TEST(LineReader, rewinds_to_the_first_line_and_an_empty_file_has_none) {
+  EXPECT_TRUE(lines_of("", 10, 16).empty());
+  const InputUnit unit(test::text_file("lines.txt", "one\ntwo\n"));
+  LineReader reader(unit, 10);
+  std::string_view line;
+  while (reader.next(line)) {
+  }
+  reader.rewind();
+  EXPECT_TRUE(reader.next(line));
+  EXPECT_EQ(line, "one");
+}
+
+}  // namespace
+}  // namespace quillet
