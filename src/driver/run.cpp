@@ -5,6 +5,7 @@
 
 #include "driver/argument_parser.h"
 #include "driver/conversion_run.h"
+#include "driver/ensight_run.h"
 #include "driver/operation_choice.h"
 #include "driver/option_checks.h"
 #include "driver/output_opening.h"
@@ -95,6 +96,7 @@ constexpr Dispatch dispatches[] = {
     {Operation::dur, run_over_times<RUN_DURATION>, Ending::normal},
     {Operation::toi, run_over_times<RUN_TIME_OF_INCREASE>, Ending::normal},
     {Operation::conv, CONVERT_INPUTS, Ending::normal},
+    {Operation::ensight, EXPORT_INPUTS_TO_ENSIGHT, Ending::normal},
     {Operation::xnfo, REPORT_XMDF_INPUTS, Ending::short_path},
 };
 

@@ -1,0 +1,174 @@
+#include "ensight/dataset_plan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "ensight/ensight_names.h"
+#include "support/text.h"
+
+namespace quillet {
+namespace {
+
+// Position of the run's output time that a time is, or their number. The usual series has the run's
+// times one by one.
+std::size_t position_in(const std::vector<double>& run_times, double time, std::size_t likely,
+                        double tolerance) {
+  const auto distance = [&](std::size_t i) { return std::fabs(run_times[i] - time); };
+  if (likely < run_times.size() && distance(likely) <= tolerance) return likely;
+  std::size_t nearest = run_times.size();
+  double least = tolerance;
+  for (std::size_t i = 0; i < run_times.size(); ++i) {
+    if (!(distance(i) <= least)) continue;
+    nearest = i;
+    least = distance(i);
+  }
+  return nearest;
+}
+
+void plan_series(const std::vector<double>& times, const std::vector<double>& run_times,
+                 double tolerance, DatasetPlan& plan) {
+  std::vector<bool> is_there(run_times.size());
+  for (std::size_t output = 0; output < times.size(); ++output) {
+    const std::size_t position = position_in(run_times, times[output], output, tolerance);
+    if (position == run_times.size() || is_there[position]) {
+      ++plan.unexpected_outputs;
+      continue;
+    }
+    is_there[position] = true;
+    if (position >= largest_ensight_number) {
+      plan.has_too_many = true;
+    } else {
+      plan.outputs.push_back({output, static_cast<std::int64_t>(position) + 1});
+    }
+  }
+  const auto needed = std::min<std::size_t>(run_times.size(), largest_ensight_number);
+  if (plan.outputs.size() < needed) plan.outputs.clear();
+  plan.is_series = true;
+}
+
+void plan_single(const ResultDataset& dataset, DatasetPlan& plan) {
+  const std::size_t count = dataset.times().size();
+  if (count == 0) return;
+  plan.outputs.push_back({count - 1, 1});
+  plan.unexpected_outputs = static_cast<std::int64_t>(count) - 1;
+}
+
+// A folder that says nothing: a series when it has the run's times, else a single dataset when it
+// has one output.
+void plan_other(const EnsightRun& run, const ResultDataset& dataset,
+                const std::vector<double>& run_times, DatasetPlan& plan) {
+  DatasetPlan series = plan;
+  plan_series(dataset.times(), run_times, run.time_tolerance, series);
+  if (!series.outputs.empty()) {
+    plan = series;
+  } else if (dataset.times().size() == 1) {
+    plan_single(dataset, plan);
+  }
+}
+
+std::string own_name(const ResultDataset& dataset) {
+  return BLANK(dataset.name()) ? dataset.description() : dataset.name();
+}
+
+std::string_view prefix_of(DatasetKind kind) {
+  switch (kind) {
+    case DatasetKind::maximum:
+      return "Max_";
+    case DatasetKind::minimum:
+      return "Min_";
+    case DatasetKind::fixed:
+      return "Fixed_";
+    case DatasetKind::series:
+    case DatasetKind::special_times:
+    case DatasetKind::other:
+      return "";
+  }
+  return "";
+}
+
+// Stored extremes of a .dat file have fixed endings. Where several inputs could have one, the
+// output name says of what.
+void name_extreme(const EnsightRun& run, std::string_view ending, DatasetPlan& plan) {
+  plan.file_ending = ending;
+  if (run.inputs.size() == 1) plan.output_name = ending;
+}
+
+// False when the input's type has no times of maxima.
+bool name_times_of_maxima(const EnsightInput& input, DatasetPlan& plan) {
+  std::string_view quantity;
+  if (ASAME(input.type.type, "_h")) quantity = "h";
+  if (ASAME(input.type.type, "_v")) quantity = "V";
+  if (quantity.empty()) return false;
+  plan.output_name = "_t" + UPPERCASE(quantity) + "Max";
+  plan.file_ending = plan.output_name;
+  plan.title = plan.description = "Time of Peak " + std::string(quantity);
+  return true;
+}
+
+// False when the dataset has no place in the data set.
+bool name_dataset(const EnsightRun& run, const EnsightInput& input, const ResultDataset& dataset,
+                  DatasetPlan& plan) {
+  const std::string name = own_name(dataset);
+  plan.title = name;
+  plan.description = dataset.description();
+  plan.output_name = std::string(prefix_of(dataset.kind())) + name;
+  plan.file_ending = "_" + plan.output_name;
+  if (input.format == EnsightFormat::xmdf) return true;
+  switch (dataset.kind()) {
+    case DatasetKind::maximum:
+      name_extreme(run, "Max", plan);
+      return true;
+    case DatasetKind::minimum:
+      name_extreme(run, "Min", plan);
+      return true;
+    case DatasetKind::special_times:
+      return name_times_of_maxima(input, plan);
+    case DatasetKind::series:
+    case DatasetKind::fixed:
+    case DatasetKind::other:
+      return true;
+  }
+  return true;
+}
+
+const ResultDataset* first_dataset(const std::vector<EnsightInput>& inputs, DatasetKind kind,
+                                   std::size_t least_outputs) {
+  for (const EnsightInput& input : inputs) {
+    for (const ResultDataset* dataset : input.datasets) {
+      if (dataset->kind() == kind && dataset->times().size() >= least_outputs) return dataset;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<double> RUN_TIMES(const std::vector<EnsightInput>& inputs) {
+  const ResultDataset* dataset = first_dataset(inputs, DatasetKind::series, 1);
+  if (dataset == nullptr) dataset = first_dataset(inputs, DatasetKind::other, 2);
+  return dataset == nullptr ? std::vector<double>{} : dataset->times();
+}
+
+DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input,
+                         const ResultDataset& dataset, const std::vector<double>& run_times) {
+  DatasetPlan plan;
+  if (!name_dataset(run, input, dataset, plan)) return plan;
+  switch (dataset.kind()) {
+    case DatasetKind::series:
+      plan_series(dataset.times(), run_times, run.time_tolerance, plan);
+      return plan;
+    case DatasetKind::other:
+      plan_other(run, dataset, run_times, plan);
+      return plan;
+    case DatasetKind::maximum:
+    case DatasetKind::minimum:
+    case DatasetKind::special_times:
+    case DatasetKind::fixed:
+      plan_single(dataset, plan);
+      return plan;
+  }
+  return plan;
+}
+
+}  // namespace quillet

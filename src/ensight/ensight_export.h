@@ -1,0 +1,41 @@
+// -ensight: the results of a run as an EnSight Gold data set.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "results/input_type.h"
+#include "results/result_dataset.h"
+
+namespace quillet {
+
+enum class EnsightFormat { dat, xmdf };
+
+struct EnsightInput {
+  std::string name;
+  EnsightFormat format = EnsightFormat::dat;
+  InputType type;                        // tells what times of maxima in a .dat file are of
+  std::vector<ResultDataset*> datasets;  // in the order in which they are to be written
+};
+
+struct EnsightRun {
+  std::string output_base;  // as the naming of outputs left it
+  std::string mesh_file;
+  std::vector<EnsightInput> inputs;        // at least one
+  std::int32_t node_count = 0;             // values of a scalar output
+  std::optional<std::int32_t> cell_count;  // none when no input tells
+  bool is_finite_volume = false;
+  double time_tolerance = 0.0001;  // hours; times this near are one
+};
+
+// Reads the mesh and writes both geometry files, a variable file per dataset and output time, and
+// the case file, with console lines. The case file gets its name last, when all it points to is
+// there; an older one is removed first. Of XMDF inputs only the first is taken.
+//
+// Ends the run when .dat and XMDF inputs are mixed, when an output would replace an input, when the
+// mesh does not belong to the results, and when a file cannot be read or written.
+void EXPORT_ENSIGHT(const EnsightRun& run);
+
+}  // namespace quillet

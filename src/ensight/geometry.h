@@ -1,0 +1,24 @@
+// The mesh as an EnSight Gold geometry file, in its text and its binary form. Both move the mesh to
+// a local origin and say in a log file by how much.
+#pragma once
+
+#include <string>
+
+#include "ensight/ensight_mesh.h"
+
+namespace quillet {
+
+// Find the extents of the mesh, which stay in it, and write the mesh moved by its x and y minimum,
+// and the log file. End the run when a file cannot be written.
+//
+// The text form is the one that case files name. The binary form is a stream without record
+// markers: texts of 80 bytes, 32-bit integers, x and y as 64-bit and z as 32-bit reals, all
+// little-endian. Those mixed widths, and the part without a number, are what its readers expect;
+// general readers of EnSight Gold do not take it.
+void WRITE_ENSIGHT_GEO_TEXT(EnsightMesh& mesh, const std::string& file_name);
+void WRITE_ENSIGHT_GEO_BINARY(EnsightMesh& mesh, const std::string& file_name);
+
+// The name of a geometry file's log file.
+std::string GEOMETRY_LOG_NAME(const std::string& file_name);
+
+}  // namespace quillet

@@ -1,0 +1,111 @@
+#include <bit>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "ensight/geometry.h"
+#include "ensight/geometry_steps.h"
+#include "ensight/item_writer.h"
+#include "support/console.h"
+#include "support/output_unit.h"
+
+namespace quillet {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "the file holds little-endian numbers");
+
+constexpr std::size_t text_size = 80;
+constexpr std::int64_t size_of_node = 2 * sizeof(std::int32_t) + 2 * sizeof(double);
+
+template <typename Value>
+char* store(Value value, char* at) {
+  std::memcpy(at, &value, sizeof value);
+  return at + sizeof value;
+}
+
+class BinaryGeometry {
+ public:
+  BinaryGeometry(EnsightMesh& target, const std::string& file_name)
+      : mesh(target), out(file_name, OutputUnit::Replace::directly) {}
+
+  void write() {
+    out.expect_size(MESH_BODY_SIZE(mesh, size_of_node, sizeof(std::int32_t), sizeof(std::int32_t)));
+    text("Fortran Binary");
+    text("Converted from ORVANE output");
+    text(RESOLUTION_TEXT(mesh));
+    text("node id given");
+    text("element id given");
+    DETERMINE_EXTENTS(mesh);
+    WRITE_SHIFT_LOG(mesh, out.name());
+    write_extents();
+    text("part");
+    text("ORVANE");
+    WRITE_MESH_BODY(mesh, *this);
+    out.complete();
+  }
+
+  void write_coordinates() {
+    text("coordinates");
+    number(mesh.node_count);
+    WRITE_ITEMS(out, mesh.node_count, sizeof(std::int32_t), [](std::int64_t i, char* at) {
+      return store(static_cast<std::int32_t>(i + 1), at);
+    });
+    write_shifted(mesh.x, mesh.x_minimum);
+    write_shifted(mesh.y, mesh.y_minimum);
+    array(mesh.z);
+  }
+
+  void write_block(const ElementBlock& block) {
+    text(block.shape->name);
+    number(block.count());
+    array(block.ids);
+    array(block.nodes);
+  }
+
+ private:
+  void text(std::string_view item) {
+    std::string padded(item);
+    padded.resize(text_size, ' ');
+    out.write(padded);
+  }
+
+  template <typename Value>
+  void number(Value value) {
+    out.write(&value, sizeof value);
+  }
+
+  void write_extents() {
+    text("extents");
+    number(0.0F);
+    number(mesh.x_maximum - mesh.x_minimum);
+    number(0.0F);
+    number(mesh.y_maximum - mesh.y_minimum);
+    number(mesh.z_minimum);
+    number(mesh.z_maximum);
+  }
+
+  template <typename Value>
+  void array(const LargeArray<Value>& values) {
+    out.write(values.data(), values.size() * sizeof(Value));
+  }
+
+  void write_shifted(std::span<const double> values, double shift) {
+    WRITE_ITEMS(out, mesh.node_count, sizeof(double),
+                [shift, value = values.data()](std::int64_t i, char* at) {
+                  return store(value[i] - shift, at);
+                });
+  }
+
+  EnsightMesh& mesh;
+  OutputUnit out;
+};
+
+}  // namespace
+
+void WRITE_ENSIGHT_GEO_BINARY(EnsightMesh& mesh, const std::string& file_name) {
+  SAY("Creating Ensight Gold Geometry File (Binary): " + file_name);
+  BinaryGeometry(mesh, file_name).write();
+}
+
+}  // namespace quillet

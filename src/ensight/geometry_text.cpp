@@ -1,0 +1,110 @@
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "ensight/geometry.h"
+#include "ensight/geometry_steps.h"
+#include "ensight/item_writer.h"
+#include "support/console.h"
+#include "support/output_unit.h"
+
+namespace quillet {
+namespace {
+
+std::string_view source_text(const EnsightMesh& mesh) {
+  return mesh.fv_mesh ? "Converted from ORVANE FV .2dm file." : "Converted from ORVANE .2dm file.";
+}
+
+std::string_view output_text(const EnsightMesh& mesh) {
+  if (!mesh.fv_mesh) return RESOLUTION_TEXT(mesh);
+  return mesh.high_resolution ? "Cell Centred Output (output == dat)"
+                              : "Cell Cornered Output (output == datv)";
+}
+
+class TextGeometry {
+ public:
+  TextGeometry(EnsightMesh& target, const std::string& file_name)
+      : mesh(target), out(file_name, OutputUnit::Replace::directly) {}
+
+  void write() {
+    out.expect_size(
+        MESH_BODY_SIZE(mesh, i10_line_width + 3 * e12_5_line_width, i10_line_width + 1, i10_width));
+    line(source_text(mesh));
+    line(output_text(mesh));
+    line("node id given");
+    line("element id given");
+    DETERMINE_EXTENTS(mesh);
+    WRITE_SHIFT_LOG(mesh, out.name());
+    write_extents();
+    line("part");
+    line(I10_TEXT(1));
+    line("2D ORVANE Elements");
+    WRITE_MESH_BODY(mesh, *this);
+    out.complete();
+  }
+
+  void write_coordinates() {
+    line("coordinates");
+    line(I10_TEXT(mesh.node_count));
+    WRITE_ITEMS(out, mesh.node_count, i10_line_width, [](std::int64_t i, char* at) {
+      return end_line(WRITE_I10(static_cast<std::int32_t>(i + 1), at));
+    });
+    write_shifted(mesh.x, mesh.x_minimum);
+    write_shifted(mesh.y, mesh.y_minimum);
+    WRITE_ITEMS(
+        out, mesh.node_count, e12_5_line_width,
+        [z = mesh.z.data()](std::int64_t i, char* at) { return end_line(WRITE_E12_5(z[i], at)); });
+  }
+
+  void write_block(const ElementBlock& block) {
+    line(block.shape->name);
+    line(I10_TEXT(block.count()));
+    WRITE_ITEMS(out, block.count(), i10_line_width,
+                [ids = block.ids.data()](std::int64_t i, char* at) {
+                  return end_line(WRITE_I10(ids[i], at));
+                });
+    const auto nodes = static_cast<std::int64_t>(block.shape->slots.size());
+    WRITE_ITEMS(out, block.count(), static_cast<int>(nodes) * i10_width + 1,
+                [nodes, node = block.nodes.data()](std::int64_t i, char* at) {
+                  for (std::int64_t k = 0; k < nodes; ++k) at = WRITE_I10(node[i * nodes + k], at);
+                  return end_line(at);
+                });
+  }
+
+ private:
+  static char* end_line(char* at) {
+    *at = '\n';
+    return at + 1;
+  }
+
+  void line(std::string_view text) {
+    out.write(text);
+    out.write("\n");
+  }
+
+  void write_extents() {
+    line("extents");
+    line(E12_5_TEXT(0.0) + E12_5_TEXT(mesh.x_maximum - mesh.x_minimum));
+    line(E12_5_TEXT(0.0) + E12_5_TEXT(mesh.y_maximum - mesh.y_minimum));
+    line(E12_5_TEXT(mesh.z_minimum) + E12_5_TEXT(mesh.z_maximum));
+  }
+
+  void write_shifted(std::span<const double> values, double shift) {
+    WRITE_ITEMS(out, mesh.node_count, e12_5_line_width,
+                [shift, value = values.data()](std::int64_t i, char* at) {
+                  return end_line(WRITE_E12_5(value[i] - shift, at));
+                });
+  }
+
+  EnsightMesh& mesh;
+  OutputUnit out;
+};
+
+}  // namespace
+
+void WRITE_ENSIGHT_GEO_TEXT(EnsightMesh& mesh, const std::string& file_name) {
+  SAY("Creating Ensight Gold Geometry File: " + file_name);
+  TextGeometry(mesh, file_name).write();
+}
+
+}  // namespace quillet

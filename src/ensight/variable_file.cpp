@@ -1,0 +1,169 @@
+#include "ensight/variable_file.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <span>
+
+#include "ensight/item_writer.h"
+#include "support/console.h"
+#include "support/large_array.h"
+
+namespace quillet {
+namespace {
+
+// Values formatted at once: few enough to stay in the processor's first cache.
+constexpr std::int32_t values_per_piece = 1024;
+
+template <int corners>
+void mark_corners(const ElementBlock& block, const std::int8_t* status, std::uint8_t* wet) {
+  const std::int32_t* node = block.nodes.data();
+  const std::size_t step = static_cast<std::size_t>(block.shape->corner_step);
+  for (const std::int32_t id : block.ids) {
+    if (status[id - 1] == 1) {
+      for (std::size_t i = 0; i < corners; ++i) wet[node[i * step] - 1] = 1;
+    }
+    node += block.shape->slots.size();
+  }
+}
+
+// 1 for every node that is a corner of at least one wet cell, else 0.
+LargeArray<std::uint8_t> wet_nodes(const EnsightMesh& mesh, const RES_TYPE& record) try {
+  LargeArray<std::uint8_t> wet(static_cast<std::size_t>(mesh.node_count));
+  for (const ElementBlock& block : mesh.blocks) {
+    const auto mark = block.shape->mesh_nodes == 3 ? mark_corners<3> : mark_corners<4>;
+    mark(block, record.cell.status.data(), wet.data());
+  }
+  return wet;
+} catch (const std::bad_alloc&) {
+  FAIL_ALLOCATION();
+}
+
+float mean_of_corners(const ElementBlock& block, std::size_t element,
+                      std::span<const float> component) {
+  const std::size_t corners = block.shape->slots.size();
+  double sum = 0;
+  for (std::size_t i = 0; i < corners; ++i) {
+    sum += component[static_cast<std::size_t>(block.nodes[element * corners + i]) - 1];
+  }
+  return static_cast<float>(sum / static_cast<double>(corners));
+}
+
+float centre_value(const ElementBlock& block, std::size_t element,
+                   std::span<const float> component) {
+  if (block.centres.empty()) return mean_of_corners(block, element, component);
+  return component[static_cast<std::size_t>(block.centres[element]) - 1];
+}
+
+// Writes `count` values; take(first, piece) fills a piece with those from `first` on.
+template <typename Take>
+void write_values(OutputUnit& out, std::int32_t count, Take take) {
+  std::array<float, values_per_piece> values;
+  for (std::int32_t first = 0; first < count; first += values_per_piece) {
+    const std::int32_t at_once = std::min(values_per_piece, count - first);
+    take(first, std::span(values.data(), static_cast<std::size_t>(at_once)));
+    const auto bytes = static_cast<std::size_t>(at_once) * e12_5_line_width;
+    WRITE_E12_5_LINES(values.data(), at_once, out.room(bytes));
+    out.keep(bytes);
+  }
+}
+
+void write_node_values(OutputUnit& out, std::span<const float> component,
+                       std::span<const std::uint8_t> wet) {
+  const auto count = static_cast<std::int32_t>(wet.size());
+  write_values(out, count, [&](std::int32_t first, std::span<float> piece) {
+    const float* const value = component.data() + first;
+    const std::uint8_t* const is_wet = wet.data() + first;
+    for (std::size_t i = 0; i < piece.size(); ++i) piece[i] = is_wet[i] != 0 ? value[i] : 0.0F;
+  });
+}
+
+template <typename ValueOf>
+void write_cell_values(OutputUnit& out, const ElementBlock& block,
+                       std::span<const std::int8_t> status, ValueOf value_of) {
+  write_values(out, block.count(), [&](std::int32_t first, std::span<float> piece) {
+    auto element = static_cast<std::size_t>(first);
+    for (float& value : piece) {
+      const auto cell = static_cast<std::size_t>(block.ids[element]) - 1;
+      value = status[cell] == 1 ? value_of(element, cell) : 0.0F;
+      ++element;
+    }
+  });
+}
+
+void write_zeros(OutputUnit& out, std::int32_t count) {
+  const std::string line = E12_5_TEXT(0.0) + '\n';
+  WRITE_ITEMS(out, count, e12_5_line_width, [text = line.data()](std::int64_t, char* at) {
+    return std::copy_n(text, e12_5_line_width, at);
+  });
+}
+
+// Under one name: the values of a scalar, or the x, y and z of a vector.
+template <typename WriteComponent>
+void write_block(OutputUnit& out, std::string_view name, std::int32_t count, const RES_TYPE& record,
+                 WriteComponent write_component) {
+  out.write(name);
+  out.write("\n");
+  write_component(record.nd.x);
+  if (!record.is_vector) return;
+  write_component(record.nd.y);
+  write_zeros(out, count);
+}
+
+void write_cell_block(OutputUnit& out, const ElementBlock& block, ValuePlace place,
+                      const RES_TYPE& record) {
+  const std::span status = record.cell.status;
+  const auto write_component = [&](std::span<const float> component) {
+    if (place == ValuePlace::cells) {
+      write_cell_values(out, block, status,
+                        [&](std::size_t, std::size_t cell) { return component[cell]; });
+    } else {
+      write_cell_values(out, block, status, [&](std::size_t element, std::size_t) {
+        return centre_value(block, element, component);
+      });
+    }
+  };
+  write_block(out, block.shape->name, block.count(), record, write_component);
+}
+
+void write_node_block(OutputUnit& out, const EnsightMesh& mesh, const RES_TYPE& record) {
+  const LargeArray<std::uint8_t> wet = wet_nodes(mesh, record);
+  write_block(out, "coordinates", mesh.node_count, record,
+              [&](std::span<const float> component) { write_node_values(out, component, wet); });
+}
+
+std::int64_t main_size(const EnsightMesh& mesh, ValuePlace place, bool is_vector) {
+  std::int64_t values = place == ValuePlace::nodes ? mesh.node_count : 0;
+  if (place != ValuePlace::nodes) {
+    for (const ElementBlock& block : mesh.blocks) values += block.count();
+  }
+  return values * (is_vector ? 3 : 1) * e12_5_line_width;
+}
+
+}  // namespace
+
+ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
+                           std::int32_t value_count) {
+  if (is_finite_volume && (mesh.fv_mesh || mesh.node_count != value_count)) {
+    return ValuePlace::cells;
+  }
+  return mesh.high_resolution && !mesh.fv_mesh ? ValuePlace::centres : ValuePlace::nodes;
+}
+
+void WRITE_ENSIGHT_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
+                            const std::string& file_name, std::string_view description) {
+  SAY("Opening outfile: " + file_name);
+  OutputUnit out(file_name, OutputUnit::Replace::directly);
+  out.expect_size(main_size(mesh, place, record.is_vector));
+  out.write(description);
+  out.write("\npart\n" + I10_TEXT(1) + '\n');
+  if (place == ValuePlace::nodes) {
+    write_node_block(out, mesh, record);
+  } else {
+    for (const ElementBlock& block : mesh.blocks) write_cell_block(out, block, place, record);
+  }
+  out.complete();
+  SAY("Closing outfile: " + file_name);
+}
+
+}  // namespace quillet

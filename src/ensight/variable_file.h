@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "ensight/ensight_mesh.h"
+#include "results/results_record.h"
+
+namespace quillet {
+
+// Where the values of a variable file come from.
+enum class ValuePlace {
+  nodes,    // one per node, as the results have them
+  cells,    // one per cell, as finite-volume results have them
+  centres,  // one per cell, at its centre: 9-node meshes
+};
+
+// For results of `value_count` values. They stand in the cells when they are those of a
+// finite-volume run, unless the mesh is no finite-volume mesh and has as many nodes.
+ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
+                           std::int32_t value_count);
+
+// Writes one output time of one dataset as a text file, with console lines: the description, the
+// part, and under "coordinates" or the name of every block of elements one value to a line; for
+// vectors all x, all y and as many zeros for z under the same name.
+//
+// `record` has one value per node or, for ValuePlace::cells, per cell, and one status per cell. A
+// cell is wet when its status is 1, a node when it is a corner of a wet cell. Dry values are
+// written as 0.0. A centre's value is that of the centre node, else the mean of the corners. Ends
+// the run when the file cannot be written.
+void WRITE_ENSIGHT_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
+                            const std::string& file_name, std::string_view description);
+
+}  // namespace quillet
