@@ -44,9 +44,6 @@ bool is_stored_on_the_way(float time) {
 bool is_when_stored(float time) {
   return !(std::fabs(time - stored_when_time) > 0.01F);
 }
-bool is_marker_map(float time) {
-  return time == source_marker_time || time == when_marker_time;
-}
 
 // Whether the scan will end at stored values: then nothing else needs to be read. Looks at the
 // heads only; a file that is cut short is left to the scan to report.
@@ -82,7 +79,7 @@ void SCAN_FOR_EXTREME(DatReader& reader, Extreme extreme, bool ignore_stored, RE
   const bool takes_stored = !ignore_stored && ends_at_stored_values(reader);
   DatStep current = READ_TIME_STEP(reader);
   while (!reader.at_end() && !is_when_stored(current.time)) {
-    if (is_marker_map(current.time)) {
+    if (IS_MARKER_MAP(current.time)) {
       SAY("Skipping marker time, time found: " + AREAL(current.time));
     } else if (ignore_stored && is_stored_on_the_way(current.time)) {
       SAY(texts.passed_over);

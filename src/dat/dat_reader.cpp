@@ -13,8 +13,8 @@
 namespace quillet {
 namespace {
 
-// A file without an output time, or whose first states no statuses, does not bear out its counts; up
-// to this many, or as many as it has bytes, it is believed.
+// A file without an output time, or whose first states no statuses, does not bear out its counts;
+// up to this many, or as many as it has bytes, it is believed.
 constexpr std::int32_t largest_count_on_trust = 10'000'000;
 
 // Vectors pass through a piece that stays in the processor's cache.
@@ -87,8 +87,7 @@ DatReader::StepHead DatReader::read_head() const {
 }
 
 bool DatReader::has_vectors_at(float time) const {
-  const bool is_marker_map = time == source_marker_time || time == when_marker_time;
-  return file_header.is_vector && !(holds_marker_maps && is_marker_map);
+  return file_header.is_vector && !(holds_marker_maps && IS_MARKER_MAP(time));
 }
 
 DatReader::Extent DatReader::extent_of(const StepHead& head) const {

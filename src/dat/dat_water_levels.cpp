@@ -19,16 +19,20 @@ void DatWaterLevels::open(const RES_TYPE& shape) {
   SIZE_RECORD(step, source->node_count(), source->cell_count(), source->is_vector());
 }
 
-void DatWaterLevels::read_next(const RES_TYPE& data) {
-  source->read_values(step);
-  if (!TIMES_MATCH(step.time, data.time)) {
-    SAY("WARNING - Water level time differs from data time: " + AREAL(step.time) + " " +
-        AREAL(data.time));
-  }
+void DatWaterLevels::warn_of_other_time(const RES_TYPE& data) const {
+  if (TIMES_MATCH(step.time, data.time)) return;
+  SAY("WARNING - Water level time differs from data time: " + AREAL(step.time) + " " +
+      AREAL(data.time));
 }
 
-void DatWaterLevels::read_at_time(float time, float tolerance) {
+void DatWaterLevels::read_next(const RES_TYPE& data) {
+  source->read_values(step);
+  warn_of_other_time(data);
+}
+
+void DatWaterLevels::read_at_time(float time, float tolerance, const RES_TYPE& data) {
   source->read_at_time(time, tolerance, step);
+  warn_of_other_time(data);
 }
 
 }  // namespace quillet

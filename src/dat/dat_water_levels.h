@@ -17,10 +17,12 @@ class DatWaterLevels : public WaterLevels {
   void open(const RES_TYPE& shape) override;
   bool at_end() const override { return source->at_end(); }
   void read_next(const RES_TYPE& data) override;
-  void read_at_time(float time, float tolerance) override;
+  void read_at_time(float time, float tolerance, const RES_TYPE& data) override;
   const float* levels(const RES_TYPE&) const override { return step.nd.x.data(); }
 
  private:
+  void warn_of_other_time(const RES_TYPE& data) const;
+
   std::string file_name;
   std::optional<DatSource> source;
   RES_TYPE step;

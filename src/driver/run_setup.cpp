@@ -150,8 +150,8 @@ InputType type_of_input(const RunSetup& setup, std::size_t input) {
   const std::string& name = options.inputs[input];
   const bool is_dat = setup.input_kinds[input] == FileKind::dat;
   InputType type = is_dat ? TYPE_OF_DAT_INPUT(name) : TYPE_OF_XMDF_INPUT(options.type_code);
-  type.mesh_file =
-      options.mesh_file.value_or(is_dat ? DEFAULT_MESH_OF_DAT(name) : DEFAULT_MESH_OF_XMDF(name));
+  const std::string by_name = is_dat ? DEFAULT_MESH_OF_DAT(name) : DEFAULT_MESH_OF_XMDF(name);
+  type.mesh_file = setup.sup_mesh.value_or(options.mesh_file.value_or(by_name));
   return type;
 }
 
@@ -215,8 +215,9 @@ void SET_UP_RUN(RunSetup& setup) {
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
   choose_water_levels(setup);
   take_shape(setup);
+  const std::int32_t known_cells = std::max(setup.cell_count, 0);
   ALLOCATE_WORK_ARRAYS(
-      {setup.operation, setup.node_count, setup.cell_count, setup.is_vector, setup.wet_dry_test},
+      {setup.operation, setup.node_count, known_cells, setup.is_vector, setup.wet_dry_test},
       setup.work);
 }
 

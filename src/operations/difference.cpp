@@ -5,6 +5,7 @@
 
 #include "mesh/read_2dm_elevations.h"
 #include "operations/difference_kernel.h"
+#include "operations/output_time_loop.h"
 #include "results/time_pairing.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -23,6 +24,7 @@ struct ComparedRun {
 
   // Moves on to the next output time; false when there is none.
   bool advance() {
+    SKIP_MARKER_MAPS(source);
     if (exhausted()) return false;
     source.read_next(record);
     if (levels != nullptr) levels->read_next(record);
@@ -36,7 +38,7 @@ struct ComparedRun {
 
   void read_at_time(float time, float tolerance) {
     source.read_at_time(time, tolerance, record);
-    if (levels != nullptr) levels->read_at_time(time, tolerance);
+    if (levels != nullptr) levels->read_at_time(time, tolerance, record);
   }
 };
 

@@ -7,6 +7,7 @@
 #include "mesh/node_kinds.h"
 #include "results/special_times.h"
 #include "support/console.h"
+#include "support/numbers.h"
 
 namespace quillet {
 namespace {
@@ -31,6 +32,10 @@ void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source)
   RESET_FILE_EXTREME(extreme, file);
   if (run.time) {
     source.read_at_time(*run.time, run.tolerance, file.record);
+    if (file.record.is_vector != run.is_vector) {
+      FAIL_READING(source.name(),
+                   "expected vectors at time " + AREAL(*run.time) + ", found one value per node");
+    }
     ADOPT_STORED_EXTREME(*run.time, file);
   } else {
     source.read_extreme(extreme, run.ignore_stored, run.work.step, file);

@@ -1,5 +1,6 @@
 #include "operations/output_time_loop.h"
 
+#include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
 
@@ -14,6 +15,13 @@ void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning) {
   if (run.inputs.sources.size() > 1) SAY_APART(warning);
 }
 
+void SKIP_MARKER_MAPS(ResultSource& source) {
+  while (!source.at_end() && IS_MARKER_MAP(source.next_time())) {
+    SAY("Skipping marker time, time found: " + AREAL(source.next_time()));
+    source.pass_next();
+  }
+}
+
 void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
                           const std::function<void(RES_TYPE& step)>& change) {
   ResultSource& source = *run.inputs.sources.front();
@@ -26,7 +34,7 @@ void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
     run.output.write_time(step);
     return;
   }
-  while (!source.at_end()) {
+  for (SKIP_MARKER_MAPS(source); !source.at_end(); SKIP_MARKER_MAPS(source)) {
     source.read_next(step);
     change(step);
     run.output.write_time(step);

@@ -12,10 +12,10 @@
 namespace quillet {
 
 struct WorkArrays {
-  RES_TYPE step;                          // the output time being read
-  RES_TYPE second_step;                   // that of the second input of a difference
-  RES_TYPE result;                        // what is written, where that is not the step itself
-  FileExtreme file;                       // the running maximum or minimum of one file
+  RES_TYPE step;                         // the output time being read
+  RES_TYPE second_step;                  // that of the second input of a difference
+  RES_TYPE result;                       // what is written, where that is not the step itself
+  FileExtreme file;                      // the running maximum or minimum of one file
   std::array<LargeArray<float>, 2> bed;  // per run of a difference: bed elevations, metres
   LargeArray<float> previous;            // values at the output time before
   LargeArray<float> initial;             // values at the first output time

@@ -17,4 +17,9 @@ constexpr float minimum_marker_time = -111111.0F;  // 111111 in .dat files
 constexpr float source_marker_time = 222222.0F;    // number of the input each value came from
 constexpr float when_marker_time = 333333.0F;      // the time each value occurred
 
+// Maps beside the maxima: they are no results.
+inline bool IS_MARKER_MAP(float time) {
+  return time == source_marker_time || time == when_marker_time;
+}
+
 }  // namespace quillet

@@ -22,8 +22,8 @@ class WaterLevels {
   // Reads the levels that go with the output time that `data` holds.
   virtual void read_next(const RES_TYPE& data) = 0;
 
-  // Reads the levels of the output time that was asked for.
-  virtual void read_at_time(float time, float tolerance) = 0;
+  // Reads the levels of the output time that was asked for, to go with what `data` holds.
+  virtual void read_at_time(float time, float tolerance, const RES_TYPE& data) = 0;
 
   // One level per node; `data` is the record that the levels were read for.
   virtual const float* levels(const RES_TYPE& data) const = 0;
@@ -35,7 +35,7 @@ class OwnWaterLevels : public WaterLevels {
   void open(const RES_TYPE&) override {}
   bool at_end() const override { return false; }
   void read_next(const RES_TYPE&) override {}
-  void read_at_time(float, float) override {}
+  void read_at_time(float, float, const RES_TYPE&) override {}
   const float* levels(const RES_TYPE& data) const override { return data.nd.x.data(); }
 };
 

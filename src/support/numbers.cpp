@@ -36,7 +36,7 @@ std::optional<Real> read_real(std::string_view text) {
   const auto [stop, error] = std::from_chars(number.data(), end, value);
   if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    // Too small is zero; too large cannot be read.
+    // Too small is zero, as far as this reaches; too large cannot be read.
     long double wide = 0;
     const auto wide_error = std::from_chars(number.data(), end, wide).ec;
     if (wide_error != std::errc{} || std::fabs(wide) > 1) return std::nullopt;

@@ -63,6 +63,7 @@ void OutputUnit::write(const void* data, std::size_t size) {
     write_out(static_cast<const char*>(data), size);
     return;
   }
+  if (size == 0) return;  // the data of nothing may be nowhere
   std::memcpy(room(size), data, size);
   keep(size);
 }

@@ -15,7 +15,7 @@ void XmdfWaterLevels::open(const RES_TYPE& shape) {
   SIZE_RECORD(step, shape.node_count, shape.cell_count, false);
 }
 
-void XmdfWaterLevels::read_at_time(float time, float time_tolerance) {
+void XmdfWaterLevels::read_at_time(float time, float time_tolerance, const RES_TYPE&) {
   ReadWaterLevel(time, time_tolerance);
 }
 
