@@ -108,8 +108,8 @@ class Bench:
         if not complete.exists():
             folder.mkdir(parents=True, exist_ok=True)
             print(f"Making the model in {folder} ...", flush=True)
-            subprocess.run([self.programs / "quillet_example_model", "--nodes", str(nodes), "--times",
-                            str(times), folder], check=True, stdout=subprocess.DEVNULL)
+            subprocess.run([self.programs / "quillet_example_model", "--no-xmdf", "--nodes", str(nodes),
+                            "--times", str(times), folder], check=True, stdout=subprocess.DEVNULL)
             complete.touch()
         return folder
 

@@ -4,18 +4,20 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "dat_writer.h"
+#include "flood_history.h"
 #include "flood_mesh.h"
 #include "flood_solution.h"
 #include "flood_wave.h"
 #include "mesh_writer.h"
 #include "model_options.h"
 #include "sup_writer.h"
+#include "xmdf_results.h"
 
 namespace quillet::example {
 namespace {
@@ -23,44 +25,71 @@ namespace {
 constexpr float output_interval = 0.5f;  // h
 constexpr float stored_maxima_time = 99999.0f;
 
-using OutputSink = std::function<void(float hours, const RESULT_MAPS_TYPE& maps)>;
-
 std::vector<float> output_times(int count) {
   std::vector<float> times;
   for (int i = 0; i < count; ++i) times.push_back(static_cast<float>(i) * output_interval);
   return times;
 }
 
-// Gives the maps of all output times to `sink` in turn, at the end the stored maxima if asked for.
-void walk_outputs(const FloodSolution& solution, const SCENARIO_TYPE& scenario,
-                  const MODEL_OPTIONS_TYPE& options, const OutputSink& sink) {
-  const std::vector<float> times = output_times(options.times);
-  const std::vector<FLOOD_PROFILE_TYPE> profiles = flood_profiles(scenario, times);
-  RESULT_MAPS_TYPE maps;
-  RESULT_MAPS_TYPE maxima;
-  for (std::size_t i = 0; i < times.size(); ++i) {
-    solution.evaluate(profiles[i], maps);
-    if (options.stored_maxima) track_maxima(maps, maxima);
-    sink(times[i], maps);
+// The same results as .dat files, one quantity each.
+class DatResults {
+ public:
+  DatResults(const std::string& stem, const FloodSolution& solution)
+      : level_(stem + "_h.dat", "Water Level", false, nodes(solution), cells(solution)),
+        depth_(stem + "_d.dat", "Depth", false, nodes(solution), cells(solution)),
+        velocity_(stem + "_V.dat", "Velocity", true, nodes(solution), cells(solution)) {}
+
+  void write(float hours, const RESULT_MAPS_TYPE& maps) {
+    level_.write(hours, maps.wet, maps.level);
+    depth_.write(hours, maps.wet, maps.depth);
+    velocity_.write(hours, maps.wet, maps.velocity);
   }
-  if (options.stored_maxima) sink(stored_maxima_time, maxima);
+
+  void close() {
+    level_.close();
+    depth_.close();
+    velocity_.close();
+  }
+
+ private:
+  static std::int32_t nodes(const FloodSolution& solution) {
+    return static_cast<std::int32_t>(solution.point_count());
+  }
+  static std::int32_t cells(const FloodSolution& solution) {
+    return static_cast<std::int32_t>(solution.cell_count());
+  }
+
+  DatWriter level_;
+  DatWriter depth_;
+  DatWriter velocity_;
+};
+
+std::optional<XmdfResults> open_xmdf_results(const std::string& stem, const std::string& name,
+                                             const MODEL_OPTIONS_TYPE& options) {
+  if (!options.xmdf) return std::nullopt;
+  return XmdfResults(stem + ".xmdf", name,
+                     {options.compression, options.times, options.times_per_chunk});
 }
 
-void write_dat_results(const std::string& stem, const FloodSolution& solution,
-                       const SCENARIO_TYPE& scenario, const MODEL_OPTIONS_TYPE& options) {
-  const auto nodes = static_cast<std::int32_t>(solution.point_count());
-  const auto cells = static_cast<std::int32_t>(solution.cell_count());
-  DatWriter level(stem + "_h.dat", "Water Level", false, nodes, cells);
-  DatWriter depth(stem + "_d.dat", "Depth", false, nodes, cells);
-  DatWriter velocity(stem + "_V.dat", "Velocity", true, nodes, cells);
-  walk_outputs(solution, scenario, options, [&](float hours, const RESULT_MAPS_TYPE& maps) {
-    level.write(hours, maps.wet, maps.level);
-    depth.write(hours, maps.wet, maps.depth);
-    velocity.write(hours, maps.wet, maps.velocity);
-  });
-  level.close();
-  depth.close();
-  velocity.close();
+void write_results(const std::string& stem, const FloodSolution& solution,
+                   const SCENARIO_TYPE& scenario, const MODEL_OPTIONS_TYPE& options) {
+  const std::vector<float> times = output_times(options.times);
+  const std::vector<FLOOD_PROFILE_TYPE> profiles = flood_profiles(scenario, times);
+  DatResults dat(stem, solution);
+  std::optional<XmdfResults> xmdf = open_xmdf_results(stem, scenario.name, options);
+  RESULT_MAPS_TYPE maps;
+  FLOOD_HISTORY_TYPE history;
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    solution.evaluate(profiles[i], maps);
+    if (options.stored_maxima) track_history(times[i], output_interval, maps, history);
+    dat.write(times[i], maps);
+    if (xmdf) xmdf->write(times[i], maps);
+  }
+  if (options.stored_maxima) dat.write(stored_maxima_time, history.maxima);
+  dat.close();
+  if (!xmdf) return;
+  if (options.stored_maxima) xmdf->write_history(history);
+  xmdf->close();
 }
 
 void write_scenario(const FLOOD_MESH_TYPE& mesh, const SCENARIO_TYPE& scenario,
@@ -72,7 +101,7 @@ void write_scenario(const FLOOD_MESH_TYPE& mesh, const SCENARIO_TYPE& scenario,
   const bool at_cells = options.form == MeshForm::fv;
   const FloodSolution solution(mesh, at_cells ? cell_points(mesh, bed) : node_points(mesh, bed),
                                at_cells);
-  write_dat_results(stem, solution, scenario, options);
+  write_results(stem, solution, scenario, options);
   write_sup(stem + ".sup", name + ".2dm", {name + "_h.dat", name + "_d.dat", name + "_V.dat"});
 }
 

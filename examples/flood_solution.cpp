@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 #include "flood_terrain.h"
@@ -19,22 +20,26 @@ float between(const std::vector<float>& profile, std::int32_t station, float wei
   return value + weight * (profile[station + 1] - value);
 }
 
-float magnitude(float x, float y) {
-  return std::sqrt(x * x + y * y);
-}
-
 template <typename T>
 void keep_greater(const std::vector<T>& values, std::vector<T>& greatest) {
   for (std::size_t i = 0; i < values.size(); ++i) greatest[i] = std::max(greatest[i], values[i]);
 }
 
-void keep_faster(const std::vector<float>& velocity, std::vector<float>& fastest) {
+template <typename T>
+void keep_smaller(const std::vector<T>& values, std::vector<T>& smallest) {
+  for (std::size_t i = 0; i < values.size(); ++i) smallest[i] = std::min(smallest[i], values[i]);
+}
+
+// `wins` compares the magnitude of a velocity with that of the one kept.
+template <typename Comparison>
+void keep_velocities(const std::vector<float>& velocity, std::vector<float>& kept,
+                     Comparison wins) {
   for (std::size_t i = 0; i < velocity.size(); i += 2) {
     const float x = velocity[i];
     const float y = velocity[i + 1];
-    if (magnitude(x, y) > magnitude(fastest[i], fastest[i + 1])) {
-      fastest[i] = x;
-      fastest[i + 1] = y;
+    if (wins(magnitude(x, y), magnitude(kept[i], kept[i + 1]))) {
+      kept[i] = x;
+      kept[i + 1] = y;
     }
   }
 }
@@ -140,7 +145,22 @@ void track_maxima(const RESULT_MAPS_TYPE& maps, RESULT_MAPS_TYPE& maxima) {
   keep_greater(maps.level, maxima.level);
   keep_greater(maps.depth, maxima.depth);
   keep_greater(maps.wet, maxima.wet);
-  keep_faster(maps.velocity, maxima.velocity);
+  keep_velocities(maps.velocity, maxima.velocity, std::greater<>());
+}
+
+void track_minima(const RESULT_MAPS_TYPE& maps, RESULT_MAPS_TYPE& minima) {
+  if (minima.level.empty()) {
+    minima = maps;
+    return;
+  }
+  keep_smaller(maps.level, minima.level);
+  keep_smaller(maps.depth, minima.depth);
+  keep_smaller(maps.wet, minima.wet);
+  keep_velocities(maps.velocity, minima.velocity, std::less<>());
+}
+
+float magnitude(float x, float y) {
+  return std::sqrt(x * x + y * y);
 }
 
 }  // namespace quillet::example

@@ -65,4 +65,9 @@ class FloodSolution {
 // were ever wet, as the engine does while it runs. Empty `maxima` become a copy of `maps`.
 void track_maxima(const RESULT_MAPS_TYPE& maps, RESULT_MAPS_TYPE& maxima);
 
+// The same for the smallest values, and for cells that were always wet.
+void track_minima(const RESULT_MAPS_TYPE& maps, RESULT_MAPS_TYPE& minima);
+
+float magnitude(float x, float y);
+
 }  // namespace quillet::example

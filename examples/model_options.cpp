@@ -58,6 +58,12 @@ bool take_option(std::string_view argument, ArgumentList& rest, MODEL_OPTIONS_TY
     options.quad9 = true;
   } else if (argument == "--no-stored-maxima") {
     options.stored_maxima = false;
+  } else if (argument == "--no-xmdf") {
+    options.xmdf = false;
+  } else if (argument == "--compress") {
+    options.compression = whole_number(argument, rest.take_value(argument), 0, 9);
+  } else if (argument == "--times-per-chunk") {
+    options.times_per_chunk = whole_number(argument, rest.take_value(argument), 1, 10'000);
   } else if (argument == "--help") {
     options.help = true;
   } else if (argument.starts_with("-")) {
@@ -93,15 +99,20 @@ const char* usage_text() {
   return R"(Usage: quillet_example_model [options] [FOLDER]
 
 Writes an example flood model into FOLDER (created when missing, default "."): meshes run1.2dm and
-run2.2dm, results run1_h.dat, run1_d.dat, run1_V.dat and the same of run2, lists run1.sup, run2.sup
-and levels.sup. Run 2 has the larger flood and a raised levee.
+run2.2dm, results run1_h.dat, run1_d.dat, run1_V.dat and the same of run2, all of them once more in
+run1.xmdf and run2.xmdf, lists run1.sup, run2.sup and levels.sup. Run 2 has the larger flood and a
+raised levee.
 
   --nodes N            about N mesh nodes, 1000 to 20000000 (default 5000)
   --times T            T output times, every half hour from 0 (default 24)
-  --no-stored-maxima   leave out the last output time 99999, the maxima over all others
+  --no-stored-maxima   leave out the last output time 99999, the maxima over all others, and
+                       the maxima, minima and special times of the .xmdf files
   --header FORM        form of the .2dm files: full, pre2005 or fv (default full);
                        fv writes results at cell centres, as many nodes as cells
   --quad9              9-node instead of 4-node quadrilaterals
+  --no-xmdf            no .xmdf files
+  --compress L         deflate level of the .xmdf files, 0 to 9 (default 0, none)
+  --times-per-chunk N  output times that an .xmdf file stores together (default 1)
   --scenarios S        1 writes only run1, 2 both (default 2)
   --help               this text
 )";

@@ -16,6 +16,9 @@ struct MODEL_OPTIONS_TYPE {
   MeshForm form = MeshForm::full;
   bool quad9 = false;
   bool stored_maxima = true;
+  bool xmdf = true;
+  int compression = 0;      // deflate level; 0 is none
+  int times_per_chunk = 1;  // output times
   bool help = false;
 };
 

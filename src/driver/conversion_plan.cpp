@@ -57,6 +57,12 @@ std::string folder_of(DatasetKind kind) {
   }
 }
 
+// A dataset of the folder Times has one output, at time 0.
+std::optional<float> time_in_folder(DatasetKind kind) {
+  if (kind == DatasetKind::special_times) return 0.0F;
+  return std::nullopt;
+}
+
 // Times of maxima have names for levels and velocities only.
 std::string special_times_name(const InputType& type) {
   if (type.is_water_level) return "Time of Peak h";
@@ -105,6 +111,17 @@ struct DatPlan {
     return targets.emplace_back(ConversionTarget{name, "", {}});
   }
 
+  // Two runs in one file: which series and maximum belong together cannot be told.
+  bool stands_twice(const std::string& suffix) const {
+    constexpr std::array kinds{DatasetKind::series, DatasetKind::maximum};
+    return std::any_of(kinds.begin(), kinds.end(), [&](DatasetKind kind) {
+      return std::count_if(all.begin(), all.end(), [&](const auto& other) {
+               return other->kind() == kind &&
+                      dat_suffix(*other, is_selected_by_itself, all) == suffix;
+             }) > 1;
+    });
+  }
+
   // Adds the datasets of one kind to the targets of their types.
   void add(DatasetKind kind, std::optional<float> time) {
     for (const auto& dataset : all) {
@@ -112,6 +129,8 @@ struct DatPlan {
       const std::string suffix = dat_suffix(*dataset, is_selected_by_itself, all);
       if (suffix.empty()) {
         warn(*dataset, "is of no known type");
+      } else if (stands_twice(suffix)) {
+        warn(*dataset, "stands more than once");
       } else {
         target_named(FILENAMEPATH(input) + suffix + ".dat")
             .datasets.push_back({dataset.get(), "", dataset->name(), time});
@@ -142,7 +161,8 @@ ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& typ
     if (name.empty()) {
       DatPlan::warn(*dataset, "holds times of maximums of another data type");
     } else {
-      target.datasets.push_back({dataset.get(), folder_of(dataset->kind()), name});
+      target.datasets.push_back(
+          {dataset.get(), folder_of(dataset->kind()), name, time_in_folder(dataset->kind())});
     }
   }
   return target;

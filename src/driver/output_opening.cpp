@@ -101,7 +101,7 @@ void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_nam
     const std::string& name = setup.options.inputs[input];
     refuse(name, output_name);
     refuse(setup.inputs.types[input].mesh_file, output_name);
-    refuse(WATER_LEVEL_FILE(name), output_name);
+    if (setup.input_kinds[input] == FileKind::dat) refuse(WATER_LEVEL_FILE(name), output_name);
   }
 }
 

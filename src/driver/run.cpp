@@ -72,6 +72,7 @@ void run_velocity_angle(RunSetup& setup) {
 }
 
 void list_times(RunSetup& setup) {
+  if (setup.inputs.sources.size() > 1) SAY_APART("WARNING - Only one file for -times option");
   REFUSE_INPUT_AS_OUTPUT(setup, setup.naming.base_file_name);
   LIST_OUTPUT_TIMES(*setup.inputs.sources.front(), setup.naming.base_file_name);
 }
@@ -113,8 +114,8 @@ constexpr Dispatch dispatches[] = {
 }  // namespace
 
 void RUN_QUILLET(const std::vector<std::string>& arguments) {
-  // A console that goes away must not stop a run that is writing a file, and a file that becomes too
-  // large is an error of the write that says so.
+  // A console that goes away must not stop a run that is writing a file, and a file that becomes
+  // too large is an error of the write that says so.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   SAY_APART("Build 2020-07-AH");

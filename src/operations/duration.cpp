@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <functional>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "operations/duration_kernel.h"
 #include "operations/output_time_loop.h"
 #include "results/extreme_kernels.h"
-#include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
@@ -36,8 +37,10 @@ void fail_backwards(const ResultSource& source, float time, float previous) {
 
 // Reads the next ordinary output time; false when there is none.
 bool read_ordinary(ResultSource& source, RES_TYPE& step) {
-  while (!source.at_end() && source.next_time() > last_ordinary_time) {
-    SAY("Skipping times above 99,998, time found: " + AREAL(source.next_time()));
+  while (!source.at_end()) {
+    const std::string_view reason = WHY_NOT_ORDINARY(source.next_time());
+    if (reason.empty()) break;
+    SAY(std::string(reason) + AREAL(source.next_time()));
     source.pass_next();
   }
   if (source.at_end()) return false;

@@ -15,6 +15,12 @@ void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning) {
   if (run.inputs.sources.size() > 1) SAY_APART(warning);
 }
 
+std::string_view WHY_NOT_ORDINARY(float time) {
+  if (time > last_ordinary_time) return "Skipping times above 99,998, time found: ";
+  if (time == stored_minimum_time) return "Skipping stored minimum, time found: ";
+  return "";
+}
+
 void SKIP_MARKER_MAPS(ResultSource& source) {
   while (!source.at_end() && IS_MARKER_MAP(source.next_time())) {
     SAY("Skipping marker time, time found: " + AREAL(source.next_time()));

@@ -16,6 +16,10 @@ void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
 // used.
 void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning);
 
+// What is said of an output time that is none of the simulation (stored maxima and minima); empty
+// for ordinary ones.
+std::string_view WHY_NOT_ORDINARY(float time);
+
 // Moves past the source and time maps of an earlier maximum or minimum: they are no results.
 void SKIP_MARKER_MAPS(ResultSource& source);
 

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "operations/output_time_loop.h"
-#include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
 
@@ -77,7 +76,7 @@ void RUN_CONCATENATE(OperationRun& run) {
   bool wrote_any = false;
   float last_written = 0;
   const auto reason_to_skip = [&](float time) -> std::string_view {
-    if (time > last_ordinary_time) return "Skipping times above 99,998, time found: ";
+    if (const auto reason = WHY_NOT_ORDINARY(time); !reason.empty()) return reason;
     if (wrote_any && time <= last_written) return "Skipping time already written, time found: ";
     wrote_any = true;
     last_written = time;

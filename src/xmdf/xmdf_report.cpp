@@ -68,7 +68,9 @@ void WRITE_XMDF_REPORT(XmdfFileHeader& header, const std::string& report_name) {
     SAY("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file " + header.file_name +
         ": " + report.status.reason);
   }
+  SAY("Closing output file.");
   report.output.complete();
+  SAY("Done");
   std::ignore = XF_CLOSE_FILE(header.file);
 }
 

@@ -11,6 +11,7 @@
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/file_units.h"
+#include "support/numbers.h"
 #include "support/output_unit.h"
 #include "support/text.h"
 #include "support/vector_magnitude.h"
@@ -107,6 +108,11 @@ void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
 }
 
 void XmdfSink::write(float time, const RES_TYPE& record) {
+  // A map of sources or times in a vector .dat file holds no vectors and no magnitudes.
+  if (vector_dataset && !record.is_vector) {
+    SAY("WARNING - No vectors at time " + AREAL(time) + ", not written.");
+    return;
+  }
   if (record.is_vector) {
     write_vectors(time, record);
     magnitude.resize(static_cast<std::size_t>(record.node_count));

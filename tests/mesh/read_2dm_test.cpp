@@ -258,11 +258,11 @@ TEST(CountCards, agrees_with_a_look_at_every_line_across_blocks) {
 TEST(MarkNodesOfActiveCells, takes_all_nodes_of_cells_whose_status_is_one_either_way) {
   const MESH_TYPE mesh = load(header_line(83) + full_cards);
   std::vector<std::uint8_t> counts(9, 7);
-  MARK_NODES_OF_ACTIVE_CELLS(mesh, {0, -1}, counts);
+  MARK_NODES_OF_ACTIVE_CELLS(mesh, std::vector<std::int8_t>{0, -1}, counts);
   EXPECT_EQ(counts, (std::vector<std::uint8_t>{0, 1, 1, 0, 1}));
-  MARK_NODES_OF_ACTIVE_CELLS(mesh, {1, 2}, counts);
+  MARK_NODES_OF_ACTIVE_CELLS(mesh, std::vector<std::int8_t>{1, 2}, counts);
   EXPECT_EQ(counts, (std::vector<std::uint8_t>{1, 1, 1, 1, 0}));
-  MARK_NODES_OF_ACTIVE_CELLS(load(nine_node_mesh()), {1}, counts);
+  MARK_NODES_OF_ACTIVE_CELLS(load(nine_node_mesh()), std::vector<std::int8_t>{1}, counts);
   EXPECT_EQ(counts, std::vector<std::uint8_t>(9, 1));
 }
 

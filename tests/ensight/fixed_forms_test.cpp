@@ -1,0 +1,155 @@
+#include "ensight/fixed_forms.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quillet {
+namespace {
+
+template <typename T>
+std::string e12_5(T value) {
+  std::string text(14, '#');
+  EXPECT_EQ(WRITE_E12_5(value, text.data() + 1), text.data() + 13);
+  EXPECT_EQ(text.front(), '#');
+  EXPECT_EQ(text.back(), '#');
+  return text.substr(1, 12);
+}
+
+std::string i10(std::int32_t value) {
+  std::string text(12, '#');
+  EXPECT_EQ(WRITE_I10(value, text.data() + 1), text.data() + 11);
+  EXPECT_EQ(text.front(), '#');
+  EXPECT_EQ(text.back(), '#');
+  return text.substr(1, 10);
+}
+
+struct Example {
+  double value;
+  const char* text;
+};
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// Every value is also a 32-bit one.
+constexpr Example float_examples[] = {
+    {1234.5, " 0.12345E+04"},
+    {-0.5, "-0.50000E+00"},
+    {0.0, " 0.00000E+00"},
+    {-0.0, "-0.00000E+00"},
+    {1.0, " 0.10000E+01"},
+    {0.0999755859375, " 0.99976E-01"},
+    {-99999.0, "-0.99999E+05"},
+    // Exactly half-way: to the even digit.
+    {100.125, " 0.10012E+03"},
+    {100.375, " 0.10038E+03"},
+    {10000.5, " 0.10000E+05"},
+    {10001.5, " 0.10002E+05"},
+    {123445.0, " 0.12344E+06"},
+    {123455.0, " 0.12346E+06"},
+    {-1234550016.0, "-0.12346E+10"},  // 16 above the half
+    {1234549888.0, " 0.12345E+10"},   // 112 below
+    // Rounding that brings another digit.
+    {99999.5, " 0.10000E+06"},
+    {9.99999523162841796875, " 0.10000E+02"},
+    // The ends of the range of 32-bit reals.
+    {0x1.FFFFFEp127, " 0.34028E+39"},
+    {0x1p-126, " 0.11755E-37"},
+    {0x1p-149, " 0.14013E-44"},
+    {infinity, "    Infinity"},
+    {-infinity, "   -Infinity"},
+};
+
+constexpr Example double_examples[] = {
+    {0.1, " 0.10000E+00"},
+    {100.00499999999999, " 0.10000E+03"},
+    {100.00500000000001, " 0.10001E+03"},
+    {12345.500000000002, " 0.12346E+05"},
+    {12344.500000000002, " 0.12345E+05"},
+    {9.9999e98, " 0.99999E+99"},
+    {1.2345e99, " 0.12345+100"},
+    {-9.99996e98, "-0.10000+100"},
+    {1.0e-100, " 0.10000E-99"},
+    {-1.2345e-124, "-0.12345-123"},
+    {1.7976931348623157e308, " 0.17977+309"},
+    {4.9406564584124654e-324, " 0.49407-323"},
+};
+
+TEST(FixedForms, RealsAsWrittenByHand) {
+  for (const Example& example : float_examples) {
+    EXPECT_EQ(e12_5(static_cast<float>(example.value)), example.text);
+    EXPECT_EQ(e12_5(example.value), example.text);
+  }
+  for (const Example& example : double_examples) EXPECT_EQ(e12_5(example.value), example.text);
+  for (const float sign : {1.0F, -1.0F}) {
+    EXPECT_EQ(e12_5(std::copysign(std::numeric_limits<float>::quiet_NaN(), sign)), "         NaN");
+  }
+}
+
+// The C library's "%.4e" is exact; "1.2345e+03" and "0.12345E+04" have the same digits.
+std::string moved_from_c_form(double value) {
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "% .4e", value);
+  const int exponent = std::atoi(text.data() + 8) + 1;
+  std::array<char, 32> moved;
+  std::snprintf(moved.data(), moved.size(),
+                exponent / 100 == 0 ? "%c0.%c%.4sE%+03d" : "%c0.%c%.4s%+04d", text[0], text[1],
+                text.data() + 3, exponent);
+  return moved.data();
+}
+
+TEST(FixedForms, LinesAgreeWithTheCLibrary) {
+  std::mt19937 random(7);
+  std::vector<float> values;
+  while (values.size() < 200000) {
+    const auto pattern = static_cast<std::uint32_t>(random());
+    const auto any = std::bit_cast<float>(pattern);
+    if (std::isfinite(any) && any != 0) values.push_back(any);
+    values.push_back(static_cast<float>(pattern % 8000000 + 1) / 8);  // many ties
+  }
+  std::string lines(values.size() * 13, '#');
+  const auto count = static_cast<std::int64_t>(values.size());
+  ASSERT_EQ(WRITE_E12_5_LINES(values.data(), count, lines.data()), lines.data() + lines.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    ASSERT_EQ(lines.substr(i * 13, 13), moved_from_c_form(values[i]) + '\n') << values[i];
+  }
+}
+
+TEST(FixedForms, DoublesAgreeWithTheCLibrary) {
+  std::mt19937_64 random(8);
+  for (int i = 0; i < 50000; ++i) {
+    const auto value = std::bit_cast<double>(random());
+    if (!std::isfinite(value)) continue;
+    ASSERT_EQ(e12_5(value), moved_from_c_form(value));
+  }
+}
+
+TEST(FixedForms, Integers) {
+  EXPECT_EQ(i10(0), "         0");
+  EXPECT_EQ(i10(7), "         7");
+  EXPECT_EQ(i10(1000), "      1000");
+  EXPECT_EQ(i10(10203040), "  10203040");
+  EXPECT_EQ(i10(99999999), "  99999999");
+  EXPECT_EQ(i10(100000000), " 100000000");
+  EXPECT_EQ(i10(2147483647), "2147483647");
+  EXPECT_EQ(i10(-1), "        -1");
+  EXPECT_EQ(i10(-999999999), "-999999999");
+  EXPECT_EQ(i10(-1000000000), "**********");
+  EXPECT_EQ(i10(std::numeric_limits<std::int32_t>::min()), "**********");
+
+  const std::vector<std::int32_t> ids = {1, 20, 123456789, -5};
+  std::string lines(44, '#');
+  EXPECT_EQ(WRITE_I10_LINES(ids.data(), 4, lines.data()), lines.data() + 44);
+  EXPECT_EQ(lines, "         1\n        20\n 123456789\n        -5\n");
+}
+
+}  // namespace
+}  // namespace quillet

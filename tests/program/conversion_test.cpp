@@ -1,0 +1,283 @@
+// -conv both ways: whole files as h5py or the bytes show them, what is left out and what is
+// refused.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "dat_builder.h"
+#include "program/set_up_text.h"
+#include "program/xmdf_view.h"
+#include "program_runner.h"
+#include "xmdf_builder.h"
+
+namespace quillet::testing {
+namespace {
+
+using Names = std::vector<std::string>;
+
+constexpr DatShape shape{2, 2};
+const DatTime first{0.5F, {1, 0}, {1, 2}};
+const DatTime second{1, {0, 1}, {4, 3}};
+const DatTime stored{99999, {1, 1}, {4, 3}};
+
+std::string depths(const std::string& folder, const std::string& times) {
+  return folder + " GENERIC\n" + folder + "/Depth DATASET SCALAR m Hours\n" + times;
+}
+
+TEST(DatToXmdf, SortsOutputTimesIntoFolders) {
+  const Workspace folder;
+  const DatTime low{-99999, {0, 0}, {-1, 0}};
+  const DatTime when{99999.1F, {1, 1}, {8, 9}};
+  folder.write("run_d.dat", DAT_FILE(shape, "any", {first, stored, low, second, when}));
+  folder.write("run_h.dat", DAT_FILE(shape, "any", {when}));
+  const RunResult run = RUN(folder, WORDS("-conv -b run_d.dat run_h.dat"));
+  EXPECT_EQ(XMDF_TEXT(folder.path("run_d.xmdf")),
+            "run GENERIC\n" +
+                depths("run/Maximums",
+                       "  Times float64 1: 99999\n  Values float32 1x2: 4 3\n"
+                       "  Mins float32 1: 3\n  Maxs float32 1: 4\n  Active uint8 1x2: 1 1\n") +
+                depths("run/Minimums",
+                       "  Times float64 1: -99999\n  Values float32 1x2: -1 0\n"
+                       "  Mins float32 1: -1\n  Maxs float32 1: 0\n  Active uint8 1x2: 0 0\n") +
+                depths("run/Temporal",
+                       "  Times float64 2: 0.5 1\n  Values float32 2x2: 1 2 4 3\n"
+                       "  Mins float32 2: 1 3\n  Maxs float32 2: 2 4\n"
+                       "  Active uint8 2x2: 1 0 0 1\n"))
+      << run.output;
+  EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"any\" holds times of maximums"), 1);
+  // Found again as every dataset of times of peaks is: at time 0.
+  const RunResult peak =
+      RUN(folder, {"-k99999", "-b", "-pathTime of Peak h", "-out", "peak", "run_h.xmdf"});
+  EXPECT_NE(XMDF_TEXT(folder.path("peak.xmdf")).find("Values float32 1x2: 8 9\n"),
+            std::string::npos)
+      << peak.output;
+}
+
+TEST(DatToXmdf, NamesVectorsByTheirTypeAndUnknownsByTheirFile) {
+  const Workspace folder;
+  folder.write("a_V.dat", DAT_FILE({1, 0, true}, "v", {{2, {}, {3, -4}}}));
+  folder.write("b_v.dat", DAT_FILE({1, 0}, "v", {{2, {}, {5}}}));
+  folder.write("c_what.dat", DAT_FILE({1, 0}, "v", {{2, {}, {5}}}));
+  RUN(folder, WORDS("-conv -b a_V.dat b_v.dat c_what.dat"));
+  const std::string five =
+      " DATASET SCALAR m Hours\n  Times float64 1: 2\n"
+      "  Values float32 1x1: 5\n  Mins float32 1: 5\n  Maxs float32 1: 5\n";
+  EXPECT_EQ(XMDF_TEXT(folder.path("a_V.xmdf")),
+            "a GENERIC\na/Temporal GENERIC\n"
+            "a/Temporal/Vector Velocity DATASET VECTOR m Hours\n  Times float64 1: 2\n"
+            "  Values float32 1x1x2: 3 -4\n  Mins float32 1: 5\n  Maxs float32 1: 5\n"
+            "a/Temporal/Velocity" +
+                five);
+  EXPECT_EQ(XMDF_TEXT(folder.path("b_v.xmdf")),
+            "b GENERIC\nb/Temporal GENERIC\nb/Temporal/Velocity" + five);
+  EXPECT_EQ(XMDF_TEXT(folder.path("c_what.xmdf")),
+            "c_what GENERIC\nc_what/Temporal GENERIC\nc_what/Temporal/c_what" + five);
+}
+
+TEST(Conversion, ThereAndBackGivesTheSameBytes) {
+  const Workspace folder;
+  const std::string depth = DAT_FILE(shape, "Depth", {first, second, stored});
+  const std::string flow = DAT_FILE(
+      {2, 1, true}, "Vector Unit Flow",
+      {{0, {0}, {0, 0, 1, -1}}, {-0.0F, {1}, {3, 4, 5e-7F, 0}}, {99999, {1}, {3, 4, 1, -1}}});
+  folder.write("r_d.dat", depth);
+  folder.write("r_q.dat", flow);
+  RUN(folder, WORDS("-conv -b r_d.dat r_q.dat"));
+  RUN(folder, WORDS("-conv -b r_d.xmdf r_q.xmdf"));
+  EXPECT_TRUE(folder.read("r_d_d.dat") == depth);
+  EXPECT_TRUE(folder.read("r_q_q.dat") == flow);
+  EXPECT_EQ(folder.names(), (Names{"r_d.dat", "r_d.xmdf", "r_d_d.dat", "r_q.dat", "r_q.xmdf",
+                                   "r_q_q.dat", "r_q_q_mag.dat"}));
+}
+
+// The example model writes its .dat files with code of its own.
+TEST(Conversion, AgreesWithWhatEnginesWrite) {
+  const Workspace folder;
+  folder.write("engine/here", "");
+  const std::string model = std::string(QUILLET_EXAMPLE_MODEL) +
+                            " --nodes 1000 --times 3 --scenarios 1 " +
+                            folder.path("engine").string() + " >/dev/null";
+  ASSERT_EQ(std::system(model.c_str()), 0);
+  RUN(folder, WORDS("-conv -b -typed -out d.dat engine/run1.xmdf"));
+  RUN(folder, WORDS("-conv -b -typeV -out v.dat engine/run1.xmdf"));
+  EXPECT_TRUE(folder.read("d.dat") == folder.read("engine/run1_d.dat"));
+  constexpr std::size_t header = 92;
+  EXPECT_TRUE(folder.read("v.dat").substr(header) ==
+              folder.read("engine/run1_V.dat").substr(header));
+}
+
+void write_many(const Workspace& folder) {
+  const DatShape vectors{2, 2, true};
+  MAKE_XMDF(folder, "r.xmdf",
+            {{"r/Fixed/Bathymetry", shape, {{0, {1, 1}, {1, 2}}}},
+             {"r/Maximums/Depth", shape, {{0, {1, 1}, {4, 3}}}},
+             {"r/Minimums/Depth", shape, {{-99999, {0, 1}, {0, 0}}}},
+             {"r/Temporal/054", shape, {{0, {1, 1}, {1, 2}}}},
+             {"r/Temporal/Depth", shape, {first, second}},
+             {"r/Temporal/Mass Error %", shape, {{0, {}, {1, 2}}}},
+             {"r/Temporal/My Own", shape, {{0, {1, 1}, {1, 2}}}},
+             {"r/Temporal/Velocity", shape, {{2, {1, 0}, {5, 0}}}},
+             {"r/Temporal/Vector Velocity", vectors, {{2, {1, 0}, {3, 4, 0, 0}}}},
+             {"r/Times/Duration Above 0.1m", shape, {{0, {1, 1}, {2, 2}}}}});
+}
+
+TEST(XmdfToDat, WritesOneFilePerResultType) {
+  const Workspace folder;
+  write_many(folder);
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
+  EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_ME_.dat", "r_d.dat", "r_v.dat", "r_v_mag.dat"}))
+      << run.output;
+  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE(shape, "Depth", {first, second, stored}));
+  // No activity: every cell counts as wet.
+  EXPECT_TRUE(folder.read("r_ME_.dat") == DAT_FILE(shape, "Mass Error %", {{0, {1, 1}, {1, 2}}}));
+  EXPECT_TRUE(folder.read("r_v_mag.dat") == DAT_FILE(shape, "Velocity", {{2, {1, 0}, {5, 0}}}));
+  EXPECT_TRUE(folder.read("r_v.dat") ==
+              DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}}));
+  for (const std::string name : {"054", "My Own"}) {
+    EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" is of no known type"), 1);
+  }
+  for (const std::string name : {"Bathymetry", "Depth", "Duration Above 0.1m"}) {
+    EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" has no place"), 1);
+  }
+}
+
+struct ChosenDataset {
+  std::string arguments;
+  std::string name;
+  std::string expected;
+};
+class ChosenDatasets : public ::testing::TestWithParam<ChosenDataset> {};
+
+TEST_P(ChosenDatasets, AreWrittenAlone) {
+  const Workspace folder;
+  write_many(folder);
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf " + GetParam().arguments));
+  EXPECT_EQ(folder.names(), (Names{"r.xmdf", GetParam().name})) << run.output;
+  EXPECT_TRUE(folder.read(GetParam().name) == GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, ChosenDatasets,
+    ::testing::Values(
+        ChosenDataset{"-typed", "r_d.dat", DAT_FILE(shape, "Depth", {first, second, stored})},
+        ChosenDataset{"-typeV -out x", "x.dat",
+                      DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}})},
+        ChosenDataset{"-pathMaximums", "r_Depth.dat", DAT_FILE(shape, "Depth", {stored})},
+        ChosenDataset{"-pathMinimums", "r_Depth.dat",
+                      DAT_FILE(shape, "Depth", {{111111, {0, 1}, {0, 0}}})},
+        ChosenDataset{"-s7", "r_My_Own.dat", DAT_FILE(shape, "My Own", {{0, {1, 1}, {1, 2}}})},
+        ChosenDataset{"-v1", "r_Vector_Velocity.dat",
+                      DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}})},
+        // The name in a .dat header loses what follows its last point.
+        ChosenDataset{"-s9", "r_Duration_Above_0.1m.dat",
+                      DAT_FILE(shape, "Duration Above 0", {{0, {1, 1}, {2, 2}}})}));
+
+// Two runs in one file are not one time series; each can be chosen.
+TEST(XmdfToDat, DoesNotJoinDatasetsOfOneName) {
+  const Workspace folder;
+  const DatTime other{0.5F, {1, 1}, {9, 9}};
+  MAKE_XMDF(folder, "r.xmdf",
+            {{"run1/Temporal/Depth", shape, {other}},
+             {"run1/Temporal/Water Level", shape, {second}},
+             {"run2/Maximums/Depth", shape, {other}},
+             {"run2/Temporal/Depth", shape, {first, second}}});
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
+  EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_h.dat"})) << run.output;
+  EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"Depth\""), 3);
+  RUN(folder, WORDS("-conv -b -pathrun2/Temporal r.xmdf"));
+  EXPECT_TRUE(folder.read("r_Depth.dat") == DAT_FILE(shape, "Depth", {first, second}));
+}
+
+struct Refusal {
+  std::string arguments;
+  std::string line;
+};
+class Refusals : public ::testing::TestWithParam<Refusal> {};
+
+TEST_P(Refusals, ComeBeforeAnythingIsWritten) {
+  const Workspace folder;
+  write_many(folder);
+  MAKE_XMDF(folder, "fixed.xmdf", {{"r/Fixed/Bathymetry", shape, {first}}});
+  folder.write("a_d.dat", DAT_FILE(shape, "d", {first}));
+  folder.write("a_d.xmdf", "the engine's");
+  folder.write("r_v.dat", "the engine's");
+  folder.write("e_d.dat", DAT_FILE(shape, "d", {}));
+  folder.write("g_d.dat", DAT_FILE(shape, "d", {first}));
+  const Names before = folder.names();
+  const RunResult run = RUN(folder, WORDS("-conv -b " + GetParam().arguments));
+  EXPECT_NE(run.output.find("\n\n" + GetParam().line + "\n\nPress Enter to Close\n"),
+            std::string::npos)
+      << run.output;
+  EXPECT_EQ(folder.names(), before);
+  EXPECT_EQ(folder.read("a_d.xmdf") + folder.read("r_v.dat"), "the engine'sthe engine's");
+  EXPECT_TRUE(run.ended_well());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Refusals,
+    ::testing::Values(
+        Refusal{"a_d.dat", "ERROR - Output file already exists: \"a_d.xmdf\""},
+        Refusal{"g_d.dat ./g_d.dat g_d.dat", "ERROR - Output file already exists: \"g_d.xmdf\""},
+        Refusal{"r.xmdf", "ERROR - Output file already exists: \"r_v.dat\""},
+        Refusal{"r.xmdf -out x.dat", "ERROR - Output file already exists: \"r_v.dat\""},
+        Refusal{"fixed.xmdf fixed.xmdf", "ERROR - Nothing to convert in \"fixed.xmdf\""},
+        Refusal{"e_d.dat", "ERROR - Nothing to convert in \"e_d.dat\""},
+        Refusal{"r.xmdf -s7 -out a_d.dat -2dm a_d.dat",
+                "ERROR - Output file is also an input file: \"a_d.dat\""}));
+
+TEST(Conversion, OutNamesASingleOutput) {
+  const Workspace folder;
+  folder.write("a_d.dat", DAT_FILE(shape, "d", {first}));
+  folder.write("x.dat.xmdf", "an earlier result");
+  const RunResult one = RUN(folder, WORDS("-conv -b a_d.dat -out x.dat"));
+  EXPECT_EQ(folder.names(), (Names{"a_d.dat", "x.dat.xmdf"})) << one.output;
+  EXPECT_NE(folder.read("x.dat.xmdf"), "an earlier result");
+  folder.write("b_d.dat", DAT_FILE(shape, "d", {first}));
+  const RunResult two = RUN(folder, WORDS("-conv -b a_d.dat b_d.dat -out y"));
+  EXPECT_EQ(folder.names(), (Names{"a_d.dat", "a_d.xmdf", "b_d.dat", "b_d.xmdf", "x.dat.xmdf"}));
+  EXPECT_TRUE(
+      two.has_line("WARNING - -out option can only be used with a single output for -conv."));
+  EXPECT_TRUE(two.has_line("Specifed output name ignored."));
+}
+
+void replace(std::string& text, const std::string& old_part, const std::string& new_part) {
+  const auto at = text.find(old_part);
+  ASSERT_NE(at, std::string::npos) << old_part;
+  text.replace(at, old_part.size(), new_part);
+}
+
+TEST(Conversion, ConsoleFromDatToXmdf) {
+  const Workspace folder;
+  folder.write("a_d.dat", DAT_FILE({2, 1}, "data", {{0.5F, {1}, {1, 2}}, {99999, {1}, {1, 2}}}));
+  std::string expected = SET_UP({"-conv (convert)", {{"a_d.dat", "_d", "a.2dm"}}, {2, 1}});
+  replace(expected, "Found 1 operational flags specified.\n",
+          "Found 1 operational flags specified.\n-conv found, output name based on conversion.\n");
+  replace(expected, "\nOnly DAT inputs.\n\nUsing DAT for output type\n", "");
+  replace(expected,
+          "\nChecking that .dat and .xmdf files have same number nodes and cells...\n"
+          "\nAll files have the same number of nodes and cells.\n",
+          "");
+  EXPECT_EQ(RUN(folder, WORDS("-conv a_d.dat")).output,
+            expected +
+                "\nConverting files.\nOutput XMDF File: a_d.xmdf\n"
+                "Creating Folder: a/Temporal\nCreating scalar dataset: Depth\nDone.\nDone\n"
+                "Converting Depth at time 0.5\nDone.\n"
+                "Creating Folder: a/Maximums\nCreating scalar dataset: Depth\nDone.\nDone\n"
+                "Converting Depth at time 99999\nDone.\n"
+                "\nClosing files and exiting\n\nClosing XMDF File: a_d.xmdf\nDone.\n" +
+                end_text);
+}
+
+TEST(Conversion, ConsoleFromXmdfToDat) {
+  const Workspace folder;
+  MAKE_XMDF(folder, "r.xmdf", {{"r/Temporal/Depth", shape, {first, second}}});
+  const std::string output = RUN(folder, WORDS("-conv r.xmdf")).output;
+  EXPECT_EQ(output.substr(output.find("\nConverting files.")),
+            "\nConverting files.\nOutput .dat File: r_d.dat\nConverting Depth at time 0.5\n" +
+                FIRST_WRITE_TEXT("r_d.dat") + "Converting Depth at time 1\n" +
+                WRITE_TEXT("r_d.dat") + "\nClosing files and exiting\n\n" + closing_text +
+                end_text);
+}
+
+}  // namespace
+}  // namespace quillet::testing

@@ -1,0 +1,273 @@
+// Whole console texts and reports of runs on XMDF files, and what the wet/dry test says and does.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "xmdf_builder.h"
+
+namespace quillet::testing {
+namespace {
+
+using Times = std::vector<DatTime>;
+
+constexpr DatShape shape{3, 1, false};
+
+XmdfData depth(const std::string& path, const Times& times) {
+  return {path, shape, times};
+}
+
+const XmdfData velocity{"run1/Temporal/Vector Velocity",
+                        {3, 1, true},
+                        {{0, {1}, {0, 1, 0, 1, 0, 1}}, {0.25F, {1}, {0, 1, 0, 1, 0, 1}}}};
+
+TEST(XmdfConsole, MaximumOfTwoFilesFromStartToEnd) {
+  std::ifstream stream(std::string(QUILLET_TESTS) + "/program/expected/max_xmdf.txt");
+  const std::string expected{std::istreambuf_iterator<char>(stream), {}};
+  const Workspace folder;
+  MAKE_XMDF(folder, "a.xmdf",
+            {depth("run1/Maximums/Depth", {{99999, {1}, {7, 8, 9}}}),
+             depth("run1/Temporal/Depth", {{0, {1}, {1, 2, 3}}}), velocity});
+  MAKE_XMDF(folder, "b.xmdf", {depth("run2/Temporal/Depth", {{0, {1}, {8, 8, 8}}})});
+  const RunResult run = RUN(folder, WORDS("-max -b -typed a.xmdf b.xmdf -out r.dat -dttol0.01"));
+  EXPECT_EQ(run.output, expected);
+  EXPECT_TRUE(run.ended_well());
+}
+
+// The report of -xnfo.
+const std::string report_a =
+    "a.xmdf\n"
+    "Vector Datasets\n"
+    "Number Datasets:          1\n"
+    "run1/Temporal/Vector Velocity\n"
+    "Num Times         2\n"
+    "          0.000\n"
+    "          0.250\n"
+    "Scalar Datasets\n"
+    "Number Datasets:          2\n"
+    "run1/Maximums/Depth\n"
+    "Num Times         1\n"
+    "      99999.000\n"
+    "run1/Temporal/Depth\n"
+    "Num Times         2\n"
+    "         -1.500\n"
+    "      12345.679\n";
+const std::string report_b =
+    "in/b.xmdf\n"
+    "Scalar Datasets\n"
+    "Number Datasets:          1\n"
+    "Depth\n"
+    "Num Times         0\n";
+
+class XmdfReports : public ::testing::Test {
+ protected:
+  XmdfReports() {
+    std::filesystem::create_directories(folder.path("in"));
+    MAKE_XMDF(
+        folder, "a.xmdf",
+        {depth("run1/Maximums/Depth", {{99999, {1}, {7, 8, 9}}}),
+         depth("run1/Temporal/Depth", {{-1.5F, {1}, {1, 2, 3}}, {12345.6789F, {1}, {1, 1, 1}}}),
+         velocity});
+    MAKE_XMDF(folder, "in/b.xmdf", {depth("Depth", {})});
+  }
+
+  Workspace folder;
+};
+
+TEST_F(XmdfReports, StandBesideTheirFiles) {
+  const RunResult run = RUN(folder, WORDS("-b -xnfo a.xmdf in/b.xmdf"));
+  EXPECT_EQ(folder.read("a.xmdf_xmdf_info.txt"), report_a);
+  EXPECT_EQ(folder.read("in/b.xmdf_xmdf_info.txt"), report_b);
+  EXPECT_NE(run.output.find("\nExtracting information from .xmdf files.\n"
+                            "Getting dataset names from XMDF file \"a.xmdf\"\n"
+                            "Scalar datasets available:\n"
+                            "    1 run1/Maximums/Depth\n"
+                            "    2 run1/Temporal/Depth\n"
+                            "Vector datasets available:\n"
+                            "    1 run1/Temporal/Vector Velocity\n"
+                            "Getting dataset names from XMDF file \"in/b.xmdf\"\n"
+                            "Scalar datasets available:\n"
+                            "    1 Depth\n"
+                            "Output Text File: a.xmdf_xmdf_info.txt\n"
+                            "Extracting number of outputs for temporal data in \"a.xmdf\"\n"
+                            "Output Text File: in/b.xmdf_xmdf_info.txt\n"
+                            "Extracting number of outputs for temporal data in \"in/b.xmdf\"\n"
+                            "\nFinished.\n"),
+            std::string::npos)
+      << run.output;
+  EXPECT_TRUE(run.ended_well());
+}
+
+TEST_F(XmdfReports, OfOneFileCanBeNamed) {
+  RUN(folder, WORDS("-b -xnfo a.xmdf -out report.txt"));
+  EXPECT_EQ(folder.read("report.txt"), report_a);
+  const RunResult run = RUN(folder, WORDS("-b -xnfo a.xmdf in/b.xmdf -out both.txt"));
+  EXPECT_NE(
+      run.output.find("WARNING - -out option can only be used with a single input file for -xnfo.\n"
+                      "Specifed output name ignored.\n"),
+      std::string::npos);
+  EXPECT_FALSE(folder.has("both.txt"));
+  EXPECT_EQ(folder.read("a.xmdf_xmdf_info.txt"), report_a);
+}
+
+TEST_F(XmdfReports, AreOfXmdfFilesOnly) {
+  folder.write("c_d.dat", DAT_FILE(shape, "c", {{0, {1}, {1, 2, 3}}}));
+  const RunResult run = RUN(folder, WORDS("-b -xnfo a.xmdf c_d.dat"));
+  EXPECT_NE(
+      run.output.find(
+          "\nERROR - All files must be .xmdf files for -xnfo option.\n\nPress Enter to Close\n"),
+      std::string::npos);
+  EXPECT_FALSE(folder.has("a.xmdf_xmdf_info.txt"));
+}
+
+TEST_F(XmdfReports, HoldTheFirstThousandTimes) {
+  MAKE_XMDF(folder, "long.xmdf", {{"Depth", {1, 0}, Times(1001, {4, {}, {0}})}},
+            {.chunk_times = 1001});
+  const RunResult run = RUN(folder, WORDS("-b -xnfo long.xmdf"));
+  EXPECT_EQ(run.count_lines_with("ERROR - Maximum of 1000 output times for xnfo option."), 1);
+  std::string expected =
+      "long.xmdf\nScalar Datasets\nNumber Datasets:          1\nDepth\n"
+      "Num Times      1001\n";
+  for (int i = 0; i < 1000; ++i) expected += "          4.000\n";
+  EXPECT_EQ(folder.read("long.xmdf_xmdf_info.txt"), expected);
+}
+
+TEST_F(XmdfReports, LeaveOutWhatCannotBeRead) {
+  {
+    const XfFileHandle file(H5Fopen(folder.path("in/b.xmdf").c_str(), H5F_ACC_RDWR, H5P_DEFAULT));
+    H5Ldelete(file.get(), "Depth/Times", H5P_DEFAULT);
+  }
+  const RunResult run = RUN(folder, WORDS("-b -xnfo in/b.xmdf"));
+  EXPECT_TRUE(
+      run.has_line("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file in/b.xmdf: "
+                   "Times is missing"));
+  EXPECT_TRUE(run.has_line("Finished."));
+}
+
+// A difference of depths, wet and dry told by the water levels in the same files. Bed 10. Nodes:
+// wet in both runs, in the first only, in the second only.
+class XmdfWetDry : public ::testing::Test {
+ protected:
+  XmdfWetDry() {
+    const std::string mesh = "MESH2D\nND 1 0 0 10\nND 2 1 0 10\nND 3 1 1 10\nE3T 1 1 2 3 1\n";
+    folder.write("a.2dm", mesh);
+    folder.write("b.2dm", mesh);
+    make("a.xmdf", levels_a);
+    make("b.xmdf", levels_b);
+  }
+
+  void make(const std::string& name, const std::vector<float>& levels, float hours = 0.5F) const {
+    MAKE_XMDF(folder, name,
+              {depth("run/Temporal/Depth", {{hours, {name == "a.xmdf"}, {3, 2, 1}}}),
+               depth("run/Maximums/Water Level", {{99999, {1}, levels}}),
+               depth("run/Temporal/Water Level", {{0, {1}, {0, 0, 0}}, {0.5F, {1}, levels}})});
+  }
+
+  void expect_difference(const std::vector<float>& values, float hours = 0.5F) const {
+    const Times written = READ_XMDF(folder, "out.xmdf", "Difference/Temporal/diff_a - b");
+    ASSERT_EQ(written.size(), 1U);
+    EXPECT_EQ(written[0].time, hours);
+    EXPECT_EQ(written[0].values, values);
+    EXPECT_EQ(written[0].statuses, std::vector<int>{1});
+  }
+
+  RunResult run_difference(const std::string& more) const {
+    return RUN(folder, WORDS("-b -dif -typed a.xmdf b.xmdf -out out.xmdf " + more));
+  }
+
+  const std::vector<float> levels_a{12, 12, 10};
+  const std::vector<float> levels_b{11, 10, 12};
+  Workspace folder;
+};
+
+std::string search_text(const std::string& name) {
+  return "Searching for water level datasets in " + name +
+         "\nFound: \"run/Maximums/Water Level\"\nFound: \"run/Temporal/Water Level\"\n";
+}
+
+std::string reading_text(const std::string& name) {
+  return "Getting data from: " + name +
+         "\nGetting data from group: run/Temporal/Depth\nOpening Group.\nDone.\n"
+         "Reading scalar data at timestep 1\nProcessing final timestep... closing group\nDone\n"
+         "Finished getting data\nUsing /Temporal/ folder.\nFound closest time: 0.5\n"
+         "Getting data from: " +
+         name +
+         "\nGetting data from group: run/Temporal/Water Level\nOpening Group.\n"
+         "Reading scalar data at timestep 2\nProcessing final timestep... closing group\n"
+         "Finished getting water level data\n";
+}
+
+TEST_F(XmdfWetDry, IsToldByTheWaterLevelsOfTheSameFile) {
+  const RunResult run = run_difference("");
+  expect_difference({0, 99, -99});
+  const std::string expected =
+      "Allocating secondary arrays for results storage.\nDone.\n"
+      "...need to also read .2dm files\n...reading .2dm file\n...reading .2dm file\n"
+      "Finished reading .2dm files.\n...need to read water level data.\n"
+      "Allocating water level arrays.\n...need to also read first _h.dat file\n" +
+      search_text("a.xmdf") + "...need to also read second _h.dat file\n" + search_text("b.xmdf") +
+      reading_text("a.xmdf") + reading_text("b.xmdf") +
+      "Processing difference results.\nCreating Folder: Difference/Temporal\n"
+      "Creating scalar dataset: diff_a - b\nDone.\nDone\nDone.\n"
+      "Closing files and exiting\nClosing XMDF File: out.xmdf\nDone.\n";
+  ASSERT_GT(run.output.size(), expected.size());
+  EXPECT_EQ(run.output.substr(run.output.size() - expected.size()), expected);
+}
+
+// The data are taken at exactly 99999, the levels within the tolerance of it.
+TEST_F(XmdfWetDry, TakesMaximumLevelsWithinTheTolerance) {
+  constexpr float hours = 99999.0078125F;
+  make("a.xmdf", levels_a, hours);
+  make("b.xmdf", levels_b, hours);
+  const RunResult run = run_difference("-t99999.008 -dttol0.01");
+  EXPECT_EQ(run.count_lines_with("Using /Maximums/ folder."), 2);
+  const Times written = READ_XMDF(folder, "out.xmdf", "Difference/Maximums/diff_a - b");
+  ASSERT_EQ(written.size(), 1U);
+  EXPECT_EQ(written[0].time, hours);
+  EXPECT_EQ(written[0].values, (std::vector<float>{0, 99, -99}));
+}
+
+TEST_F(XmdfWetDry, HasNoMinimumsOrTimes) {
+  MAKE_XMDF(folder, "a.xmdf",
+            {depth("run/Minimums/Depth", {{-99999, {1}, {1, 2, 3}}}),
+             depth("run/Temporal/Depth", {{99999.109375F, {1}, {1, 2, 3}}}),
+             depth("run/Temporal/Water Level", {{0, {1}, {1, 2, 3}}})});
+  std::filesystem::copy_file(folder.path("a.xmdf"), folder.path("c.xmdf"));
+  RunResult run = RUN(folder, WORDS("-b -dif -typed a.xmdf c.xmdf -t-99999 -2dm a.2dm"));
+  EXPECT_TRUE(run.has_line("ERROR - Minimums data not supported for difference."));
+  run = RUN(folder, WORDS("-b -dif -typed a.xmdf c.xmdf -t99999.109375 -dttol0.05 -2dm a.2dm"));
+  EXPECT_TRUE(run.has_line("ERROR - Times data not supported for difference."));
+  EXPECT_TRUE(run.has_line("Warning - No maximum water level dataset found for file: a.xmdf"));
+}
+
+TEST_F(XmdfWetDry, NeedsLevelsAtTheTimesOfTheData) {
+  make("a.xmdf", levels_a, 0.75F);
+  const RunResult run = run_difference("");
+  EXPECT_NE(
+      run.output.find("Using /Temporal/ folder.\n\nERROR - Closest time \"0.5\" is not within "
+                      "time search tolerance\n\nPress Enter to Close\n"),
+      std::string::npos)
+      << run.output;
+  EXPECT_FALSE(folder.has("out.xmdf"));
+}
+
+TEST_F(XmdfWetDry, NeedsLevels) {
+  MAKE_XMDF(folder, "b.xmdf", {depth("run/Temporal/Depth", {{0.5F, {0}, {3, 1, 1}}})});
+  const RunResult run = run_difference("");
+  EXPECT_NE(run.output.find(
+                "Searching for water level datasets in b.xmdf\n"
+                "Warning - No maximum water level dataset found for file: b.xmdf\n"
+                "Warning - No temporal water level dataset found for file: b.xmdf\n"
+                "\nERROR - Required water level data could not be found in b.xmdf\n"
+                "To supress this, specify the input flag: \"-nowetdry\"\n\nPress Enter to Close\n"),
+            std::string::npos)
+      << run.output;
+  run_difference("-nowetdry");
+  const Times written = READ_XMDF(folder, "out.xmdf", "Difference/Temporal/diff_a - b");
+  ASSERT_EQ(written.size(), 1U);
+  EXPECT_EQ(written[0].values, (std::vector<float>{0, 1, 0}));
+  EXPECT_EQ(written[0].statuses, std::vector<int>{0});
+}
+
+}  // namespace
+}  // namespace quillet::testing

@@ -1,0 +1,155 @@
+// The same data as .dat and as XMDF: runs on either give equal numbers.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "xmdf_builder.h"
+
+namespace quillet::testing {
+namespace {
+
+// A map of a .dat output and the dataset that holds the same in an XMDF output.
+struct SameMap {
+  std::string path;
+  float marker;  // its time in the .dat file; 0: the same times
+};
+
+struct SameRun {
+  std::string operation;
+  std::string dat_inputs;
+  std::string xmdf_inputs;  // with the selection
+  bool has_stored;
+  std::string dat_name;  // in the header of the .dat output
+  bool is_vector;
+  std::vector<SameMap> maps;
+};
+
+// The second parameter: how the example model stores its XMDF files.
+class SameNumbers : public ::testing::TestWithParam<std::tuple<SameRun, std::string>> {
+ protected:
+  void make_model(bool has_stored) const {
+    const std::string command =
+        std::string(QUILLET_EXAMPLE_MODEL) + " --nodes 1000 --times 7 " + std::get<1>(GetParam()) +
+        (has_stored ? " " : " --no-stored-maxima ") + folder.path().string() + " > /dev/null";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+  }
+
+  Workspace folder;
+};
+
+std::int32_t count_in(const std::string& dat, std::size_t place) {
+  std::int32_t count = 0;
+  std::memcpy(&count, dat.data() + place, sizeof count);
+  return count;
+}
+
+TEST_P(SameNumbers, FromEitherFormat) {
+  const SameRun& same = std::get<0>(GetParam());
+  make_model(same.has_stored);
+  const RunResult dat_run =
+      RUN(folder, WORDS("-b " + same.operation + " -out r.dat " + same.dat_inputs));
+  const RunResult xmdf_run =
+      RUN(folder, WORDS("-b " + same.operation + " -out r.xmdf " + same.xmdf_inputs));
+  EXPECT_TRUE(dat_run.ended_well() && xmdf_run.ended_well()) << xmdf_run.output;
+
+  const std::string dat = folder.read("r.dat");
+  ASSERT_GT(dat.size(), 92U) << dat_run.output;
+  const DatShape shape{count_in(dat, 36), count_in(dat, 44), same.is_vector};
+  std::vector<DatTime> times;
+  for (const SameMap& map : same.maps) {
+    for (DatTime time : READ_XMDF(folder, "r.xmdf", map.path)) {
+      if (map.marker != 0) time.time = map.marker;
+      times.push_back(std::move(time));
+    }
+  }
+  EXPECT_FALSE(times.empty());
+  EXPECT_TRUE(dat == DAT_FILE(shape, same.dat_name, times)) << xmdf_run.output;
+}
+
+std::vector<SameMap> maps_of(const std::string& prefix, bool has_times) {
+  const std::string folder = prefix + prefix + "/" + prefix + "imums/" + prefix;
+  std::vector<SameMap> maps{{folder + " Value", 111111}, {folder + " Source", 222222}};
+  if (has_times) maps.push_back({folder + " Time", 333333});
+  return maps;
+}
+
+std::vector<SameRun> same_runs() {
+  return {{"-max -ignore_mm", "run1_d.dat", "-typed run1.xmdf", true, "Max Value", false,
+           maps_of("Max", true)},
+          {"-min -ignore_mm", "run1_h.dat", "-typeh run1.xmdf", true, "Min Value", false,
+           maps_of("Min", true)},
+          {"-max -ignore_mm -nowetdry", "run1_h.dat", "-path/Temporal/Water run1.xmdf", true,
+           "Max Value", false, maps_of("Max", true)},
+          {"-max -ignore_mm", "run2_V.dat", "-typeV run2.xmdf", true, "Max Value", true,
+           maps_of("Max", true)},
+          {"-max", "run1_h.dat run2_h.dat", "-typeh run1.xmdf run2.xmdf", true, "Max Value", false,
+           maps_of("Max", false)},
+          {"-max", "run1_h.dat run2_h.dat", "-typeh run1.xmdf run2_h.dat", true, "Max Value", false,
+           maps_of("Max", false)},
+          {"-max -t1.5", "run1_V.dat run2_V.dat", "-typev run1.xmdf run2.xmdf", false, "Max Value",
+           true, maps_of("Max", false)},
+          {"-dif",
+           "run1_h.dat run2_h.dat",
+           "-typeh run1.xmdf run2.xmdf",
+           false,
+           "diff_run1_h - run2_h",
+           false,
+           {{"Difference/Temporal/diff_run1 - run2", 0}}},
+          {"-dif",
+           "run1_d.dat run2_d.dat",
+           "-typed run1.xmdf run2.xmdf",
+           false,
+           "diff_run1_d - run2_d",
+           false,
+           {{"Difference/Temporal/diff_run1 - run2", 0}}},
+          {"-dif -nowetdry",
+           "run1_V.dat run2_V.dat",
+           "-typeV run1.xmdf run2_V.dat",
+           false,
+           "diff_run1_V - run2_V",
+           false,
+           {{"Difference/Temporal/diff_run1 - run2_V", 0}}},
+          {"-dif -t99999",
+           "run1_V.dat run2_V.dat",
+           "-typeV run1.xmdf run2.xmdf",
+           true,
+           "diff_run1_V - run2_V",
+           false,
+           {{"Difference/Maximums/diff_run1 - run2", 0}}},
+          {"-trim0.5",
+           "run1_d.dat",
+           "-typed run1.xmdf",
+           false,
+           "trim0",
+           false,
+           {{"Trim/Temporal/trim0.5", 0}}},
+          {"-trim0.5 -t3",
+           "run1_V.dat",
+           "-typeV run1.xmdf",
+           false,
+           "trim0",
+           true,
+           {{"Trim/Temporal/trim0.5", 0}}},
+          {"-va",
+           "run1_V.dat",
+           "-typeV run1.xmdf",
+           false,
+           "r",
+           false,
+           {{"Velocity Angle/Temporal/Vector Angle", 0}}}};
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SameNumbers,
+                         ::testing::Combine(::testing::ValuesIn(same_runs()),
+                                            ::testing::Values("", "--compress 1",
+                                                              "--compress 6 --times-per-chunk 3")));
+
+TEST(XmdfOutputs, AreWhatNumpyWorksOutFromTheInputs) {
+  const std::string command = "/usr/bin/python3 " QUILLET_TESTS "/program/check_xmdf_outputs.py " +
+                              std::string(QUILLET_PROGRAM " " QUILLET_EXAMPLE_MODEL);
+  EXPECT_EQ(std::system(command.c_str()), 0);
+}
+
+}  // namespace
+}  // namespace quillet::testing
