@@ -2,23 +2,28 @@
 // large writes, and nothing but the work. No checks and no console. The outputs are those of
 // quillet byte for byte, so the time beyond the floor's is what the rest of the program costs.
 //
-//     floor_dat [--whole] copy OUT IN
-//     floor_dat [--whole] max-scalar|max-vector OUT NAME IN            all output times but the
-//     last floor_dat [--whole] max-scalar-stored|max-vector-stored OUT NAME IN          the last
-//     alone floor_dat [--whole] max-water-level OUT NAME IN MESH floor_dat [--whole]
-//     trim-scalar|trim-vector OUT NAME IN LIMIT floor_dat [--whole] va OUT NAME IN floor_dat
-//     [--whole] dif OUT NAME IN1 IN2 floor_dat [--whole] dif-wetdry OUT NAME IN1 IN2 LEVELS1
-//     LEVELS2 MESH1 MESH2
+//     floor_dat [--pieces] MODE OUT ...
 //
-// NAME is the name of the output's dataset. --whole reads whole arrays into ordinary pages instead
-// of pieces into huge ones.
+// clang-format off
+//     copy OUT IN
+//     max-scalar|max-vector OUT NAME IN                  all output times but the last
+//     max-scalar-stored|max-vector-stored OUT NAME IN    the last alone
+//     max-water-level OUT NAME IN MESH
+//     trim-scalar|trim-vector OUT NAME IN LIMIT
+//     va OUT NAME IN
+//     dif OUT NAME IN1 IN2
+//     dif-wetdry OUT NAME IN1 IN2 LEVELS1 LEVELS2 MESH1 MESH2
+// clang-format on
+//
+// NAME is the name of the output's dataset. Values are read in whole arrays, into ordinary pages;
+// with --pieces in pieces that stay in the processor's cache, with the arrays in huge pages.
 
 #include <cmath>
 #include <cstdio>
 #include <string_view>
 
 #include "floor_files.h"
-#include "floor_mesh_lines.h"
+#include "floor_full_mesh.h"
 #include "operations/flow_direction.h"
 
 namespace quillet_floor {
@@ -169,13 +174,15 @@ void run_stored_maximum(const Run& run) {
   maximum.write(run);
 }
 
-// Only nodes of active cells take part. The mesh is read last: then its corners need no memory.
+// Only nodes of active cells take part.
 void run_water_level_maximum(const Run& run) {
   const DatFile in(run.inputs[0]);
+  FullMesh mesh(in.nodes, in.cells);
+  take_lines(run.inputs[1], mesh);
   Maximum maximum(run.scheme, in);
   fold_all_but_last(maximum);
   auto* const counts = make_array<std::uint8_t>(in.nodes, run.scheme);
-  mark_active_nodes(run.inputs[1], maximum.status, counts);
+  mesh.mark_active_nodes(maximum.status, counts);
   for (std::int64_t i = 0; i < in.nodes; ++i) {
     maximum.x[i] = counts[i] != 0 ? maximum.x[i] : 0.0F;
   }
@@ -332,14 +339,14 @@ void run_difference(const Run& run) {
 void run_wet_dry_difference(const Run& run) {
   Difference difference(run);
   const std::int64_t nodes = difference.in1.nodes;
-  auto* const bed1 = make_array<float>(nodes, run.scheme);
-  auto* const bed2 = make_array<float>(nodes, run.scheme);
-  read_elevations(run.inputs[4], bed1);
-  read_elevations(run.inputs[5], bed2);
+  NodeElevations bed1{make_array<float>(nodes, run.scheme)};
+  NodeElevations bed2{make_array<float>(nodes, run.scheme)};
+  take_lines(run.inputs[4], bed1);
+  take_lines(run.inputs[5], bed2);
   WetDry wet_dry{DatFile(run.inputs[2]),
                  DatFile(run.inputs[3]),
-                 bed1,
-                 bed2,
+                 bed1.z,
+                 bed2.z,
                  make_array<float>(run.scheme.piece(nodes), run.scheme),
                  make_array<float>(run.scheme.piece(nodes), run.scheme)};
   difference.perform(&wet_dry);
@@ -379,15 +386,15 @@ constexpr Mode modes[] = {
 };
 
 int run_mode(int count, char** arguments) {
-  const bool is_whole = count > 1 && std::string_view(arguments[1]) == "--whole";
-  arguments += is_whole;
-  count -= is_whole;
+  const bool is_pieces = count > 1 && std::string_view(arguments[1]) == "--pieces";
+  arguments += is_pieces;
+  count -= is_pieces;
   for (const Mode& mode : modes) {
     if (count != mode.arguments + 2 || mode.name != arguments[1]) continue;
-    mode.perform({{is_whole}, arguments[2], arguments[3], arguments + 4});
+    mode.perform({{.whole_arrays = !is_pieces}, arguments[2], arguments[3], arguments + 4});
     return EXIT_SUCCESS;
   }
-  std::fputs("floor_dat [--whole] MODE OUT NAME IN..., see the head of the source\n", stderr);
+  std::fputs("floor_dat [--pieces] MODE OUT NAME IN..., see the head of the source\n", stderr);
   return EXIT_FAILURE;
 }
 

@@ -1,5 +1,5 @@
 // The floor under -ensight for one .dat input on a mesh of triangles and 4-node quadrilaterals: one
-// thread, the mesh parsed into plain arrays, large reads and writes, the program's own number
+// thread, the whole mesh parsed, large reads and writes, the program's own number
 // formatter, and nothing but the work. No checks, no console, no case file. The geometry and
 // variable files are those of quillet byte for byte.
 //
@@ -15,7 +15,7 @@
 
 #include "ensight/fixed_forms.h"
 #include "floor_files.h"
-#include "floor_mesh_lines.h"
+#include "floor_full_mesh.h"
 
 namespace quillet_floor {
 namespace {
@@ -23,78 +23,27 @@ namespace {
 constexpr std::int64_t piece_bytes = 256 << 10;
 constexpr Scheme scheme{};
 
-struct Mesh {
-  std::int64_t nodes, cells;
-  double *x, *y;
-  float* z;
-  std::int32_t* corners;             // four per cell, a triangle's fourth is its third
-  std::vector<std::int32_t> ids[2];  // triangles, quadrilaterals
-  double x_min = 999999999.0, x_max = -999999999.0, y_min = 999999999.0, y_max = -999999999.0;
-  float z_min = 1.0e9F, z_max = -1.0e9F;
+struct Mesh : FullMesh {
+  explicit Mesh(const DatFile& results) : FullMesh(results.nodes, results.cells) {}
 
   std::int64_t count(int kind) const { return static_cast<std::int64_t>(ids[kind - 3].size()); }
+  const std::int32_t* corners(std::int32_t id) const { return elements[id - 1].nodes; }
+
+  std::vector<std::int32_t> ids[2];  // triangles, quadrilaterals
+  float z_min = 1.0e9F, z_max = -1.0e9F;
 };
 
-const char* take_double(const char* at, double& result) {
-  constexpr double powers_of_ten[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-  while (*at == ' ') ++at;
-  const bool is_negative = *at == '-';
-  std::int64_t value = 0;
-  const char* point = take_digits(at + is_negative, value);
-  int decimals = 0;
-  if (*point == '.') {
-    at = take_digits(point + 1, value);
-    decimals = static_cast<int>(at - point) - 1;
-  } else {
-    at = point;
-  }
-  result = static_cast<double>(is_negative ? -value : value) / powers_of_ten[decimals];
-  return at;
-}
-
-void take_node(const char* line, Mesh& mesh) {
-  std::int32_t id = 0;
-  const char* at = take_integer(line + 2, id);
-  const std::int64_t i = id - 1;
-  at = take_double(at, mesh.x[i]);
-  at = take_double(at, mesh.y[i]);
-  take_real(at, mesh.z[i]);
-  mesh.x_min = std::min(mesh.x_min, mesh.x[i]);
-  mesh.x_max = std::max(mesh.x_max, mesh.x[i]);
-  mesh.y_min = std::min(mesh.y_min, mesh.y[i]);
-  mesh.y_max = std::max(mesh.y_max, mesh.y[i]);
-  mesh.z_min = std::min(mesh.z_min, mesh.z[i]);
-  mesh.z_max = std::max(mesh.z_max, mesh.z[i]);
-}
-
-// The direction around the element is reversed, the first node kept.
-void take_cell(const char* line, Mesh& mesh) {
-  const int count = line[1] - '0';
-  std::int32_t id = 0;
-  std::int32_t nodes[4];
-  const char* at = take_integer(line + 3, id);
-  for (int i = 0; i < count; ++i) at = take_integer(at, nodes[i]);
-  std::int32_t* const corners = mesh.corners + (id - 1) * std::int64_t{4};
-  corners[0] = nodes[0];
-  corners[1] = nodes[count - 1];
-  corners[2] = nodes[count - 2];
-  corners[3] = nodes[1];
-  mesh.ids[count - 3].push_back(id);
-}
-
 Mesh read_mesh(const char* name, const DatFile& results) {
-  Mesh mesh{results.nodes,
-            results.cells,
-            make_array<double>(results.nodes, scheme),
-            make_array<double>(results.nodes, scheme),
-            make_array<float>(results.nodes, scheme),
-            make_array<std::int32_t>(4 * std::int64_t{results.cells}, scheme),
-            {}};
-  for (auto& ids : mesh.ids) ids.reserve(static_cast<std::size_t>(mesh.cells));
-  for_each_line(name, [&](const char* line) {
-    if (line[0] == 'N' && line[1] == 'D') take_node(line, mesh);
-    if (line[0] == 'E') take_cell(line, mesh);
-  });
+  Mesh mesh(results);
+  take_lines(name, mesh);
+  for (std::int64_t i = 0; i < mesh.node_count; ++i) {
+    mesh.z_min = std::min(mesh.z_min, mesh.nodes[i].z);
+    mesh.z_max = std::max(mesh.z_max, mesh.nodes[i].z);
+  }
+  for (auto& ids : mesh.ids) ids.reserve(static_cast<std::size_t>(mesh.element_count));
+  for (std::int32_t i = 0; i < mesh.element_count; ++i) {
+    mesh.ids[mesh.elements[i].kind - 3].push_back(i + 1);
+  }
   return mesh;
 }
 
@@ -170,33 +119,33 @@ void write_text_block(const Mesh& mesh, int kind, Pieces& out) {
     return end_line(quillet::WRITE_I10(ids[static_cast<std::size_t>(i)], at));
   });
   out.items(count, [&](std::int64_t i, char* at) {
-    const std::int32_t* corner =
-        mesh.corners + (ids[static_cast<std::size_t>(i)] - 1) * std::int64_t{4};
+    const std::int32_t* const corner = mesh.corners(ids[static_cast<std::size_t>(i)]);
     for (int n = 0; n < kind; ++n) at = quillet::WRITE_I10(corner[n], at);
     return end_line(at);
   });
 }
 
 void write_text_geometry(const Mesh& mesh, const std::string& name) {
-  Pieces out(name, mesh.nodes * 50 + 42 * mesh.count(3) + 52 * mesh.count(4));
+  Pieces out(name, mesh.node_count * 50 + 42 * mesh.count(3) + 52 * mesh.count(4));
   out.text(
       "Converted from ORVANE .2dm file.\nStandard Resolution Output\nnode id given\n"
       "element id given\nextents\n");
   out.text(real_text(0) + real_text(mesh.x_max - mesh.x_min) + '\n');
   out.text(real_text(0) + real_text(mesh.y_max - mesh.y_min) + '\n');
   out.text(real_text(mesh.z_min) + real_text(mesh.z_max) + '\n');
-  out.text("part\n" + count_text(1) + "2D ORVANE Elements\ncoordinates\n" + count_text(mesh.nodes));
-  out.items(mesh.nodes, [](std::int64_t i, char* at) {
+  out.text("part\n" + count_text(1) + "2D ORVANE Elements\ncoordinates\n" +
+           count_text(mesh.node_count));
+  out.items(mesh.node_count, [](std::int64_t i, char* at) {
     return end_line(quillet::WRITE_I10(static_cast<std::int32_t>(i + 1), at));
   });
-  out.items(mesh.nodes, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.x[i] - mesh.x_min, at));
+  out.items(mesh.node_count, [&](std::int64_t i, char* at) {
+    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].x - mesh.x_min, at));
   });
-  out.items(mesh.nodes, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.y[i] - mesh.y_min, at));
+  out.items(mesh.node_count, [&](std::int64_t i, char* at) {
+    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].y - mesh.y_min, at));
   });
-  out.items(mesh.nodes, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.z[i], at));
+  out.items(mesh.node_count, [&](std::int64_t i, char* at) {
+    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].z, at));
   });
   write_text_block(mesh, 3, out);
   write_text_block(mesh, 4, out);
@@ -228,15 +177,14 @@ void write_binary_block(const Mesh& mesh, int kind, Pieces& out) {
   out.items(count,
             [&](std::int64_t i, char* at) { return store(ids[static_cast<std::size_t>(i)], at); });
   out.items(count, [&](std::int64_t i, char* at) {
-    const std::int32_t* corner =
-        mesh.corners + (ids[static_cast<std::size_t>(i)] - 1) * std::int64_t{4};
+    const std::int32_t* const corner = mesh.corners(ids[static_cast<std::size_t>(i)]);
     for (int n = 0; n < kind; ++n) at = store(corner[n], at);
     return at;
   });
 }
 
 void write_binary_geometry(const Mesh& mesh, const std::string& name) {
-  Pieces out(name, mesh.nodes * 24 + 16 * mesh.count(3) + 20 * mesh.count(4));
+  Pieces out(name, mesh.node_count * 24 + 16 * mesh.count(3) + 20 * mesh.count(4));
   for (const char* text :
        {"Fortran Binary", "Converted from ORVANE output", "Standard Resolution Output",
         "node id given", "element id given", "extents"}) {
@@ -249,26 +197,17 @@ void write_binary_geometry(const Mesh& mesh, const std::string& name) {
   put(mesh.z_min, out);
   put(mesh.z_max, out);
   for (const char* text : {"part", "ORVANE", "coordinates"}) put_text(text, out);
-  put(static_cast<std::int32_t>(mesh.nodes), out);
-  out.items(mesh.nodes,
+  put(static_cast<std::int32_t>(mesh.node_count), out);
+  out.items(mesh.node_count,
             [](std::int64_t i, char* at) { return store(static_cast<std::int32_t>(i + 1), at); });
-  out.items(mesh.nodes,
-            [&](std::int64_t i, char* at) { return store(mesh.x[i] - mesh.x_min, at); });
-  out.items(mesh.nodes,
-            [&](std::int64_t i, char* at) { return store(mesh.y[i] - mesh.y_min, at); });
-  out.items(mesh.nodes, [&](std::int64_t i, char* at) { return store(mesh.z[i], at); });
+  out.items(mesh.node_count,
+            [&](std::int64_t i, char* at) { return store(mesh.nodes[i].x - mesh.x_min, at); });
+  out.items(mesh.node_count,
+            [&](std::int64_t i, char* at) { return store(mesh.nodes[i].y - mesh.y_min, at); });
+  out.items(mesh.node_count, [&](std::int64_t i, char* at) { return store(mesh.nodes[i].z, at); });
   write_binary_block(mesh, 3, out);
   write_binary_block(mesh, 4, out);
   out.close();
-}
-
-void mark_wet(const Mesh& mesh, const std::int8_t* status, std::uint8_t* wet) {
-  std::memset(wet, 0, static_cast<std::size_t>(mesh.nodes));
-  for (std::int64_t cell = 0; cell < mesh.cells; ++cell) {
-    if (status[cell] != 1) continue;
-    const std::int32_t* corner = mesh.corners + 4 * cell;
-    wet[corner[0] - 1] = wet[corner[1] - 1] = wet[corner[2] - 1] = wet[corner[3] - 1] = 1;
-  }
 }
 
 void write_values(const float* values, std::int64_t stride, const std::uint8_t* wet,
@@ -307,7 +246,8 @@ void write_variables(const Mesh& mesh, const DatFile& in, const std::string& bas
   for (std::int64_t step = 0; step < in.times; ++step) {
     in.read_statuses(step, status);
     in.read_values(step, 0, in.nodes, values);
-    mark_wet(mesh, status, wet);
+    std::memset(wet, 0, static_cast<std::size_t>(in.nodes));
+    mesh.mark_active_nodes(status, wet);
     Pieces out(base + name + number_text(step + 1),
                in.nodes * quillet::e12_5_line_width * (in.components == 2 ? 3 : 1));
     out.text(description + "\npart\n" + count_text(1) + "coordinates\n");

@@ -15,8 +15,8 @@ namespace quillet_floor {
 
 constexpr std::size_t huge_page = std::size_t{2} << 20;
 
-// How the work is cut: into pieces that stay in the processor's second cache, with the arrays in
-// huge pages; or, as a straightforward program would have it, whole arrays in ordinary pages.
+// How the work is cut: as a straightforward program has it, into whole arrays in ordinary pages; or
+// into pieces that stay in the processor's second cache, with the arrays in huge pages.
 struct Scheme {
   bool whole_arrays = false;
 

@@ -1,5 +1,5 @@
-// What the floor programs for .dat files need of a .2dm file: bed elevations, or the nodes of
-// active cells. One pass in 1 MiB blocks, digits turned into numbers in place.
+// The lines of a .2dm file for the floor programs: one pass in large blocks, digits turned into
+// numbers in place. Numbers have blanks before them, no exponents, and up to nine decimals.
 #pragma once
 
 #include <fcntl.h>
@@ -11,8 +11,13 @@
 
 namespace quillet_floor {
 
-inline const char* skip_item(const char* at) {
+inline const char* skip_blanks(const char* at) {
   while (*at == ' ') ++at;
+  return at;
+}
+
+inline const char* skip_item(const char* at) {
+  at = skip_blanks(at);
   while (*at > ' ') ++at;
   return at;
 }
@@ -24,17 +29,20 @@ inline const char* take_digits(const char* at, std::int64_t& value) {
   return at;
 }
 
-inline const char* take_integer(const char* at, std::int32_t& result) {
-  while (*at == ' ') ++at;
+template <typename Integer>
+inline const char* take_integer(const char* at, Integer& result) {
+  at = skip_blanks(at);
+  const bool is_negative = *at == '-';
   std::int64_t value = 0;
-  at = take_digits(at, value);
-  result = static_cast<std::int32_t>(value);
+  at = take_digits(at + is_negative, value);
+  result = static_cast<Integer>(is_negative ? -value : value);
   return at;
 }
 
-inline const char* take_real(const char* at, float& result) {
+template <typename Real>
+inline const char* take_real(const char* at, Real& result) {
   constexpr double powers_of_ten[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-  while (*at == ' ') ++at;
+  at = skip_blanks(at);
   const bool is_negative = *at == '-';
   std::int64_t value = 0;
   at = take_digits(at + is_negative, value);
@@ -44,14 +52,37 @@ inline const char* take_real(const char* at, float& result) {
     at = take_digits(point, value);
     real = static_cast<double>(value) / powers_of_ten[at - point];
   }
-  result = static_cast<float>(is_negative ? -real : real);
+  result = static_cast<Real>(is_negative ? -real : real);
   return at;
 }
 
-// Calls take_line(line) for every line; each ends with a line feed.
-template <typename TakeLine>
-void for_each_line(const char* name, TakeLine take_line) {
-  constexpr std::size_t block_size = std::size_t{1} << 20;
+constexpr int triangle_slots[] = {0, 2, 1};
+constexpr int quad4_slots[] = {0, 3, 2, 1};
+constexpr int quad9_slots[] = {0, 4, 1, 5, 2, 6, 3, 7, 8};
+
+template <int kind>
+inline const char* take_nodes(const char* at, std::int32_t* nodes) {
+  constexpr const int* slots = kind == 3 ? triangle_slots : (kind == 4 ? quad4_slots : quad9_slots);
+  for (int i = 0; i < kind; ++i) at = take_integer(at, nodes[slots[i]]);
+  return at;
+}
+
+// What takes the lines has take_node(text) and take_element<kind>(text), both from after the name
+// of the card on; they return where they stopped.
+template <typename Tables>
+inline const char* take_line(const char* line, Tables& tables) {
+  if (line[0] == 'N' && line[1] == 'D') return tables.take_node(line + 2);
+  if (line[0] != 'E') return line;
+  if (line[1] == '4') return tables.template take_element<4>(line + 3);
+  if (line[1] == '3') return tables.template take_element<3>(line + 3);
+  if (line[1] == '9') return tables.template take_element<9>(line + 3);
+  return line;
+}
+
+// Hands every line to `tables`; each ends with a line feed.
+template <typename Tables>
+void take_lines(const char* name, Tables& tables) {
+  constexpr std::size_t block_size = std::size_t{256} << 10;
   const int file = ::open(name, O_RDONLY);
   if (file < 0) std::abort();
   char* const block = static_cast<char*>(std::malloc(block_size));
@@ -60,10 +91,16 @@ void for_each_line(const char* name, TakeLine take_line) {
     const ssize_t got = ::read(file, block + kept, block_size - kept);
     if (got <= 0) break;
     const char* const end = block + kept + got;
+    const char* lines_end = end;
+    while (lines_end > block && lines_end[-1] != '\n') --lines_end;
     const char* line = block;
-    while (const void* line_end = std::memchr(line, '\n', static_cast<std::size_t>(end - line))) {
-      take_line(line);
-      line = static_cast<const char*>(line_end) + 1;
+    while (line < lines_end) {
+      line = take_line(line, tables);
+      if (*line != '\n') {
+        const auto rest = static_cast<std::size_t>(end - line);
+        line = static_cast<const char*>(std::memchr(line, '\n', rest));
+      }
+      ++line;
     }
     kept = static_cast<std::size_t>(end - line);
     std::memmove(block, line, kept);
@@ -72,30 +109,19 @@ void for_each_line(const char* name, TakeLine take_line) {
   std::free(block);
 }
 
-// Elevation of every node, in node order.
-inline void read_elevations(const char* mesh, float* elevation) {
-  for_each_line(mesh, [&](const char* line) {
-    if (line[0] != 'N' || line[1] != 'D') return;
+// Elevation of every node, in node order, and nothing else.
+struct NodeElevations {
+  const char* take_node(const char* at) {
     std::int32_t id = 0;
-    const char* at = take_integer(line + 2, id);
-    at = skip_item(skip_item(at));
-    take_real(at, elevation[id - 1]);
-  });
-}
+    at = take_integer(at, id);
+    return take_real(skip_item(skip_item(at)), z[id - 1]);
+  }
+  template <int kind>
+  const char* take_element(const char* at) {
+    return at;
+  }
 
-// Sets counts[node] to 1 for the nodes of cells whose status is 1.
-inline void mark_active_nodes(const char* mesh, const std::int8_t* status, std::uint8_t* counts) {
-  for_each_line(mesh, [&](const char* line) {
-    if (line[0] != 'E') return;
-    std::int32_t id = 0;
-    const char* at = take_integer(line + 3, id);
-    if (status[id - 1] != 1) return;
-    for (int i = line[1] - '0'; i > 0; --i) {
-      std::int32_t node = 0;
-      at = take_integer(at, node);
-      counts[node - 1] = 1;
-    }
-  });
-}
+  float* z;
+};
 
 }  // namespace quillet_floor

@@ -29,16 +29,16 @@ constexpr std::int64_t in_cache = 8192;
 constexpr std::int64_t out_of_cache = 1'000'000;
 
 // Depths and velocities: most of a flood map lies between 0 and a few units.
-std::vector<float> make_values(std::int64_t count, std::uint64_t seed) {
+quillet::LargeArray<float> make_values(std::int64_t count, std::uint64_t seed) {
   std::mt19937_64 random(seed);
-  std::vector<float> values(static_cast<std::size_t>(count));
+  quillet::LargeArray<float> values(static_cast<std::size_t>(count));
   for (float& value : values) value = static_cast<float>(random() >> 40) * 0x1p-22F - 1.0F;
   return values;
 }
 
-std::vector<std::int8_t> make_statuses(std::int64_t count, std::uint64_t seed) {
+quillet::LargeArray<std::int8_t> make_statuses(std::int64_t count, std::uint64_t seed) {
   std::mt19937_64 random(seed);
-  std::vector<std::int8_t> statuses(static_cast<std::size_t>(count));
+  quillet::LargeArray<std::int8_t> statuses(static_cast<std::size_t>(count));
   for (std::int8_t& status : statuses) status = static_cast<std::int8_t>(random() % 2);
   return statuses;
 }

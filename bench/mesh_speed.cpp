@@ -38,7 +38,7 @@ void time_elevations(const std::string& name) {
   const auto counts = quillet::COUNT_CARDS(quillet::InputUnit(name));
   const auto start = Clock::now();
   const quillet::InputUnit unit(name);
-  LargeArray<float> elevations;
+  quillet::LargeArray<float> elevations;
   quillet::CornerArrays corners;
   quillet::READ_2DM_ELEVATIONS(
       unit, elevations, static_cast<std::int32_t>(counts.nodes), corners,

@@ -91,7 +91,7 @@ class Bench:
         self.programs = options.build / "bin"
         self.work = options.work
         self.pairs = options.pairs
-        self.scheme = ["--whole"] if options.whole else []
+        self.with_pieces = options.pieces
         nodes, times = (20_000, 60) if options.small else (options.nodes, options.times)
         self.model = self.make_model(nodes, times)
         with open(self.model / D1, "rb") as file:
@@ -120,39 +120,48 @@ class Bench:
         return [str(self.programs / "quillet"), "-b", *operation.options,
                 *self.input_files(operation), "-out", str(self.outputs["quillet"])]
 
-    def floor_command(self, operation, dataset):
+    def floor_command(self, operation, dataset, scheme=()):
         more = [str(self.model / name) if "." in name else name for name in operation.floor_inputs]
         names = [dataset] if operation.options else []
-        return [str(self.programs / "floor_dat"), *self.scheme, operation.name,
+        return [str(self.programs / "floor_dat"), *scheme, operation.name,
                 str(self.outputs["floor"]), *names, *self.input_files(operation), *more]
 
     def commands(self, operation):
-        """The floor and, where there is one, quillet. They have been seen to write the same."""
+        """The floor, the floor in pieces where that is asked for, and, where there is one, quillet.
+
+        They have been seen to write the same.
+        """
         floor_output, quillet_output = self.outputs["floor"], self.outputs["quillet"]
-        if not operation.options:
-            return [(self.floor_command(operation, ""), floor_output)]
-        quillet = (self.quillet_command(operation), quillet_output)
-        measured_write(*quillet)
-        floor = (self.floor_command(operation, dataset_name(quillet_output)), floor_output)
-        measured_write(*floor)
-        if not same_bytes(floor_output, quillet_output):
-            raise Failure("the outputs of quillet and its floor differ")
-        return [floor, quillet]
+        dataset, programs = "", []
+        if operation.options:
+            programs = [(self.quillet_command(operation), quillet_output)]
+            measured_write(*programs[0])
+            dataset = dataset_name(quillet_output)
+        schemes = [(), ("--pieces",)] if self.with_pieces else [()]
+        floors = [(self.floor_command(operation, dataset, scheme), floor_output)
+                  for scheme in schemes]
+        for floor in floors:
+            measured_write(*floor)
+            if programs and not same_bytes(floor_output, quillet_output):
+                raise Failure("the outputs of quillet and its floor differ")
+        return floors + programs
 
     def compare(self, operation):
         runs = paired_runs(self.commands(operation), self.pairs)
-        floor = runs[0]
+        floor, quillet = runs[0], runs[-1] if operation.options else None
+        pieces = runs[1] if self.with_pieces else None
         line = f"{operation.name:<18}{median(floor, 'wall'):>9.4f}"
-        if len(runs) == 1:
-            return line
-        quillet = runs[1]
-        ratio = statistics.median(q.wall / f.wall for f, q in zip(floor, quillet))
+        if quillet is None:
+            return line + (f"{median(pieces, 'wall'):>73.4f}" if pieces else "")
         peak = max(measure.peak for measure in quillet)
         beyond = (peak - 20e6 - 4 * self.cells) / self.nodes
-        return (f"{line}{median(quillet, 'wall'):>10.4f}{ratio:>8.2f}"
-                f"{least(quillet) / least(floor):>8.2f}"
-                f"{median(quillet, 'cpu') / median(floor, 'cpu'):>8.2f}"
-                f"{max(m.peak for m in floor) / 2**20:>11.1f}{peak / 2**20:>9.1f}{beyond:>9.1f}")
+        line += (f"{median(quillet, 'wall'):>10.4f}{ratio_of(quillet, floor):>8.2f}"
+                 f"{least(quillet) / least(floor):>8.2f}"
+                 f"{median(quillet, 'cpu') / median(floor, 'cpu'):>8.2f}"
+                 f"{max(m.peak for m in floor) / 2**20:>11.1f}{peak / 2**20:>9.1f}{beyond:>9.1f}")
+        if pieces:
+            line += f"{median(pieces, 'wall'):>10.4f}{ratio_of(quillet, pieces):>8.2f}"
+        return line
 
     def compare_with_cat(self, operation):
         cat = (["cat", *self.input_files(operation)], None)
@@ -165,11 +174,16 @@ class Bench:
 
 HEADING = (f"{'operation':<18}{'floor s':>9}{'quillet s':>10}{'ratio':>8}{'minima':>8}{'cpu':>8}"
            f"{'floor MiB':>11}{'MiB':>9}{'B/node':>9}")
+PIECES_HEADING = f"{'pieces s':>10}{'ratio':>8}"
 SMALL_HEADING = f"{'operation':<18}{'cat ms':>10}{'floor ms':>10}{'quillet ms':>10}{'beyond cat ms':>14}"
 
 
 def median(runs, quantity):
     return statistics.median(getattr(measure, quantity) for measure in runs)
+
+
+def ratio_of(runs, floor_runs):
+    return statistics.median(run.wall / floor.wall for run, floor in zip(runs, floor_runs))
 
 
 def least(runs):
@@ -204,11 +218,13 @@ def read_options():
     parser.add_argument("--pairs", type=int, default=9, help="pairs of runs (default %(default)s)")
     parser.add_argument("--nodes", type=int, default=1_000_000, help="default %(default)s")
     parser.add_argument("--times", type=int, default=60, help="output times, default %(default)s")
-    parser.add_argument("--whole", action="store_true",
-                        help="floors that read whole arrays into ordinary pages")
+    parser.add_argument("--pieces", action="store_true",
+                        help="also floors that work in pieces that stay in the cache")
     parser.add_argument("--small", action="store_true",
                         help="20,000 nodes, compared with cat of the inputs")
     options = parser.parse_args()
+    if options.small and options.pieces:
+        parser.error("--pieces does not go with --small")
     for name in options.operations:
         if name not in names:
             parser.error(f"no operation {name}; there are {', '.join(names)}")
@@ -219,7 +235,7 @@ def main():
     options = read_options()
     bench = Bench(options)
     print(f"{bench.nodes} nodes, {bench.cells} cells, {options.pairs} pairs of runs")
-    print(SMALL_HEADING if options.small else HEADING)
+    print(SMALL_HEADING if options.small else HEADING + PIECES_HEADING * options.pieces)
     failed = False
     for operation in OPERATIONS:
         chosen = operation.name in options.operations if options.operations else True

@@ -12,7 +12,7 @@
 namespace quillet {
 namespace {
 
-constexpr std::size_t block_size = std::size_t{1} << 20;
+constexpr std::size_t block_size = std::size_t{256} << 10;
 
 // A card shows in the line end before it and up to three characters.
 constexpr std::size_t look_ahead = 3;

@@ -14,9 +14,9 @@
 namespace quillet {
 namespace {
 
-void size_tables(MESH_TYPE& mesh) try {
-  mesh.nodes.resize(static_cast<std::size_t>(mesh.node_count));
-  mesh.elements.resize(static_cast<std::size_t>(mesh.element_count));
+void make_room(MESH_TYPE& mesh) try {
+  mesh.nodes.reserve(static_cast<std::size_t>(mesh.node_count));
+  mesh.elements.reserve(static_cast<std::size_t>(mesh.element_count));
 } catch (const std::bad_alloc&) {
   FAIL_ALLOCATION();
 }
@@ -34,7 +34,7 @@ void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expecte
   if (mesh.node_count != expected_nodes.value_or(mesh.node_count)) {
     FAIL_ON_NODE_COUNT(*expected_nodes);
   }
-  size_tables(mesh);
+  make_room(mesh);
   READ_2DM(unit, mesh);
 }
 

@@ -16,9 +16,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "mesh/list_values.h"
 #include "mesh/mesh.h"
-#include "mesh/quick_values.h"
+#include "support/line_reader.h"
 
 namespace quillet {
 
@@ -27,6 +26,15 @@ enum class MeshCard { node, triangle, quad4, quad9, part, other };
 constexpr std::string_view mesh_part_card = "MESHPART";
 constexpr std::size_t node_values_start = 2;  // characters before the values
 constexpr std::size_t element_values_start = 3;
+
+// The card of a text that is known to have a line end: no character after that is looked at.
+inline MeshCard ELEMENT_OR_NODE_AT(const char* text) {
+  if (text[0] == 'N') return text[1] == 'D' ? MeshCard::node : MeshCard::other;
+  if (text[0] != 'E') return MeshCard::other;
+  if (text[1] == '3') return text[2] == 'T' ? MeshCard::triangle : MeshCard::other;
+  if (text[1] == '4') return text[2] == 'Q' ? MeshCard::quad4 : MeshCard::other;
+  return text[1] == '9' && text[2] == 'Q' ? MeshCard::quad9 : MeshCard::other;
+}
 
 inline MeshCard CARD_OF(std::string_view line) {
   if (line.starts_with("ND")) return MeshCard::node;
@@ -41,29 +49,34 @@ constexpr std::array<std::size_t, 3> triangle_slots{0, 2, 1};
 constexpr std::array<std::size_t, 4> quad4_slots{0, 3, 2, 1};
 constexpr std::array<std::size_t, 9> quad9_slots{0, 4, 1, 5, 2, 6, 3, 7, 8};
 
-// Reads the values of one line: `take` is called with the quick reading, and when that finds the
-// line out of the ordinary, again with the complete one. It must start afresh each time. `values`
-// is the line after its card name. False when the values cannot be read or are too few.
-template <typename Take>
-bool READ_VALUES(std::string_view values, Take take) {
-  const char after = *(values.data() + values.size());
-  if (after == '\n' || after == '\r') {
-    QuickValues quick(values.data());
-    if (take(quick)) return true;
+// Hands every line to `cards`: in place to take_quickly(text), which returns where it stopped in
+// the line, or null to leave a line that is out of the ordinary to take(line).
+template <typename Cards>
+void TAKE_LINES(LineReader& reader, Cards& cards) {
+  std::string_view line;
+  for (;;) {
+    const char* const text = reader.whole_line();
+    const char* const stop = text != nullptr ? cards.take_quickly(text) : nullptr;
+    if (stop != nullptr) {
+      reader.pass_line(stop);
+    } else if (reader.next(line)) {
+      cards.take(line);
+    } else {
+      return;
+    }
   }
-  ListValues list(values);
-  return take(list);
 }
 
-// Takes consecutive values.
+// Takes consecutive values. Both readings of a line, QuickValues and ListValues, will do.
 template <typename Values, typename... Results>
-bool TAKE(Values& values, Results&... results) {
+[[gnu::always_inline]] inline bool TAKE(Values& values, Results&... results) {
   return (... && values.value(results));
 }
 
 template <typename Values, std::size_t count>
-bool TAKE_NODES(Values& values, const std::array<std::size_t, count>& slots,
-                std::array<std::int32_t, 9>& nodes) {
+[[gnu::always_inline]] inline bool TAKE_NODES(Values& values,
+                                              const std::array<std::size_t, count>& slots,
+                                              std::array<std::int32_t, 9>& nodes) {
   for (const std::size_t slot : slots) {
     if (!values.value(nodes[slot])) return false;
   }

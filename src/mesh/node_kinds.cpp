@@ -9,36 +9,13 @@
 namespace quillet {
 namespace {
 
-using NodeKind = std::array<char, 2>;
-
-constexpr NodeKind triangle_corner{'T', ' '};
-constexpr NodeKind quad_corner{'H', ' '};
-constexpr NodeKind mid_side{'U', 'V'};
-constexpr NodeKind centre{'C', ' '};
-constexpr NodeKind fv_node{'F', 'V'};
-
-void mark_nodes(const MESH_ELEMENT_TYPE& element, std::size_t first, std::size_t end, NodeKind kind,
-                LargeArray<MESH_NODE_TYPE>& nodes) {
-  for (std::size_t slot = first; slot < end; ++slot) {
-    nodes[static_cast<std::size_t>(element.nodes[slot]) - 1].kind = kind;
-  }
+bool is_known(std::int32_t kind) {
+  return kind == 3 || kind == 4 || kind == 9;
 }
 
-void mark_element(const MESH_ELEMENT_TYPE& element, LargeArray<MESH_NODE_TYPE>& nodes) {
-  switch (element.kind) {
-    case 3:
-      return mark_nodes(element, 0, 3, triangle_corner, nodes);
-    case 4:
-      return mark_nodes(element, 0, 4, quad_corner, nodes);
-    case 9:
-      if (NODE_COUNT_OF(element) != 9) return;
-      mark_nodes(element, 0, 4, quad_corner, nodes);
-      mark_nodes(element, 4, 8, mid_side, nodes);
-      return mark_nodes(element, 8, 9, centre, nodes);
-    default:
-      SAY("ERROR - Should not be here, cell is not e3t, e4q or e9q.  Contact " +
-          std::string(support_email));
-  }
+void report_kind() {
+  SAY("ERROR - Should not be here, cell is not e3t, e4q or e9q.  Contact " +
+      std::string(support_email));
 }
 
 bool is_active(std::int8_t status) {
@@ -48,10 +25,12 @@ bool is_active(std::int8_t status) {
 }  // namespace
 
 void SET_NODE_KINDS(MESH_TYPE& mesh) {
-  if (mesh.fv_mesh) {
-    for (MESH_NODE_TYPE& node : mesh.nodes) node.kind = fv_node;
-  } else {
-    for (const MESH_ELEMENT_TYPE& element : mesh.elements) mark_element(element, mesh.nodes);
+  const NodeKind initial = mesh.fv_mesh ? fv_node : no_element_node;
+  for (MESH_NODE_TYPE& node : mesh.nodes) node.kind = initial;
+  if (mesh.fv_mesh) return;
+  for (const MESH_ELEMENT_TYPE& element : mesh.elements) {
+    if (!is_known(element.kind)) report_kind();
+    MARK_NODES_OF(element, mesh.nodes);
   }
 }
 

@@ -21,18 +21,22 @@ class QuickValues {
   // The text must be followed by a line end or a CR.
   explicit QuickValues(const char* text) : at(text) {}
 
-  bool value(double& result) { return take_real(result); }
-  bool value(float& result) { return take_real(result); }
+  // Just after the last value taken; null when what follows shows that the line is not ordinary.
+  const char* end() const { return is_separator(*at) ? at : nullptr; }
 
-  bool value(std::int32_t& result) {
+  [[gnu::always_inline]] bool value(double& result) { return take_real(result); }
+  [[gnu::always_inline]] bool value(float& result) { return take_real(result); }
+
+  [[gnu::always_inline]] bool value(std::int32_t& result) {
     Number number(at);
     if (number.take_digits() - 1 >= most_integer_digits) return false;
     const auto size = static_cast<std::int32_t>(number.digits);
     result = number.is_negative ? -size : size;
-    return go_past(number);
+    at = number.place;
+    return is_blank_or_control(*at);
   }
 
-  bool value(std::int8_t& result) {
+  [[gnu::always_inline]] bool value(std::int8_t& result) {
     std::int32_t number = 0;
     const bool is_ordinary = value(number);
     result = static_cast<std::int8_t>(number);
@@ -57,20 +61,24 @@ class QuickValues {
   // A number being read, from the blanks before it. Its place in the text is its own, as a place in
   // the object would be written to memory with every character.
   struct Number {
-    explicit Number(const char* text) : place(text) {
+    [[gnu::always_inline]] explicit Number(const char* text) : place(text) {
       while (*place == ' ') ++place;
       is_negative = *place == '-';
       place += is_negative ? 1 : 0;
     }
 
     // Appends the digits that follow and returns how many they were. Too many wrap around.
-    std::size_t take_digits() {
-      const char* const first = place;
-      for (;; ++place) {
-        const unsigned digit = static_cast<unsigned char>(*place) - unsigned{'0'};
-        if (digit > 9) return static_cast<std::size_t>(place - first);
-        digits = digits * 10 + digit;
+    [[gnu::always_inline]] std::size_t take_digits() {
+      const char* at = place;
+      std::uint64_t value = digits;
+      for (unsigned digit = 0; (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) < 10;
+           ++at) {
+        value = value * 10 + digit;
       }
+      const auto count = static_cast<std::size_t>(at - place);
+      place = at;
+      digits = value;
+      return count;
     }
 
     const char* place;
@@ -80,7 +88,7 @@ class QuickValues {
 
   // Whole numbers that are held exactly make one division give the correctly rounded value.
   template <typename Real>
-  bool take_real(Real& result) {
+  [[gnu::always_inline]] bool take_real(Real& result) {
     Number number(at);
     std::size_t digits = number.take_digits();
     std::size_t decimals = 0;
@@ -90,27 +98,37 @@ class QuickValues {
       digits += decimals;
     }
     if (digits == 0) return false;
-    if (digits > most_decimal_digits || !is_separator(*number.place)) return take_long(result);
+    if (digits > most_decimal_digits || !is_blank_or_control(*number.place)) {
+      return take_long(result);
+    }
     const double size =
         static_cast<double>(static_cast<std::int64_t>(number.digits)) / powers_of_ten[decimals];
     if (std::is_same_v<Real, float> && is_midway(size)) return take_long(result);
     result = static_cast<Real>(number.is_negative ? -size : size);
-    return go_past(number);
+    at = number.place;
+    return true;
   }
 
   // A number that begins with digits, with many of them or with an exponent.
   template <typename Real>
-  bool take_long(Real& result) {
-    while (*at == ' ') ++at;
-    const char* const first = at;
-    while (!is_separator(*at)) ++at;
-    const auto [stop, error] = std::from_chars(first, at, result);
-    return stop == at && error == std::errc{};
+  [[gnu::always_inline]] bool take_long(Real& result) {
+    Real value = 0;
+    const char* const stop = read_long(at, value);
+    if (stop == nullptr) return false;
+    result = value;
+    at = stop;
+    return true;
   }
 
-  bool go_past(const Number& number) {
-    at = number.place;
-    return is_separator(*at);
+  // Where the number ends; null when it cannot be read. A function of its own, so that the object
+  // need not stand in memory for it.
+  template <typename Real>
+  [[gnu::noinline]] static const char* read_long(const char* text, Real& value) {
+    while (*text == ' ') ++text;
+    const char* end = text;
+    while (!is_separator(*end)) ++end;
+    const auto [stop, error] = std::from_chars(text, end, value);
+    return stop == end && error == std::errc{} ? end : nullptr;
   }
 
   // A 64-bit value halfway between two 32-bit ones may have been rounded to there, and then says
@@ -121,6 +139,9 @@ class QuickValues {
     return (bits & 0x1FFFFFFF) == 0x10000000;
   }
 
+  // Cheaper than the exact test, which only the last value needs: where another character than a
+  // blank follows, the next value cannot be read.
+  static bool is_blank_or_control(char c) { return static_cast<unsigned char>(c) <= ' '; }
   static bool is_separator(char c) { return c == ' ' || c == '\n' || c == '\r'; }
   static bool is_letter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 

@@ -6,9 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "mesh/list_values.h"
 #include "mesh/mesh_cards.h"
 #include "mesh/mesh_messages.h"
 #include "mesh/node_kinds.h"
+#include "mesh/quick_values.h"
 #include "support/console.h"
 #include "support/line_reader.h"
 #include "support/text.h"
@@ -23,10 +25,41 @@ constexpr std::size_t part_name_length = 100;
 // Elements between two counts on the progress line.
 constexpr std::int32_t progress_interval = 10000;
 
+// The place of an item in its table. The table grows item by item as long as the ids ascend from 1
+// without a gap, as they do in most files: setting it to nothing beforehand would be one more pass
+// over much memory.
+template <typename Item>
+[[gnu::always_inline]] inline Item& place_in(LargeArray<Item>& table, std::int32_t id,
+                                             std::int32_t count) {
+  const auto index = static_cast<std::size_t>(id) - 1;
+  if (index == table.size()) return table.emplace_back();
+  table.resize(static_cast<std::size_t>(count));
+  return table[index];
+}
+
 class MeshCardReader {
  public:
   MeshCardReader(const std::string& name, MESH_TYPE& target)
-      : file_name(name), mesh(target), form(target.form()) {}
+      : file_name(name),
+        mesh(target),
+        form(target.form()),
+        kinds_are_marked(form != MeshForm::fv) {}
+
+  // Takes an ordinary line of a node or an element, and returns where its values end; else null.
+  const char* take_quickly(const char* text) {
+    switch (ELEMENT_OR_NODE_AT(text)) {
+      case MeshCard::node:
+        return take_node_quickly(text);
+      case MeshCard::triangle:
+        return take_element_quickly<3>(text, triangle_slots);
+      case MeshCard::quad4:
+        return take_element_quickly<4>(text, quad4_slots);
+      case MeshCard::quad9:
+        return form == MeshForm::full ? take_element_quickly<9>(text, quad9_slots) : nullptr;
+      default:
+        return nullptr;
+    }
+  }
 
   void take(std::string_view line) {
     switch (CARD_OF(line)) {
@@ -52,6 +85,13 @@ class MeshCardReader {
     progress.clear();
   }
 
+  // What the file did not state stands in the tables as not read.
+  void finish_tables() {
+    mesh.nodes.resize(static_cast<std::size_t>(mesh.node_count));
+    mesh.elements.resize(static_cast<std::size_t>(mesh.element_count));
+    if (!kinds_are_marked) SET_NODE_KINDS(mesh);
+  }
+
   void check_counts() const {
     if (element_cards != mesh.element_count) FAIL_ON_CELL_COUNT(mesh.element_count);
     if (node_cards != mesh.node_count) FAIL_ON_NODE_COUNT(mesh.node_count);
@@ -71,23 +111,39 @@ class MeshCardReader {
   bool is_node(std::int32_t id) const { return id >= 1 && id <= mesh.node_count; }
   bool is_element(std::int32_t id) const { return id >= 1 && id <= mesh.element_count; }
 
+  template <typename Values>
+  [[gnu::always_inline]] bool read_node(Values& values, std::int32_t& id,
+                                        MESH_NODE_TYPE& node) const {
+    return TAKE(values, id, node.x, node.y, node.z) &&
+           (form != MeshForm::full ||
+            TAKE(values, node.elevation_flag, node.further[0], node.further[1], node.further[2])) &&
+           is_node(id);
+  }
+
+  const char* take_node_quickly(const char* text) {
+    std::int32_t id = 0;
+    MESH_NODE_TYPE node;
+    QuickValues values(text + node_values_start);
+    if (!read_node(values, id, node)) return nullptr;
+    const char* const end = values.end();
+    if (end == nullptr || end > text + line_width) return nullptr;
+    store(id, node);
+    return end;
+  }
+
   void take_node(std::string_view line) {
     std::int32_t id = 0;
     MESH_NODE_TYPE node;
-    const auto read = [&](auto& values) {
-      return TAKE(values, id, node.x, node.y, node.z) &&
-             (form != MeshForm::full ||
-              TAKE(values, node.elevation_flag, node.further[0], node.further[1], node.further[2]));
-    };
-    if (!READ_VALUES(line.substr(node_values_start), read) || !is_node(id)) fail_on(line);
+    ListValues values(line.substr(node_values_start));
+    if (!read_node(values, id, node)) fail_on(line);
     store(id, node);
   }
 
-  void store(std::int32_t id, MESH_NODE_TYPE& node) {
-    MESH_NODE_TYPE& place = mesh.nodes[static_cast<std::size_t>(id) - 1];
-    if (place.kind != no_kind) fail_on_repeated("node", id);
+  [[gnu::always_inline]] void store(std::int32_t id, MESH_NODE_TYPE& node) {
+    MESH_NODE_TYPE& place = place_in(mesh.nodes, id, mesh.node_count);
+    if (place.kind[0] != '\0') fail_on_repeated("node", id);
     if (node.elevation_flag == 1) node.z -= mesh.z_offset;
-    node.kind = {' ', ' '};
+    node.kind = no_element_node;
     place = node;
     ++node_cards;
     mesh.x_minimum = std::min(mesh.x_minimum, node.x);
@@ -96,28 +152,49 @@ class MeshCardReader {
     mesh.y_maximum = std::max(mesh.y_maximum, node.y);
   }
 
-  template <int kind>
+  template <std::size_t kind, typename Values>
+  [[gnu::always_inline]] bool read_element(Values& values,
+                                           const std::array<std::size_t, kind>& slots,
+                                           std::int32_t& id, MESH_ELEMENT_TYPE& element) const {
+    element.kind = kind;
+    const auto corner_is_node = [&](std::size_t slot) { return is_node(element.nodes[slot]); };
+    return TAKE(values, id) && TAKE_NODES(values, slots, element.nodes) &&
+           TAKE(values, element.material) &&
+           (form == MeshForm::fv || TAKE(values, element.further[0], element.further[1])) &&
+           (form != MeshForm::full || TAKE(values, element.byte)) &&
+           (form != MeshForm::full || kind != 3 || values.code(element.code)) && is_element(id) &&
+           std::all_of(slots.begin(), slots.end(), corner_is_node);
+  }
+
+  template <std::size_t kind>
+  const char* take_element_quickly(const char* text, const std::array<std::size_t, kind>& slots) {
+    std::int32_t id = 0;
+    MESH_ELEMENT_TYPE element;
+    QuickValues values(text + element_values_start);
+    if (!read_element(values, slots, id, element)) return nullptr;
+    const char* const end = values.end();
+    if (end == nullptr || end > text + line_width) return nullptr;
+    store(id, element);
+    return end;
+  }
+
+  template <std::size_t kind>
   void take_element(std::string_view line, const std::array<std::size_t, kind>& slots) {
     std::int32_t id = 0;
     MESH_ELEMENT_TYPE element;
-    element.kind = kind;
-    const auto read = [&](auto& values) {
-      return TAKE(values, id) && TAKE_NODES(values, slots, element.nodes) &&
-             TAKE(values, element.material) &&
-             (form == MeshForm::fv || TAKE(values, element.further[0], element.further[1])) &&
-             (form != MeshForm::full || TAKE(values, element.byte)) &&
-             (form != MeshForm::full || kind != 3 || values.code(element.code));
-    };
-    if (!READ_VALUES(line.substr(element_values_start), read) || !is_element(id)) fail_on(line);
-    const auto corner_is_node = [&](std::size_t slot) { return is_node(element.nodes[slot]); };
-    if (!std::all_of(slots.begin(), slots.end(), corner_is_node)) fail_on(line);
+    ListValues values(line.substr(element_values_start));
+    if (!read_element(values, slots, id, element)) fail_on(line);
     store(id, element);
   }
 
-  void store(std::int32_t id, const MESH_ELEMENT_TYPE& element) {
-    MESH_ELEMENT_TYPE& place = mesh.elements[static_cast<std::size_t>(id) - 1];
+  // Kinds can be marked at once while elements come in the order of their ids, after all nodes.
+  [[gnu::always_inline]] void store(std::int32_t id, const MESH_ELEMENT_TYPE& element) {
+    const bool is_next = static_cast<std::size_t>(id) == mesh.elements.size() + 1;
+    MESH_ELEMENT_TYPE& place = place_in(mesh.elements, id, mesh.element_count);
     if (place.kind != 0) fail_on_repeated("element", id);
     place = element;
+    kinds_are_marked = kinds_are_marked && is_next && node_cards == mesh.node_count;
+    if (kinds_are_marked) MARK_NODES_OF(element, mesh.nodes);
     last_element = id;
     count_element();
   }
@@ -126,6 +203,7 @@ class MeshCardReader {
     end_progress();
     SAY("ERROR - Unexpected 9 point quad in FV or pre 2005 mesh.");
     if (last_element != 0) mesh.elements[static_cast<std::size_t>(last_element) - 1].kind = 9;
+    kinds_are_marked = false;
     count_element();
   }
 
@@ -140,14 +218,13 @@ class MeshCardReader {
     ++mesh.mesh_part_count;
   }
 
-  static constexpr std::array<char, 2> no_kind{};
-
   const std::string& file_name;
   MESH_TYPE& mesh;
   const MeshForm form;
   std::int32_t node_cards = 0;
   std::int32_t element_cards = 0;
   std::int32_t last_element = 0;  // id of the last one read; 0 none
+  bool kinds_are_marked;          // of the nodes of all elements so far
   std::string progress = "Element:";
 };
 
@@ -159,12 +236,11 @@ void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
   SAY("   Done.");
   SAY("...reading .2dm file");
   MeshCardReader cards(unit.name(), mesh);
-  std::string_view line;
-  while (reader.next(line)) cards.take(line);
+  TAKE_LINES(reader, cards);
   cards.end_progress();
   SAY("Finished Reading .2dm file");
 
-  SET_NODE_KINDS(mesh);
+  cards.finish_tables();
   cards.check_counts();
 }
 

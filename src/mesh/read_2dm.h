@@ -6,8 +6,8 @@
 namespace quillet {
 
 // Second pass over a .2dm file, after SCAN_2DM: fills nodes, elements, extents, node kinds and mesh
-// parts, and announces each step. The node and element tables have the scanned counts as their
-// sizes and hold nothing yet.
+// parts, and announces each step. The node and element tables have room for the scanned counts and
+// hold nothing yet.
 //
 // Ends the run at a line whose values cannot be read or are too few, at an id or a node of an
 // element outside its table, at an id that stands twice, and when the file holds other numbers of

@@ -7,8 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "mesh/list_values.h"
 #include "mesh/mesh_cards.h"
 #include "mesh/mesh_messages.h"
+#include "mesh/quick_values.h"
 #include "support/console.h"
 #include "support/line_reader.h"
 
@@ -26,6 +28,22 @@ class ElevationCardReader {
                       bool with_elements)
       : file_name(name), elevations(z), corners(corner_arrays), takes_elements(with_elements) {}
 
+  // Takes an ordinary line of a node or an element, and returns where its values end; else null.
+  const char* take_quickly(const char* text) {
+    switch (ELEMENT_OR_NODE_AT(text)) {
+      case MeshCard::node:
+        return take_node_quickly(text);
+      case MeshCard::triangle:
+        return take_element_quickly(text, triangle_slots);
+      case MeshCard::quad4:
+        return take_element_quickly(text, quad4_slots);
+      case MeshCard::quad9:
+        return text;
+      default:
+        return nullptr;
+    }
+  }
+
   void take(std::string_view line) {
     switch (CARD_OF(line)) {
       case MeshCard::node:
@@ -42,13 +60,33 @@ class ElevationCardReader {
   bool has_all_nodes() const { return node_cards == elevations.size(); }
 
  private:
-  void take_node(std::string_view line) {
-    std::int32_t id = 0;
+  template <typename Values>
+  [[gnu::always_inline]] static bool read_node(Values& values, std::int32_t& id, float& z) {
     float x = 0;
     float y = 0;
+    return TAKE(values, id, x, y, z) && id >= 1;
+  }
+
+  const char* take_node_quickly(const char* text) {
+    std::int32_t id = 0;
     float z = 0;
-    const auto read = [&](auto& values) { return TAKE(values, id, x, y, z); };
-    if (!READ_VALUES(line.substr(node_values_start), read) || id < 1) FAIL_ON_MESH_LINE(line);
+    QuickValues values(text + node_values_start);
+    if (!read_node(values, id, z)) return nullptr;
+    const char* const end = values.end();
+    if (end == nullptr || end > text + line_width) return nullptr;
+    store(id, z);
+    return end;
+  }
+
+  void take_node(std::string_view line) {
+    std::int32_t id = 0;
+    float z = 0;
+    ListValues values(line.substr(node_values_start));
+    if (!read_node(values, id, z)) FAIL_ON_MESH_LINE(line);
+    store(id, z);
+  }
+
+  void store(std::int32_t id, float z) {
     const auto index = static_cast<std::size_t>(id) - 1;
     if (index >= elevations.size()) fail_on_other_mesh();
     if (!std::isnan(elevations[index])) FAIL_ON_REPEATED_ID(file_name, "node", id);
@@ -61,21 +99,43 @@ class ElevationCardReader {
     EXITS();
   }
 
+  template <typename Values, std::size_t count>
+  [[gnu::always_inline]] bool read_element(Values& values,
+                                           const std::array<std::size_t, count>& slots,
+                                           std::int32_t& id,
+                                           std::array<std::int32_t, 9>& nodes) const {
+    const auto is_node = [&](std::size_t slot) {
+      return nodes[slot] >= 1 && nodes[slot] <= std::ssize(elevations);
+    };
+    return TAKE(values, id) && TAKE_NODES(values, slots, nodes) && id >= 1 &&
+           id <= std::ssize(corners[0]) && std::all_of(slots.begin(), slots.end(), is_node);
+  }
+
+  template <std::size_t count>
+  const char* take_element_quickly(const char* text, const std::array<std::size_t, count>& slots) {
+    if (!takes_elements) return text;
+    std::int32_t id = 0;
+    std::array<std::int32_t, 9> nodes{};
+    QuickValues values(text + element_values_start);
+    if (!read_element(values, slots, id, nodes)) return nullptr;
+    const char* const end = values.end();
+    if (end == nullptr || end > text + line_width) return nullptr;
+    store(id, nodes);
+    return end;
+  }
+
   template <std::size_t count>
   void take_element(std::string_view line, const std::array<std::size_t, count>& slots) {
     if (!takes_elements) return;
     std::int32_t id = 0;
     std::array<std::int32_t, 9> nodes{};
-    const auto read = [&](auto& values) {
-      return TAKE(values, id) && TAKE_NODES(values, slots, nodes);
-    };
-    if (!READ_VALUES(line.substr(element_values_start), read)) FAIL_ON_MESH_LINE(line);
+    ListValues values(line.substr(element_values_start));
+    if (!read_element(values, slots, id, nodes)) FAIL_ON_MESH_LINE(line);
+    store(id, nodes);
+  }
+
+  void store(std::int32_t id, const std::array<std::int32_t, 9>& nodes) {
     const auto index = static_cast<std::size_t>(id) - 1;
-    if (id < 1 || index >= corners[0].size()) FAIL_ON_MESH_LINE(line);
-    for (const std::size_t slot : slots) {
-      const bool is_node = nodes[slot] >= 1 && nodes[slot] <= std::ssize(elevations);
-      if (!is_node) FAIL_ON_MESH_LINE(line);
-    }
     if (corners[0][index] != 0) FAIL_ON_REPEATED_ID(file_name, "element", id);
     for (std::size_t slot = 0; slot < corners.size(); ++slot) corners[slot][index] = nodes[slot];
   }
@@ -111,8 +171,7 @@ void READ_2DM_ELEVATIONS(const InputUnit& unit, LargeArray<float>& elevations,
 
   LineReader reader(unit, line_width);
   ElevationCardReader cards(unit.name(), elevations, corners, element_count.has_value());
-  std::string_view line;
-  while (reader.next(line)) cards.take(line);
+  TAKE_LINES(reader, cards);
   if (cards.has_all_nodes()) return;
 
   set_missing(elevations);

@@ -1,5 +1,6 @@
 #include "support/large_array.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -22,6 +23,7 @@ void prefer_large_pages([[maybe_unused]] void* memory, [[maybe_unused]] std::siz
 }  // namespace
 
 void* ALLOCATE_LARGE(std::size_t size) {
+  if (size > SIZE_MAX - large_page_size) throw std::bad_alloc();
   const bool is_large = size >= smallest_large_size;
   const std::size_t rounded = (size + large_page_size - 1) / large_page_size * large_page_size;
   void* const memory =

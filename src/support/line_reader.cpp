@@ -23,6 +23,7 @@ bool LineReader::next(std::string_view& line) {
 void LineReader::rewind() {
   start = 0;
   filled = 0;
+  lines_end = 0;
   file_position = 0;
 }
 
@@ -37,6 +38,7 @@ std::size_t LineReader::refill() {
                                 static_cast<std::int64_t>(block_size - filled));
   file_position += got;
   filled += static_cast<std::size_t>(got);
+  lines_end = std::string_view(block.get(), filled).rfind('\n') + 1;  // 0 without any
   return static_cast<std::size_t>(got);
 }
 

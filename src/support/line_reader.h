@@ -13,7 +13,7 @@ namespace quillet {
 
 class LineReader {
  public:
-  static constexpr std::size_t usual_block_size = std::size_t{1} << 20;
+  static constexpr std::size_t usual_block_size = std::size_t{256} << 10;
 
   // The file must stay open. Lines are cut to `width` characters; the rest of a longer line is
   // passed over. The block holds more than `width` bytes.
@@ -23,6 +23,16 @@ class LineReader {
   // at the end of the file. The characters stay until the next call, and the one after the last may
   // be looked at too: it is a line end, unless the line was cut.
   bool next(std::string_view& line);
+
+  // The next line where it stands, when the block holds all of it, with its line end and without
+  // any cut; else null.
+  const char* whole_line() const { return start < lines_end ? block.get() + start : nullptr; }
+
+  // Goes past the line that whole_line() gave. `place` is any character of it or its line end.
+  void pass_line(const char* place) {
+    if (*place != '\n') place = find_line_end(static_cast<std::size_t>(place - block.get()));
+    start = static_cast<std::size_t>(place - block.get()) + 1;
+  }
 
   // Back to the first line.
   void rewind();
@@ -39,6 +49,7 @@ class LineReader {
   std::unique_ptr<char[]> block;  // block_size bytes and one for a line end at the end of the file
   std::size_t start = 0;          // of the next line in the block
   std::size_t filled = 0;
+  std::size_t lines_end = 0;       // just after the last line end in the block
   std::int64_t file_position = 0;  // just after what is in the block
 };
 

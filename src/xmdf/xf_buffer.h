@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "support/large_array.h"
+
 namespace quillet {
 
 class XfBuffer {
@@ -13,14 +15,18 @@ class XfBuffer {
     if (size > capacity) {
       bytes.reset();
       capacity = 0;
-      bytes = std::make_unique_for_overwrite<std::byte[]>(size);
+      bytes.reset(static_cast<std::byte*>(ALLOCATE_LARGE(size)));
       capacity = size;
     }
     return bytes.get();
   }
 
  private:
-  std::unique_ptr<std::byte[]> bytes;
+  struct Freer {
+    void operator()(std::byte* memory) const { FREE_LARGE(memory); }
+  };
+
+  std::unique_ptr<std::byte, Freer> bytes;
   std::size_t capacity = 0;
 };
 

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 
-#include "ensight/ensight_test_data.h"
+#include "ensight/ensight_meshes.h"
 #include "mesh/load_mesh.h"
 #include "program_runner.h"
 
@@ -110,21 +110,9 @@ TEST(EnsightGeometry, BinaryFileByteByByte) {
   EXPECT_TRUE(folder.has("g.geo.log"));
 }
 
-TEST(EnsightGeometry, NineNodeElementsAreWrittenWithoutTheirCentre) {
-  const Workspace folder;
-  written(test::quad9_mesh(), folder, WRITE_ENSIGHT_GEO_TEXT);
-  const std::string text = folder.read("g.geo");
-  EXPECT_NE(text.find("\nHigh Resolution Output\n"), std::string::npos);
-  EXPECT_EQ(text.find("quad4"), std::string::npos);
-  EXPECT_EQ(text.substr(text.find("tria3")),
-            "tria3\n         1\n         2\n         3         5        10\n"
-            "quad8\n         1\n         1\n"
-            "         1         2         3         4         5         6         7         8\n");
-}
-
 // A 9-node card where none may turns the element before it into one of kind 9 and counts as one
 // that is never read.
-TEST(EnsightGeometry, ElementsOfKind9WithoutNineNodesAreDrawnByTheirCorners) {
+TEST(EnsightGeometry, FiniteVolumeElementsOfKind9WithoutNineNodesAreDrawnByTheirCorners) {
   const Workspace folder;
   written(
       "MESH2D\nE4Q 1 1 2 3 4 1\nE9Q 2 1 2 3 4 5 6 7 8 9 1\n"
@@ -135,16 +123,6 @@ TEST(EnsightGeometry, ElementsOfKind9WithoutNineNodesAreDrawnByTheirCorners) {
             0);
   EXPECT_EQ(text.substr(text.find("quad4")),
             "quad4\n         1\n         1\n         1         4         3         2\n");
-}
-
-TEST(EnsightGeometry, AFiniteVolumeMeshSaysSo) {
-  const Workspace folder;
-  written(test::fv_mesh(), folder, WRITE_ENSIGHT_GEO_TEXT);
-  EXPECT_EQ(folder.read("g.geo").find(
-                "Converted from ORVANE FV .2dm file.\nCell Cornered Output (output == datv)\n"),
-            0);
-  written(test::fv_mesh(), folder, WRITE_ENSIGHT_GEO_BINARY);
-  EXPECT_EQ(folder.read("g.geo").find("Converted from ORVANE output    "), 80);
 }
 
 }  // namespace

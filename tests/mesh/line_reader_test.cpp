@@ -49,17 +49,5 @@ TEST(LineReader, agrees_with_splitting_the_whole_text_for_any_block) {
   }
 }
 
-TEST(LineReader, rewinds_to_the_first_line_and_an_empty_file_has_none) {
-  EXPECT_TRUE(lines_of("", 10, 16).empty());
-  const InputUnit unit(test::text_file("lines.txt", "one\ntwo\n"));
-  LineReader reader(unit, 10);
-  std::string_view line;
-  while (reader.next(line)) {
-  }
-  reader.rewind();
-  EXPECT_TRUE(reader.next(line));
-  EXPECT_EQ(line, "one");
-}
-
 }  // namespace
 }  // namespace quillet

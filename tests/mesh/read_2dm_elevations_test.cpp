@@ -28,35 +28,6 @@ std::string console_of_reading(const std::string& text, std::int32_t nodes,
   });
 }
 
-TEST(Read2dmElevations, takes_elevations_and_corners_as_they_stand) {
-  const InputUnit unit(test::text_file("mesh.2dm", cards));
-  LargeArray<float> elevations;
-  CornerArrays corners;
-  const auto console =
-      test::console_of_returning([&] { READ_2DM_ELEVATIONS(unit, elevations, 3, corners, 3); });
-  EXPECT_EQ(console, "...reading .2dm file\n");
-  EXPECT_EQ(elevations, (LargeArray<float>{10.5F, 12.5F, -11.5F}));
-  EXPECT_EQ(corners[0], (std::vector<std::int32_t>{1, 1, 0}));
-  EXPECT_EQ(corners[1], (std::vector<std::int32_t>{3, 2, 0}));
-  EXPECT_EQ(corners[2], (std::vector<std::int32_t>{2, 3, 0}));
-  EXPECT_EQ(corners[3], (std::vector<std::int32_t>{0, 2, 0}));
-}
-
-TEST(Read2dmElevations, missing_nodes_are_marked_and_warned_of) {
-  const InputUnit unit(test::text_file("mesh.2dm", cards));
-  LargeArray<float> elevations;
-  CornerArrays corners;
-  ASSERT_NE(std::freopen("/dev/null", "rb", stdin), nullptr);
-  const auto console =
-      test::console_of_returning([&] { READ_2DM_ELEVATIONS(unit, elevations, 4, corners, {}); });
-  EXPECT_EQ(console,
-            "...reading .2dm file\n"
-            "WARNING - Did not read an elevation for all nodes from .2dm file.\n"
-            "Press Enter to Continue\n");
-  EXPECT_EQ(elevations, (LargeArray<float>{10.5F, 12.5F, -11.5F, -99999.0F}));
-  EXPECT_TRUE(corners[0].empty());
-}
-
 TEST(Read2dmElevations, files_of_another_mesh_and_bad_lines_end_the_run) {
   const std::string close(test::close_lines);
   const std::string on_line =

@@ -24,7 +24,7 @@ const std::string full_cards =
     "MESHPART \"Main channel\"  \n"
     "ND 1 0.0 -5.0 10.5 1 0.1 0.2 0.3\n"
     "ND 2 1.0 0.0 11.5 0 0 0 1\n"
-    "ND 3 1 1 1.25E1 2 0 0 1 rest\n"
+    "ND 3 1 1 1.25D1 2 0 0 1 rest\n"
     "ND 4,0,1.0,13.5,0,0,0,1\n"
     "ND5 2.0 0.5 14.5 0 0 0 1\r\n"
     "E4Q 1 1 2 3 4 7 21 22 -3\n"
@@ -79,23 +79,6 @@ TEST(Read2dm, full_form_fills_the_whole_record) {
   EXPECT_EQ(mesh.mesh_parts[0].name, "\"Main channel\"");
 }
 
-TEST(Read2dm, console_of_the_full_form) {
-  EXPECT_EQ(console_of_loading(header_line(83) + full_cards, 5, 2),
-            "Reading geo-referencing information...\n"
-            "...scanning .2dm file to determine size\n"
-            "Finished Scanning .2dm file\n"
-            "Number of nodes: 5\n"
-            "Number of triangles: 1\n"
-            "Number of 4-node quads: 1\n"
-            "Number of 9-node quads: 0\n"
-            "Total number of elements: 2\n"
-            "Rewinding .2dm file...\n"
-            "   Done.\n"
-            "...reading .2dm file\n"
-            "Element:\n"
-            "Finished Reading .2dm file\n");
-}
-
 TEST(Read2dm, length_of_the_header_line_tells_the_form) {
   const std::string nodes = "ND 1 0 0 1 1\nND 2 1 0 2\nND 3 0 1 3\n";
   std::string console;
@@ -131,27 +114,6 @@ TEST(Read2dm, nine_node_quadrilaterals_keep_their_direction) {
                          "WARNING - Both 4 and 9 node quadrilateral elements detected.  This may "
                          "cause issues\nPress Enter to Continue\nRewinding"),
             std::string::npos);
-}
-
-TEST(Read2dm, nine_node_card_in_a_form_without_it_only_changes_the_kind_before_it) {
-  std::string console;
-  const MESH_TYPE mesh = load(
-      "MESH2D\nE9Q 1\nND 1 0 0 0\nND 2 0 0 0\nND 3 0 0 0\nE3T 1 1 2 3 5\nE9Q 2 1 2\n", &console);
-  ASSERT_EQ(mesh.elements.size(), 3U);
-  EXPECT_EQ(mesh.elements[0].kind, 9);
-  EXPECT_EQ(NODE_COUNT_OF(mesh.elements[0]), 3);
-  EXPECT_EQ(NODE_COUNT_OF(mesh.elements[1]), 0);
-  EXPECT_NE(console.find("Element:\nERROR - Unexpected 9 point quad in FV or pre 2005 mesh.\n"
-                         "ERROR - Unexpected 9 point quad in FV or pre 2005 mesh.\nFinished"),
-            std::string::npos);
-}
-
-TEST(Read2dm, progress_counts_every_ten_thousand_elements) {
-  std::string text = "MESH2D\nND 1 0 0 0\nND 2 0 0 0\nND 3 0 0 0\n";
-  for (int id = 1; id <= 20001; ++id) text += "E3T " + std::to_string(id) + " 1 2 3 4\n";
-  std::string console;
-  load(text, &console);
-  EXPECT_NE(console.find("\nElement:   10000   20000\nFinished"), std::string::npos);
 }
 
 TEST(Read2dm, a_line_that_cannot_be_read_is_shown_and_ends_the_run) {
@@ -204,19 +166,6 @@ TEST(Read2dm, headers_that_cannot_be_used_end_the_run) {
                 close);
 }
 
-TEST(Read2dm, counts_are_compared_with_those_of_the_results) {
-  const std::string text = header_line(83) + full_cards;
-  EXPECT_TRUE(
-      console_of_loading(text, 4, 3)
-          .ends_with(
-              "Total number of elements: 2\nERROR - Number of cells does not match results file. "
-              "Expecting number of cells: 3\n" +
-              std::string(close_lines)));
-  EXPECT_TRUE(console_of_loading(text, 4).ends_with(
-      "ERROR - Number of nodes does not match results file. Expecting number of nodes: 4\n" +
-      std::string(close_lines)));
-}
-
 // Every cut and every damage leads to a mesh or to an ordinary end of the run.
 TEST(Read2dm, files_cut_anywhere_and_damaged_files_end_in_order) {
   const std::string text = header_line(83) + full_cards + "E9Q 3 1 2 3 4 5 1 2 3 4 1 2 3 4\n";
@@ -253,17 +202,6 @@ TEST(CountCards, agrees_with_a_look_at_every_line_across_blocks) {
   EXPECT_EQ(found.triangles, lines_with("E3T"));
   EXPECT_EQ(found.quads4, lines_with("E4Q"));
   EXPECT_EQ(found.quads9, lines_with("E9Q"));
-}
-
-TEST(MarkNodesOfActiveCells, takes_all_nodes_of_cells_whose_status_is_one_either_way) {
-  const MESH_TYPE mesh = load(header_line(83) + full_cards);
-  std::vector<std::uint8_t> counts(9, 7);
-  MARK_NODES_OF_ACTIVE_CELLS(mesh, std::vector<std::int8_t>{0, -1}, counts);
-  EXPECT_EQ(counts, (std::vector<std::uint8_t>{0, 1, 1, 0, 1}));
-  MARK_NODES_OF_ACTIVE_CELLS(mesh, std::vector<std::int8_t>{1, 2}, counts);
-  EXPECT_EQ(counts, (std::vector<std::uint8_t>{1, 1, 1, 1, 0}));
-  MARK_NODES_OF_ACTIVE_CELLS(load(nine_node_mesh()), std::vector<std::int8_t>{1}, counts);
-  EXPECT_EQ(counts, std::vector<std::uint8_t>(9, 1));
 }
 
 }  // namespace

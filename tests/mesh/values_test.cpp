@@ -11,24 +11,6 @@
 namespace quillet {
 namespace {
 
-TEST(ListValues, takes_values_between_blanks_commas_tabs_and_carriage_returns) {
-  ListValues values("\t-7,+2.5D1 ,  1e-1\r.5 \"A B\"");
-  std::int32_t integer = 0;
-  double first = 0;
-  double second = 0;
-  float third = 0;
-  std::array<char, 2> code{};
-  EXPECT_TRUE(values.value(integer) && values.value(first) && values.value(second));
-  EXPECT_TRUE(values.value(third) && values.code(code));
-  EXPECT_EQ(integer, -7);
-  EXPECT_EQ(first, 25.0);
-  EXPECT_EQ(second, 0.1);
-  EXPECT_EQ(third, 0.5F);
-  EXPECT_EQ(code, (std::array<char, 2>{'A', ' '}));
-  EXPECT_FALSE(values.value(integer));
-  EXPECT_TRUE(values.ended());
-}
-
 template <typename Value>
 bool is_read(const std::string& text) {
   Value value{};

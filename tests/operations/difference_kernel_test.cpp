@@ -83,36 +83,5 @@ TEST_P(DifferenceKernel, AgreesWithTheNaiveLoop) {
 
 INSTANTIATE_TEST_SUITE_P(ScalarsAndVectors, DifferenceKernel, ::testing::Bool());
 
-TEST(DifferenceKernel, SaysWhatDoesNotFit) {
-  const std::string start = "Processing difference results.\n";
-  RandomRuns runs(true);
-  const auto run = [&] { DIFFERENCE(runs.first, runs.second, runs.result); };
-  EXPECT_EQ(console_of_returning(run), start);
-  runs.second.time = 2.4985F;
-  EXPECT_EQ(console_of_returning(run), start + "Warning - Timesteps do not match.\n");
-  runs.second = RandomRuns(false).second;
-  EXPECT_EQ(console_of(run), start + "\nERROR - Second data for -dif option is not a vector.\n" +
-                                 std::string(test::close_lines));
-}
-
-TEST(DifferenceLimits, HaveTheseBits) {
-  const float pairing = std::bit_cast<float>(0x3851b717);
-  EXPECT_TRUE(TIMES_MATCH(pairing, 0) && TIMES_MATCH(0, pairing));
-  EXPECT_FALSE(TIMES_MATCH(std::nextafter(pairing, 1.0F), 0));
-  EXPECT_FALSE(TIMES_MATCH(0, std::nextafter(pairing, 1.0F)));
-
-  const float wet = std::bit_cast<float>(0x3a83126f);
-  RES_TYPE first, second, result;
-  for (RES_TYPE* const record : {&first, &second, &result}) SIZE_RECORD(*record, 2, 0, false);
-  const std::vector<float> bed(2, 0.0F);
-  const std::vector<float> levels{wet, std::nextafter(wet, 1.0F)};
-  console_of_returning([&] {
-    DIFFERENCE_WHERE_WET(first, second, {levels.data(), bed.data(), bed.data(), bed.data()},
-                         result);
-  });
-  EXPECT_EQ(result.nd.x[0], 0);
-  EXPECT_EQ(result.nd.x[1], 99);
-}
-
 }  // namespace
 }  // namespace quillet

@@ -102,22 +102,5 @@ TEST_P(RandomSeries, AgreesWithTheNaiveLoop) {
 }
 INSTANTIATE_TEST_SUITE_P(All, RandomSeries, ::testing::Values(-0.5F, 0.0F, 0.5F, 1.1F, 5.0F));
 
-// A hydrograph of straight lines gives the same hours however it is cut into output times.
-TEST(Durations, AreExactOnStraightLines) {
-  const auto level = [](double t) { return t < 4 ? 2 * t : std::max(8 - 0.5 * (t - 4), 0.0); };
-  for (const double step : {4.0, 2.0, 0.5, 0.125}) {
-    Series series{{}, {}, 1};
-    for (double t = 0; t <= 24; t += step) {
-      series.times.push_back(t);
-      series.values.push_back({static_cast<float>(level(t))});
-    }
-    // Rises through 3 at 1.5 h, falls through it at 14 h.
-    EXPECT_EQ(durations(series, 3)[0], 12.5) << step;
-    EXPECT_EQ(first_times(series, 3)[0], 1.5) << step;
-    EXPECT_EQ(durations(series, 8)[0], 0) << step;
-    EXPECT_EQ(first_times(series, 8)[0], never) << step;
-  }
-}
-
 }  // namespace
 }  // namespace quillet

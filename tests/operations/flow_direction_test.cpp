@@ -74,21 +74,5 @@ TEST(FlowDirection, IsTheArcTangentToTheLastPlace) {
   }
 }
 
-TEST(FlowDirection, ReplacesAComponentAndNothingBeyondTheCount) {
-  const std::vector<float> x = {1, -2, 3, -4, 5, -6, 7, -8, 9, -10, 11, -12, 13, -14, 15, -16, 17};
-  const std::vector<float> y(x.size(), -6.5F);
-  for (std::int64_t count = 0; count < std::ssize(x); ++count) {
-    for (const bool replaces_x : {true, false}) {
-      std::vector<float> first = x;
-      std::vector<float> second = y;
-      std::vector<float>& degrees = replaces_x ? first : second;
-      FLOW_DIRECTION(first.data(), second.data(), degrees.data(), count);
-      for (std::int64_t i = 0; i < count; ++i) EXPECT_TRUE(is_arc_tangent(degrees[i], x[i], y[i]));
-      EXPECT_EQ(first[count], x[count]);
-      EXPECT_EQ(second[count], y[count]);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace quillet

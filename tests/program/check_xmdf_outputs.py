@@ -146,6 +146,16 @@ def bed_elevations(folder):
     return np.array([line.split()[4] for line in lines if line.startswith("ND ")], "f8").astype("f4")
 
 
+def nodes_of_active_cells(folder, active):
+    nodes = np.zeros(len(bed_elevations(folder)), bool)
+    lines = (folder / "run1.2dm").read_text().splitlines()
+    cells = [line.split() for line in lines if line[:3] in ("E3T", "E4Q")]
+    for cell, status in zip(sorted(cells, key=lambda card: int(card[1])), active):
+        if status == 1:
+            nodes[[int(text) - 1 for text in cell[2:2 + int(cell[0][1])]]] = True
+    return nodes
+
+
 def expected_difference(folder, bed1, bed2):
     data = [Series.read(folder, f"run{i}.xmdf", f"run{i}/Temporal/Depth") for i in (1, 2)]
     levels = [Series.read(folder, f"run{i}.xmdf", f"run{i}/Temporal/Water Level") for i in (1, 2)]
@@ -182,6 +192,21 @@ def check_extremes(checker, folder):
                   "MaxMax/Maximums", {f"Max {kind}": series for kind, series in found.items()})
 
 
+def check_levels(checker, folder):
+    """Only the nodes of active cells take part, file by file."""
+    best, source = np.float32(0), 0
+    runs = [Series.read(folder, f"{run}.xmdf", f"{run}/Maximums/Water Level")
+            for run in ("run1", "run2")]
+    for number, run in enumerate(runs, 1):
+        wins = nodes_of_active_cells(folder, run.active[0]) & (run.values[0] > best)
+        best, source = np.where(wins, run.values[0], best), np.where(wins, number, source)
+    assert set(source) == {0, 1, 2}, "every kind of node is there"
+    found = maps(best, source, None, 111111, runs[0].active[0] | runs[1].active[0])
+    checker.check(["-max", "-typeh", "-2dm", "run1.2dm", "run1.xmdf", "run2.xmdf"],
+                  "run1(maxmax).xmdf", "MaxMax/Maximums",
+                  {f"Max {kind}": series for kind, series in found.items()})
+
+
 def check_rewrites(checker, folder):
     depth, velocity, most, least = (Series.read(folder, "run1.xmdf", f"run1/{path}") for path in
                                     ("Temporal/Depth", "Temporal/Vector Velocity",
@@ -213,6 +238,7 @@ def main():
                        check=True, stdout=subprocess.DEVNULL)
         checker = Checker(quillet, folder)
         check_extremes(checker, folder)
+        check_levels(checker, folder)
         check_rewrites(checker, folder)
         bed1 = bed_elevations(folder)
         difference = {"diff_run1 - run2": expected_difference(folder, bed1, bed1)}

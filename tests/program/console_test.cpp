@@ -53,34 +53,25 @@ TEST(Console, MinimumIgnoringStoredValuesFromStartToEnd) {
 
 // The waits: a user who types is waited for, and so is one who asked for no waiting when the run
 // fails.
-struct Ending {
-  std::string arguments;
-  std::string prompt;
-};
-class Endings : public ::testing::TestWithParam<Ending> {};
-
-TEST_P(Endings, WaitForEnter) {
+TEST(Endings, WaitForEnter) {
   const Workspace folder;
   folder.write("a_d.dat", DAT_FILE({1, 0}, "a", {{0, {}, {1}}}));
-  LiveRun run(folder, WORDS(GetParam().arguments));
-  ASSERT_TRUE(run.wait_for(GetParam().prompt));
-  run.type("Enter is what ends a line");
-  EXPECT_TRUE(run.keeps_waiting());
-  run.type("\n");
-  EXPECT_TRUE(run.ends_by_itself());
-  const RunResult result = run.finish();
-  const auto lines = result.lines();
-  EXPECT_EQ(lines.back() + "\n", GetParam().prompt);
-  const bool is_exit_routine = GetParam().prompt == "Press Enter to Close\n";
-  EXPECT_EQ(lines[lines.size() - 2].empty(), is_exit_routine);
-  EXPECT_TRUE(result.ended_well());
+  const std::string exits = "Press Enter to Close\n", pauses = "Press Enter to Continue\n";
+  for (const auto& [arguments, prompt] : std::vector<std::pair<std::string, std::string>>{
+           {"-b -x", pauses}, {"-b -max -min", exits}, {"-b", exits}, {"-max a_d.dat", pauses}}) {
+    LiveRun run(folder, WORDS(arguments));
+    ASSERT_TRUE(run.wait_for(prompt)) << arguments;
+    run.type("Enter is what ends a line");
+    EXPECT_TRUE(run.keeps_waiting()) << arguments;
+    run.type("\n");
+    EXPECT_TRUE(run.ends_by_itself()) << arguments;
+    const RunResult result = run.finish();
+    const auto lines = result.lines();
+    EXPECT_EQ(lines.back() + "\n", prompt);
+    EXPECT_EQ(lines[lines.size() - 2].empty(), prompt == exits) << arguments;
+    EXPECT_TRUE(result.ended_well());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, Endings,
-                         ::testing::Values(Ending{"-b -x", "Press Enter to Continue\n"},
-                                           Ending{"-b -max -min", "Press Enter to Close\n"},
-                                           Ending{"-b", "Press Enter to Close\n"},
-                                           Ending{"-max a_d.dat", "Press Enter to Continue\n"}));
 
 TEST(Console, ClosedStandardInputEndsTheWaits) {
   const Workspace folder;
@@ -93,9 +84,7 @@ void expect_lines(const std::string& arguments, const std::vector<std::string>& 
   const Workspace folder;
   folder.write("a_d.dat", DAT_FILE({3, 1}, "a", {{0, {1}, {1, 2, 3}}, {1, {1}, {4, 5, 6}}}));
   folder.write("A_V.DAT", DAT_FILE({3, 1, true}, "a", {{0, {1}, {1, 2, 3, 4, 5, 6}}}));
-  folder.write("nodes_d.dat", DAT_FILE({4, 1}, "a", {{0, {1}, {1, 2, 3, 4}}}));
   folder.write("cells_d.dat", DAT_FILE({3, 2}, "a", {{0, {1, 1}, {1, 2, 3}}}));
-  folder.write("fv_h.dat", DAT_FILE({2, 2}, "a", {{0, {1, 1}, {1, 2}}, {1, {1, 1}, {1, 2}}}));
   folder.write("a.txt", "text");
   const RunResult run = RUN(folder, WORDS(arguments));
   for (const std::string& line : lines) {
@@ -107,8 +96,11 @@ void expect_lines(const std::string& arguments, const std::vector<std::string>& 
 TEST(Console, SaysWhatItMakesOfTheInputs) {
   expect_lines("-max a.txt", {"   File  1: a.txt",
                               "ERROR - Unable to determine file type (expecting .dat or .xmdf)."});
-  expect_lines("-max a_d.dat -dttol0.01", {"User specified time search tolerance = 0.01"});
-  expect_lines("-max a_d.dat -out r", {"Specified output file has no extension"});
+  expect_lines("-max a_d.dat -out r",
+               {"Specified output file has no extension", "Output .dat File: r.dat"});
+  expect_lines("-max a_d.dat -out r.1", {"Output .dat File: r.1.dat"});
+  expect_lines("-max A_V.DAT -out r.DAT", {"Output .dat File: r.DAT"});
+  expect_lines("-times a_d.dat -out r", {"Output Text File: r.txt"});
   expect_lines(
       "-max a_d.dat -out r.xmdf",
       {"Only DAT inputs.", "Specified output file is .xmdf type", "Using XMDF for output type"});
@@ -120,15 +112,10 @@ TEST(Console, SaysWhatItMakesOfTheInputs) {
                 "   E.g. -typeV to process the velocity results."});
   expect_lines("-max x.xmdf -out r.dat", {"Only XMDF inputs.", "Specified output file is .dat type",
                                           "Using XMDF for output type"});
-  expect_lines("-times a_d.dat", {"Output file is a text file"});
   expect_lines("-ensight a_d.dat",
                {"-ensight found, output name based on conversion.", "Output file is a text file",
                 "WARNING - Ensight conversion not fully supported for .dat files."});
   expect_lines("-max A_V.DAT", {"SMS data type identified as: \"_v\"", "2dm filename: \"A.2dm\""});
-  expect_lines("-max a_d.dat nodes_d.dat",
-               {"ERROR - Number nodes and/or cells in nodes_d.dat not the same as in primary .dat "
-                "file.",
-                "Press Enter to Continue"});
   expect_lines("-max a_d.dat cells_d.dat",
                {"ERROR - Number nodes and/or cells in cells_d.dat not the same as in primary .dat "
                 "file.",
@@ -147,11 +134,6 @@ TEST(Console, SaysWhatItMakesOfTheInputs) {
                 "(-t)"});
   expect_lines("-max -t3 a_d.dat a_d.dat",
                {"ERROR - Could not find specified timestep in .dat file.", "Press Enter to Close"});
-  expect_lines("-max -t1 -dttol0 a_d.dat a_d.dat",
-               {"ERROR - Could not find specified timestep in .dat file."});
-  // Of as many cells as nodes no mesh is needed to tell dry nodes.
-  expect_lines("-max fv_h.dat",
-               {"Number of cells equals number of nodes, assuming ORVANE FV output", "Finished."});
 }
 
 }  // namespace

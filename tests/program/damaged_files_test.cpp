@@ -69,38 +69,31 @@ TEST_P(CutFiles, AreShorterOrRefusedAtEveryLength) {
 
 INSTANTIATE_TEST_SUITE_P(ScalarAndVector, CutFiles, ::testing::Bool());
 
-struct Refused {
-  std::string what;
-  std::string bytes;
-};
-class RefusedFiles : public ::testing::TestWithParam<Refused> {};
-
-TEST_P(RefusedFiles, EndTheRunBeforeAnythingIsSizedByThem) {
-  const Workspace folder;
-  EXPECT_FALSE(is_complete(folder, run_on(folder, GetParam().bytes))) << GetParam().what;
-}
-
 std::string with_counts(const DatShape& shape, const std::vector<int>& statuses) {
   const std::vector<float> values{1, 2, 3, 4};
   return DAT_FILE(shape, "a", {{0, statuses, values}, {1, statuses, values}});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, RefusedFiles,
-    ::testing::Values(
-        Refused{"empty", ""}, Refused{"text", "x,y,depth\n1.0,2.0,0.5\n"},
-        Refused{"much text", std::string(300000, 'x')},
-        Refused{"negative nodes", with_counts({-1, 1}, {1})},
-        Refused{"most negative nodes", with_counts({INT_MIN, 1}, {1})},
-        Refused{"negative cells", with_counts({4, -1}, {1})},
-        Refused{"most negative cells", with_counts({4, INT_MIN}, {})},
-        Refused{"more nodes than values", with_counts({99, 1}, {1})},
-        Refused{"most nodes", with_counts({INT_MAX, 1}, {1})},
-        Refused{"most nodes of vectors", with_counts({INT_MAX, 1, true}, {1})},
-        Refused{"most cells", with_counts({4, INT_MAX}, {1})},
-        Refused{"most cells that no statuses bear out", with_counts({4, INT_MAX}, {})},
-        Refused{"most nodes that no values bear out", DAT_FILE({INT_MAX, 1}, "a", {})},
-        Refused{"most cells of no output time", DAT_FILE({4, INT_MAX}, "a", {})}));
+TEST(RefusedFiles, EndTheRunBeforeAnythingIsSizedByThem) {
+  const Workspace folder;
+  for (const auto& [what, bytes] : std::vector<std::pair<std::string, std::string>>{
+           {"empty", ""},
+           {"text", "x,y,depth\n1.0,2.0,0.5\n"},
+           {"much text", std::string(300000, 'x')},
+           {"negative nodes", with_counts({-1, 1}, {1})},
+           {"most negative nodes", with_counts({INT_MIN, 1}, {1})},
+           {"negative cells", with_counts({4, -1}, {1})},
+           {"most negative cells", with_counts({4, INT_MIN}, {})},
+           {"more nodes than values", with_counts({99, 1}, {1})},
+           {"most nodes", with_counts({INT_MAX, 1}, {1})},
+           {"most nodes of vectors", with_counts({INT_MAX, 1, true}, {1})},
+           {"most cells", with_counts({4, INT_MAX}, {1})},
+           {"most cells that no statuses bear out", with_counts({4, INT_MAX}, {})},
+           {"most nodes that no values bear out", DAT_FILE({INT_MAX, 1}, "a", {})},
+           {"most cells of no output time", DAT_FILE({4, INT_MAX}, "a", {})}}) {
+    EXPECT_FALSE(is_complete(folder, run_on(folder, bytes))) << what;
+  }
+}
 
 TEST(DamagedFiles, NeverCrashTheRun) {
   const Workspace folder;

@@ -1,4 +1,4 @@
-// The commands that the manual shows work on the example model as they stand there.
+// The commands that the manual and its page show work on the example model as they stand there.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -32,17 +32,46 @@ std::vector<std::string> words_of(const std::string& line) {
   return words;
 }
 
-// The commands in the page's blocks of shell lines, without the program's name.
-std::vector<std::vector<std::string>> commands_of(const fs::path& page) {
+// The commands, without the program's name, between a line that starts a block and the next line
+// with the same mark.
+std::vector<std::vector<std::string>> commands_of(const fs::path& page, const std::string& mark,
+                                                  const std::string& start) {
   std::vector<std::vector<std::string>> commands;
   std::ifstream file(page);
-  bool is_shell = false;
+  bool is_inside = false;
   for (std::string line; std::getline(file, line);) {
-    if (line.rfind("```", 0) == 0) is_shell = line == "```sh";
-    if (!is_shell || line.rfind("quillet ", 0) != 0) continue;
+    if (line.rfind(mark, 0) == 0) is_inside = line == start;
+    if (!is_inside || line.rfind("quillet ", 0) != 0) continue;
+    for (auto at = line.find("\\-"); at != std::string::npos; at = line.find("\\-", at)) {
+      line.erase(at, 1);  // as the manual page writes a hyphen
+    }
     commands.push_back(words_of(line.substr(8)));
   }
   return commands;
+}
+
+// On a model of their own, one after another.
+void expect_to_run(const std::vector<std::vector<std::string>>& commands, bool each_writes_anew) {
+  const Workspace folder;
+  const std::string model =
+      QUILLET_EXAMPLE_MODEL " --nodes 1000 \"" + folder.path().string() + "\" > /dev/null";
+  ASSERT_EQ(std::system(model.c_str()), 0);
+  EXPECT_FALSE(commands.empty());
+  for (const auto& arguments : commands) {
+    const auto before = folder.names();
+    const RunResult run = RUN(folder, arguments);
+    EXPECT_TRUE(!each_writes_anew || folder.names() != before)
+        << ::testing::PrintToString(arguments) << " writes nothing";
+    EXPECT_EQ(run.output.find("ERROR"), std::string::npos)
+        << ::testing::PrintToString(arguments) << run.output;
+    EXPECT_TRUE(run.ended_well());
+  }
+}
+
+TEST(ManualPageExamples, RunWithoutErrors) {
+  const auto commands = commands_of(QUILLET_TESTS "/../docs/quillet.1", ".SH", ".SH EXAMPLES");
+  EXPECT_GT(commands.size(), 10U);
+  expect_to_run(commands, true);
 }
 
 TEST(DocumentedExamples, RunWithoutErrors) {
@@ -50,18 +79,7 @@ TEST(DocumentedExamples, RunWithoutErrors) {
   for (const auto& page : fs::directory_iterator(QUILLET_TESTS "/../docs/operations")) {
     SCOPED_TRACE(page.path().filename().string());
     ++pages;
-    const Workspace folder;
-    const std::string model =
-        std::string(QUILLET_EXAMPLE_MODEL) + " \"" + folder.path().string() + "\" > /dev/null";
-    ASSERT_EQ(std::system(model.c_str()), 0);
-    const auto commands = commands_of(page.path());
-    EXPECT_FALSE(commands.empty());
-    for (const auto& arguments : commands) {
-      const RunResult run = RUN(folder, arguments);
-      EXPECT_EQ(run.output.find("ERROR"), std::string::npos)
-          << ::testing::PrintToString(arguments) << run.output;
-      EXPECT_TRUE(run.ended_well());
-    }
+    expect_to_run(commands_of(page.path(), "```", "```sh"), false);
   }
   EXPECT_GE(pages, 4);
 }

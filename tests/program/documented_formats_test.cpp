@@ -1,11 +1,11 @@
 // The worked examples of the pages on file formats are true.
 #include <gtest/gtest.h>
-#include <stdio.h>
 
 #include <fstream>
 #include <sstream>
 
 #include "dat_builder.h"
+#include "program/xmdf_view.h"
 #include "program_runner.h"
 
 namespace quillet::testing {
@@ -41,14 +41,6 @@ std::string bytes_of_dump(const std::string& dump) {
   return bytes;
 }
 
-std::string text_of_command(const std::string& command) {
-  std::string text;
-  FILE* const output = ::popen(command.c_str(), "r");
-  for (int c = ::fgetc(output); c != EOF; c = ::fgetc(output)) text += static_cast<char>(c);
-  EXPECT_EQ(::pclose(output), 0) << text;
-  return text;
-}
-
 TEST(DocumentedFormats, TheDatFileIsThatOfItsDescription) {
   const DatShape shape{2, 1};
   EXPECT_EQ(bytes_of_dump(block_of("dat.md", "hex")),
@@ -60,8 +52,8 @@ TEST(DocumentedFormats, TheXmdfFileIsWritten) {
   folder.write("tiny_d.dat", bytes_of_dump(block_of("dat.md", "hex")));
   EXPECT_TRUE(RUN(folder, WORDS("-b -trim1 -out tiny.xmdf tiny_d.dat")).ended_well());
   const std::string dump = "cd '" + folder.path().string() + "' && h5dump ";
-  EXPECT_EQ(text_of_command(dump + "-d /Trim/Temporal/trim1/Values tiny.xmdf") +
-                text_of_command(dump + "-H -g /Trim/Temporal/trim1 tiny.xmdf"),
+  EXPECT_EQ(TEXT_OF_COMMAND(dump + "-d /Trim/Temporal/trim1/Values tiny.xmdf") +
+                TEXT_OF_COMMAND(dump + "-H -g /Trim/Temporal/trim1 tiny.xmdf"),
             block_of("xmdf.md", "h5dump"));
 }
 

@@ -75,30 +75,18 @@ TEST(Extremes, OfOneScalarFile) {
               "WARNING - Negative times are written as 111111 in .dat files.");
   expect_maps("a single output time is never compared", "-max", {input({last})},
               maxima({0, 0}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}), not_compared + "9");
-  expect_maps("nor in a minimum, which leaves every cell active", "-min",
-              {input({{9, {0, 0}, {-1, -1, -1}}})},
-              minima({1, 1}, {0, 0, 0}, {0, 0, 0}, {0, 0, 0}));
   expect_maps("a stored maximum replaces everything but cannot fall below the start", "-max",
               {input({{1, {1, 1}, {50, 50, 50}}, {99999, {0, -1}, {7, -8, 9}}})},
               maxima({0, 1}, {7, 0, 9}, {1, 0, 1}, {99999, 99999, 99999}), used);
-  expect_maps("a stored maximum alone", "-max", {input({{99999, {1, 0}, {7, 8, 9}}})},
-              maxima({1, 0}, {7, 8, 9}, {1, 1, 1}, {99999, 99999, 99999}), used);
   expect_maps(
       "a stored minimum", "-min",
       {input({{1, {1, 1}, {-50, 0, 0}}, {99999.0078125F, {1, 0}, {-7, 8, -9}}})},
       minima({1, 0}, {-7, 0, -9}, {1, 0, 1}, {99999.0078125F, 99999.0078125F, 99999.0078125F}));
-  expect_maps("a stored maximum is ignored when asked", "-max -ignore_MM",
-              {input({{1, {1, 0}, {5, 6, 7}}, {99999, {1, 1}, {8, 8, 8}}})},
-              maxima({1, 0}, {5, 6, 7}, {1, 1, 1}, {1, 1, 1}),
-              "Ignoring maximum values as -ignore_MM has been specified.");
   expect_maps(
       "and passed over on the way", "-max -ignore_mm",
       {input({{1, {1, 0}, {5, 6, 7}}, {99999, {1, 1}, {8, 8, 8}}, {2, {0, 0}, {4, 7, 7}}, last})},
       maxima({1, 0}, {5, 7, 7}, {1, 1, 1}, {1, 2, 1}),
       "Ignoring maximum values as -ignore_MM specified.");
-  expect_maps("on the way it is a time like others unless ignored", "-max",
-              {input({{1, {1, 0}, {5, 6, 7}}, {99999, {0, 0}, {8, 0, 0}}, last})},
-              maxima({1, 0}, {8, 6, 7}, {1, 1, 1}, {99999, 1, 1}));
   expect_maps("times of maxima end the scan", "-max",
               {input({{1, {1, 0}, {5, 6, 7}},
                       {99999.1F, {1, 1}, {80, 80, 80}},
@@ -118,9 +106,6 @@ TEST(Extremes, OfOneScalarFile) {
                       {3, {}, {0, 3, 0}},
                       {9, {0, 0}, {90, 90, 90}}})},
               maxima({3, 1}, {2, 3, 1}, {1, 1, 1}, {2, 3, 1}));
-  expect_maps("statuses never stated leave a minimum active", "-min",
-              {input({{1, {}, {-1, -1, -1}}, {2, {}, {-2, 0, 0}}, {3, {}, {-9, -9, -9}}})},
-              minima({1, 1}, {-2, -1, -1}, {1, 1, 1}, {2, 1, 1}));
   expect_maps("what is no number never wins; infinity does; times may be negative", "-max",
               {input({{-1.5F, {1, 1}, {NAN, NAN, INFINITY}}, {0, {1, 1}, {-0.0F, 1, 4}}, last})},
               maxima({1, 1}, {0, 1, INFINITY}, {0, 1, 1}, {0, 0, -1.5F}));
@@ -131,13 +116,6 @@ TEST(Extremes, OfManyFiles) {
               {input({{1, {1, 0}, {5, 1, -1}}, last}), input({{1, {0, 0}, {5, 2, -2}}, last}),
                input({{1, {0, 0}, {4, 2, -2}}, {99999, {0, -1}, {5, 2, 3}}})},
               maxima({1, 1}, {5, 2, 3}, {1, 2, 3}));
-  expect_maps("a minimum keeps cells active that are active in every file", "-min",
-              {input({{1, {1, 1}, {-5, 1, -1}}, last}), input({{1, {-1, 0}, {-5, 2, -2}}, last})},
-              minima({1, 0}, {-5, 0, -2}, {1, 0, 2}));
-  expect_maps("at one time, the first within the tolerance, the last one too", "-max -t2",
-              {input({{1, {1, 1}, {50, 50, 50}}, {2, {1, 0}, {1, 9, -3}}}),
-               input({{2.00005F, {0, 0}, {4, 9, -4}}, {2, {1, 1}, {90, 90, 90}}, last})},
-              maxima({1, 0}, {4, 9, 0}, {2, 1, 0}), "...Found time 2 in dat file.");
   expect_maps("a minimum at one time; a wider tolerance finds another time", "-min -t2 -dttol0.5",
               {input({{1.6F, {1, 1}, {-5, 5, -5}}, {2, {1, 1}, {-9, -9, -9}}}),
                input({{1, {0, 0}, {-8, -8, -8}}, {2, {0, 1}, {-5, 5, -6}}})},
@@ -165,16 +143,6 @@ TEST(Extremes, OfVectors) {
   expect_maps("negligible vectors have no length", "-max",
               {vector_input({{1, {1}, {1e-6F, 1e-6F, 0, 2e-6F}}, last_vectors})},
               vector_maxima({1}, {0, 0, 0, 2e-6F}, {0, 1}, {0, 1}));
-  expect_maps("no length is shorter than that of the start", "-min",
-              {vector_input({{1, {1}, {-3, -4, 3, 4}}, last_vectors})},
-              maps(vectors, "Min Value", {1}, {0, 0, 0, 0}, {0, 0}, {0, 0}));
-  expect_maps("stored vectors across two files", "-max",
-              {vector_input({{1, {1}, {9, 9, 9, 9}}, {99999, {0}, {1, 1, 0, -2}}}),
-               vector_input({{1, {0}, {0, 1.5F, 2, 0}}, last_vectors})},
-              vector_maxima({0}, {0, 1.5F, 0, -2}, {2, 1}));
-  expect_maps("vectors at one time", "-max -t1",
-              {vector_input({{1, {1}, {1, 0, 1, 0}}}), vector_input({{1, {0}, {-1, 0, 0, 2}}})},
-              vector_maxima({1}, {1, 0, 0, 2}, {1, 2}));
   expect_maps("the program reads the maps that it wrote", "-max", {written_maxima},
               vector_maxima({1}, {0, -6, 3, 4}, {1, 1}, {111111, 111111}), not_compared + "333333");
   expect_maps("222222 hours in another vector file hold vectors", "-max -t222222",

@@ -68,6 +68,7 @@ class FileRun {
   std::vector<std::string> lines, absent_starts;
 };
 
+// The one test, in file_runs.cpp, instantiated by every file with such runs.
 class FileRuns : public ::testing::TestWithParam<FileRun> {};
 
 }  // namespace quillet::testing

@@ -19,55 +19,25 @@ const std::string expected = DAT_FILE(
 
 using Names = std::vector<std::string>;
 
-TEST(Outputs, ReplaceEarlierOnesWhenComplete) {
-  const Workspace folder;
-  folder.write("a_d.dat", input);
-  folder.write("r.dat", "an earlier result");
-  folder.write("r.dat.part", std::string(5000, 'x'));
-  EXPECT_TRUE(RUN(folder, {"-max", "a_d.dat", "-out", "r.dat"}).has_line("Finished."));
-  EXPECT_TRUE(folder.read("r.dat") == expected);
-  EXPECT_EQ(folder.names(), (Names{"a_d.dat", "r.dat"}));
-}
-
-TEST(Outputs, OfFailedRunsLeaveEarlierOnesAlone) {
-  const Workspace folder;
-  folder.write("a_d.dat", input);
-  folder.write("b_d.dat", input.substr(0, input.size() - 6));
-  folder.write("r.dat", "an earlier result");
-  const RunResult run = RUN(folder, {"-max", "a_d.dat", "b_d.dat", "-out", "r.dat"});
-  EXPECT_TRUE(
-      run.has_line("ERROR - Reading file \"b_d.dat\": expected 8 bytes of node values, found 6"));
-  EXPECT_EQ(folder.read("r.dat"), "an earlier result");
-  EXPECT_EQ(folder.names(), (Names{"a_d.dat", "b_d.dat", "r.dat"}));
-  EXPECT_TRUE(run.ended_well());
-}
-
 // A file-size limit stands for a full disk: on the first piece, between pieces, on the end card.
-struct FullDisk {
-  std::int32_t nodes;
-  rlim_t room;
-};
-class FullDisks : public ::testing::TestWithParam<FullDisk> {};
-
-TEST_P(FullDisks, EndTheRunAndLeaveThePart) {
-  const auto [nodes, room] = GetParam();
-  const Workspace folder;
-  const std::vector<float> values(static_cast<std::size_t>(nodes), 1);
-  folder.write("a_d.dat", DAT_FILE({nodes, 0}, "a", {{0, {}, values}, {1, {}, values}}));
-  folder.write("r.dat", "an earlier result");
-  const RunResult run = RUN(folder, {"-max", "a_d.dat", "-out", "r.dat"}, {.largest_file = room});
-  EXPECT_TRUE(run.has_line("ERROR - Writing file \"r.dat\": File too large"));
-  EXPECT_FALSE(run.has_line("Finished."));
-  EXPECT_EQ(folder.read("r.dat"), "an earlier result");
-  EXPECT_EQ(fs::file_size(folder.path("r.dat.part")), room);
-  EXPECT_TRUE(run.ended_well());
+TEST(FullDisks, EndTheRunAndLeaveThePart) {
+  for (const auto& [nodes, room] :
+       std::vector<std::pair<int, rlim_t>>{{5000, 30000},
+                                           {5000, 92 + 3 * 20009 + 3},
+                                           {300000, 1 << 20},
+                                           {300000, 92 + 3 * 1200009 + 1}}) {
+    const Workspace folder;
+    const std::vector<float> values(static_cast<std::size_t>(nodes), 1);
+    folder.write("a_d.dat", DAT_FILE({nodes, 0}, "a", {{0, {}, values}, {1, {}, values}}));
+    folder.write("r.dat", "an earlier result");
+    const RunResult run = RUN(folder, {"-max", "a_d.dat", "-out", "r.dat"}, {.largest_file = room});
+    EXPECT_TRUE(run.has_line("ERROR - Writing file \"r.dat\": File too large"));
+    EXPECT_FALSE(run.has_line("Finished."));
+    EXPECT_EQ(folder.read("r.dat"), "an earlier result");
+    EXPECT_EQ(fs::file_size(folder.path("r.dat.part")), room);
+    EXPECT_TRUE(run.ended_well());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, FullDisks,
-                         ::testing::Values(FullDisk{5000, 30000},
-                                           FullDisk{5000, 92 + 3 * 20009 + 3},
-                                           FullDisk{300000, 1 << 20},
-                                           FullDisk{300000, 92 + 3 * 1200009 + 1}));
 
 class InputsAsOutputs : public ::testing::TestWithParam<std::string> {};
 
@@ -102,35 +72,24 @@ std::string could_not_open(const std::string& name) {
   return "\nERROR - Could not open file: \"" + name + "\"\n" + try_again;
 }
 
-struct Unopened {
-  Names arguments;
-  std::string name;
-};
-class UnopenedFiles : public ::testing::TestWithParam<Unopened> {};
-
-TEST_P(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
+TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
   const Workspace folder;
   folder.write("a_d.dat", input);
   fs::create_directories(folder.path("folder_d.dat"));
   fs::create_directories(folder.path("r.dat.part"));
   const Names before = folder.names();
-  const RunResult run = RUN(folder, GetParam().arguments);
-  const std::string end = could_not_open(GetParam().name) + "\nPress Enter to Close\n";
-  ASSERT_GT(run.output.size(), end.size());
-  EXPECT_EQ(run.output.substr(run.output.size() - end.size()), end);
-  EXPECT_EQ(folder.names(), before);
-  EXPECT_TRUE(run.ended_well());
+  for (const std::string arguments :
+       {"-max -b missing_d.dat", "-max a_d.dat missing_d.dat", "-max folder_d.dat",
+        "-max a_d.dat/x_d.dat", "-max a_d.dat -out missing/r.dat", "-max a_d.dat -out folder_d.dat",
+        "-max a_d.dat -out r.dat"}) {
+    const RunResult run = RUN(folder, WORDS(arguments));
+    const std::string end = could_not_open(WORDS(arguments).back()) + "\nPress Enter to Close\n";
+    ASSERT_GT(run.output.size(), end.size());
+    EXPECT_EQ(run.output.substr(run.output.size() - end.size()), end);
+    EXPECT_EQ(folder.names(), before);
+    EXPECT_TRUE(run.ended_well());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, UnopenedFiles,
-    ::testing::Values(Unopened{{"-max", "-b", "missing_d.dat"}, "missing_d.dat"},
-                      Unopened{{"-max", "a_d.dat", "missing_d.dat"}, "missing_d.dat"},
-                      Unopened{{"-max", "folder_d.dat"}, "folder_d.dat"},
-                      Unopened{{"-max", "a_d.dat/x_d.dat"}, "a_d.dat/x_d.dat"},
-                      Unopened{{"-max", "a_d.dat", "-out", "missing/r.dat"}, "missing/r.dat"},
-                      Unopened{{"-max", "a_d.dat", "-out", "folder_d.dat"}, "folder_d.dat"},
-                      Unopened{{"-max", "a_d.dat", "-out", "r.dat"}, "r.dat"}));
 
 TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
   const Workspace folder;

@@ -4,11 +4,6 @@
 namespace quillet::testing {
 namespace {
 
-class SupRuns : public FileRuns {};
-TEST_P(SupRuns, TakeTheirResultsAndMesh) {
-  GetParam().check();
-}
-
 constexpr DatShape shape{4, 2};
 const std::string nodes = "MESH2D\nND 1 0 0 0\nND 2 1 0 0\nND 3 0 1 0\nND 4 1 1 0\n";
 const DatTime last{9, {1, 1}, {9, 9, 9, 9}};
@@ -29,7 +24,7 @@ FileRun sup(const std::string& name, const std::string& arguments, const std::st
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, SupRuns,
+    SupRuns, FileRuns,
     ::testing::Values(
         sup("mesh and results stand beside it; the output has its name", "-max in/m.sup",
             "SUPER\nMESH2D \"geo/mesh.2dm\"\n" + data)
@@ -64,10 +59,6 @@ INSTANTIATE_TEST_SUITE_P(
             .says("ERROR - Could not open file: \"in/none_h.dat\""),
         sup("alone, where it stands first", "-max in/m.sup in/one_h.dat", data)
             .says("ERROR - If using .sup file, there must be only one input file."),
-        sup("and last", "-max in/one_h.dat in/m.sup", data)
-            .says("ERROR - Unable to determine file type (expecting .dat or .xmdf)."),
-        sup("not for differences", "-dif in/m.sup", data)
-            .says("ERROR - Must specify two .dat files for -dif or -ddur options."),
         FileRun("its mesh is never written over", "-max m.sup -out m.dat",
                 {{"m.sup", "MESH2D m.dat\nDATA one_h.dat\n"},
                  {"m.dat", model.at("in/geo/mesh.2dm")},

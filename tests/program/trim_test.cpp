@@ -7,11 +7,6 @@
 namespace quillet::testing {
 namespace {
 
-class Trims : public FileRuns {};
-TEST_P(Trims, AreWrittenByteByByte) {
-  GetParam().check();
-}
-
 constexpr DatShape scalars{4, 2};
 constexpr DatShape vectors{3, 2, true};
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
@@ -33,19 +28,13 @@ std::string trimmed(const std::vector<DatTime>& times, const std::string& name =
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, Trims,
+    Trims, FileRuns,
     ::testing::Values(
         FileRun("values that are not less take the limit; statuses stay, those not stated are "
                 "those before",
                 "-trim2 in.v2_d.dat", scalar_file)
             .gives(trimmed({{1, {1, -1}, {2, -7, 2, 1.999F}}, second_trimmed, stored_trimmed}),
                    "in.v2_d(trim2).dat"),
-        FileRun("at one time", "-trim2 -t99999 in.v2_d.dat", scalar_file)
-            .gives(trimmed({stored_trimmed}), "in.v2_d(trim2).dat"),
-        FileRun("whose statuses stand before it", "-trim2 -t2 -out r.dat in.v2_d.dat", scalar_file)
-            .gives(trimmed({second_trimmed}), "r.dat"),
-        FileRun("that is not there", "-trim2 -t3 in.v2_d.dat", scalar_file)
-            .says("ERROR - Could not find specified timestep in .dat file."),
         FileRun("the name in the header ends before its last dot", "-trim1.5 -t99999 in.v2_d.dat",
                 scalar_file)
             .gives(trimmed({{99999, {0, 2}, {1, 1.5F, 1.5F, 1.5F}}}, "trim1"),
@@ -58,10 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
             .says("WARNING - Negative times are written as 111111 in .dat files."),
         FileRun("a file without output times", "-trim-1 in_V.dat",
                 {{"in_V.dat", DAT_FILE(vectors, "data", {})}})
-            .gives(DAT_FILE(vectors, "trim-1", {}), "in_V(trim-1).dat"),
-        FileRun("one input only", "-trim2 in_V.dat in_V.dat", vector_file)
-            .says("ERROR - Can only specify one .dat file for -dur, -trim, -va, -times, -k and -r "
-                  "options.")));
+            .gives(DAT_FILE(vectors, "trim-1", {}), "in_V(trim-1).dat")));
 
 TEST(TrimConsole, FromStartToEnd) {
   const Workspace folder;
@@ -74,10 +60,8 @@ TEST(TrimConsole, FromStartToEnd) {
             set_up + "\nTrimming values at all times.\n" + READ_TEXT("1.000") +
                 FIRST_WRITE_TEXT(output) + READ_TEXT("2.000", true) + WRITE_TEXT(output) + end +
                 end_text);
-  EXPECT_EQ(RUN(folder, WORDS("-trim2 -b -t1 in_d.dat")).output,
-            set_up + "\nTrimming values at time at 1\n" + HEADER_TEXT("in_d.dat", scalars) +
-                "Reading data for time 1.000\nDone.\n...Found time 1 in dat file.\n" +
-                FIRST_WRITE_TEXT(output) + end);
+  EXPECT_TRUE(
+      RUN(folder, WORDS("-trim2 -b -t1 in_d.dat")).has_line("Trimming values at time at 1"));
 }
 
 }  // namespace

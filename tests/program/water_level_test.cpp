@@ -1,15 +1,9 @@
 // -max and -min of water levels: only nodes of active cells take part.
 #include "mesh/mesh_test_files.h"
 #include "program/file_runs.h"
-#include "program/set_up_text.h"
 
 namespace quillet::testing {
 namespace {
-
-class WaterLevelMaps : public FileRuns {};
-TEST_P(WaterLevelMaps, AreWrittenByteByByte) {
-  GetParam().check();
-}
 
 using Values = std::vector<float>;
 
@@ -61,7 +55,7 @@ const std::string first_cell_maxima =
 const std::string plain_maxima = maps({1, 0, 0}, values, Values(7, 1), 1);
 
 INSTANTIATE_TEST_SUITE_P(
-    All, WaterLevelMaps,
+    WaterLevelMaps, FileRuns,
     ::testing::Values(
         max("the corners of active cells; times are those of the file's own maximum", "a_h.dat",
             first_cell)
@@ -86,23 +80,14 @@ INSTANTIATE_TEST_SUITE_P(
             two_files({{1, {1, 1, 1}, Values(7, 50)}, {9, {1, 0, 0}, values}},
                       {{9, {0, 1, 0}, {9, 1, 4, 4, 4, 9, 9}}}))
             .gives(maps({1, 1, 0}, {1, 2, 4, 4, 4, 0, 0}, {1, 1, 2, 2, 2, 0, 0})),
-        max("of the stored maxima their own statuses count", "a_h.dat",
-            one_file({{1, {1, 1, 1}, values}, {99999, {0, 0, 1}, values}}))
-            .gives(maps({0, 0, 1}, {0, 0, 0, 4, 5, 0, 7}, {0, 0, 0, 1, 1, 0, 1}, 99999)),
         max("all nodes of a 9-node quadrilateral take part", "a_h.dat", nine_node_quad(1, 0))
             .gives(maps({1, 0}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0},
                         {1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0}, 1, nine)),
         max("and only the corners of the triangle beside it", "a_h.dat", nine_node_quad(0, 1))
             .gives(maps({0, 1}, {1, 0, 0, 0, 0, 0, 0, 0, 0, 10, 11},
                         {1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1}, 1, nine)),
-        max("-2dm names the mesh", "-2dm m.2dm A_H.dat",
-            {{"m.2dm", mesh}, {"A_H.dat", first_cell.at("a_h.dat")}})
-            .gives(first_cell_maxima),
         max("without the wet/dry test every node takes part, and no mesh is read",
             "-nowetdry a_h.dat", first_cell)
-            .gives(plain_maxima)
-            .never_says(reads_mesh),
-        max("nor for other quantities", "a_d.dat", {{"a_d.dat", first_cell.at("a_h.dat")}})
             .gives(plain_maxima)
             .never_says(reads_mesh),
         max("nor for finite-volume runs", "a_h.dat",
@@ -113,38 +98,8 @@ INSTANTIATE_TEST_SUITE_P(
             WITH(first_cell, {{"a.2dm", mesh + "E3T 4 1 2 3 1\n"}}))
             .says("ERROR - Number of cells does not match results file. Expecting number of cells: "
                   "3"),
-        max("a mesh of other nodes", "a_h.dat",
-            WITH(first_cell, {{"a.2dm", mesh + "ND 8 0 0 0\n"}}))
-            .says("ERROR - Number of nodes does not match results file. Expecting number of nodes: "
-                  "7"),
         max("a missing mesh", "a_h.dat", {{"a_h.dat", first_cell.at("a_h.dat")}})
             .says("ERROR - Could not open file: \"a.2dm\"")));
-
-TEST(WaterLevelConsole, OfTwoFilesAtOneTime) {
-  const Workspace folder;
-  folder.write("a.2dm", mesh);
-  std::string found;
-  for (const std::string file : {"a_h.dat", "b_h.dat"}) {
-    folder.write(file, levels({last}));
-    found += HEADER_TEXT(file, shape) +
-             "Reading data for time 9.000\nDone.\n...Found time 9 in dat file.\n";
-  }
-  const std::string output = "a_h(maxmax).dat";
-  EXPECT_EQ(RUN(folder, WORDS("-max -t9 -2dm a.2dm a_h.dat b_h.dat")).output,
-            SET_UP({"-max (maximum)",
-                    {{"a_h.dat", "_h", "a.2dm"}, {"b_h.dat", "_h", "a.2dm"}},
-                    shape,
-                    output}) +
-                "Allocating secondary arrays for time of max / min.\nDone.\n" + reads_mesh +
-                "\nNo ORVANE geo-referencing information - assume ORVANE FV mesh...\n"
-                "...scanning .2dm file to determine size\nFinished Scanning .2dm file\n"
-                "Number of nodes: 7\nNumber of triangles: 2\nNumber of 4-node quads: 1\n"
-                "Number of 9-node quads: 0\nTotal number of elements: 3\nRewinding .2dm file...\n"
-                "   Done.\n...reading .2dm file\nElement:\nFinished Reading .2dm file\n" +
-                found + "Writing Output\n" + FIRST_WRITE_TEXT(output) + WRITE_TEXT(output) +
-                "Closing input file\nClosing .dat file: a_h.dat\nClosing .dat file: b_h.dat\n" +
-                closing_text + "\nFinished.\nPress Enter to Continue\n");
-}
 
 }  // namespace
 }  // namespace quillet::testing

@@ -74,70 +74,39 @@ std::vector<SameMap> maps_of(const std::string& prefix, bool has_times) {
   return maps;
 }
 
+SameRun extremes(const std::string& operation, const std::string& dat, const std::string& xmdf,
+                 bool has_stored, bool is_vector = false) {
+  const std::string prefix = operation.substr(0, 4) == "-max" ? "Max" : "Min";
+  const bool is_one_file = dat.find(' ') == std::string::npos;
+  return {
+      operation, dat, xmdf, has_stored, prefix + " Value", is_vector, maps_of(prefix, is_one_file)};
+}
+
+SameRun one_map(const std::string& operation, const std::string& dat, const std::string& xmdf,
+                const std::string& dat_name, const std::string& path, bool is_vector = false) {
+  return {operation, dat, xmdf, true, dat_name, is_vector, {{path, 0}}};
+}
+
 std::vector<SameRun> same_runs() {
-  return {{"-max -ignore_mm", "run1_d.dat", "-typed run1.xmdf", true, "Max Value", false,
-           maps_of("Max", true)},
-          {"-min -ignore_mm", "run1_h.dat", "-typeh run1.xmdf", true, "Min Value", false,
-           maps_of("Min", true)},
-          {"-max -ignore_mm -nowetdry", "run1_h.dat", "-path/Temporal/Water run1.xmdf", true,
-           "Max Value", false, maps_of("Max", true)},
-          {"-max -ignore_mm", "run2_V.dat", "-typeV run2.xmdf", true, "Max Value", true,
-           maps_of("Max", true)},
-          {"-max", "run1_h.dat run2_h.dat", "-typeh run1.xmdf run2.xmdf", true, "Max Value", false,
-           maps_of("Max", false)},
-          {"-max", "run1_h.dat run2_h.dat", "-typeh run1.xmdf run2_h.dat", true, "Max Value", false,
-           maps_of("Max", false)},
-          {"-max -t1.5", "run1_V.dat run2_V.dat", "-typev run1.xmdf run2.xmdf", false, "Max Value",
-           true, maps_of("Max", false)},
-          {"-dif",
-           "run1_h.dat run2_h.dat",
-           "-typeh run1.xmdf run2.xmdf",
-           false,
-           "diff_run1_h - run2_h",
-           false,
-           {{"Difference/Temporal/diff_run1 - run2", 0}}},
-          {"-dif",
-           "run1_d.dat run2_d.dat",
-           "-typed run1.xmdf run2.xmdf",
-           false,
-           "diff_run1_d - run2_d",
-           false,
-           {{"Difference/Temporal/diff_run1 - run2", 0}}},
-          {"-dif -nowetdry",
-           "run1_V.dat run2_V.dat",
-           "-typeV run1.xmdf run2_V.dat",
-           false,
-           "diff_run1_V - run2_V",
-           false,
-           {{"Difference/Temporal/diff_run1 - run2_V", 0}}},
-          {"-dif -t99999",
-           "run1_V.dat run2_V.dat",
-           "-typeV run1.xmdf run2.xmdf",
-           true,
-           "diff_run1_V - run2_V",
-           false,
-           {{"Difference/Maximums/diff_run1 - run2", 0}}},
-          {"-trim0.5",
-           "run1_d.dat",
-           "-typed run1.xmdf",
-           false,
-           "trim0",
-           false,
-           {{"Trim/Temporal/trim0.5", 0}}},
-          {"-trim0.5 -t3",
-           "run1_V.dat",
-           "-typeV run1.xmdf",
-           false,
-           "trim0",
-           true,
-           {{"Trim/Temporal/trim0.5", 0}}},
-          {"-va",
-           "run1_V.dat",
-           "-typeV run1.xmdf",
-           false,
-           "r",
-           false,
-           {{"Velocity Angle/Temporal/Vector Angle", 0}}}};
+  const std::string depths = "run1_d.dat run2_d.dat", levels = "run1_h.dat run2_h.dat",
+                    flows = "run1_V.dat run2_V.dat", both = " run1.xmdf run2.xmdf";
+  const std::string diff = "Difference/Temporal/diff_run1 - run2";
+  return {extremes("-max -ignore_mm", "run1_d.dat", "-typed run1.xmdf", true),
+          extremes("-min -ignore_mm", "run1_h.dat", "-typeh run1.xmdf", true),
+          extremes("-max -ignore_mm", "run2_V.dat", "-typeV run2.xmdf", true, true),
+          extremes("-max", levels, "-typeh" + both, true),
+          extremes("-max", levels, "-typeh run1.xmdf run2_h.dat", true),
+          extremes("-max -t1.5", flows, "-typev" + both, false, true),
+          one_map("-dif -t2", levels, "-typeh" + both, "diff_run1_h - run2_h", diff),
+          one_map("-dif -t2", depths, "-typed" + both, "diff_run1_d - run2_d", diff),
+          one_map("-dif -nowetdry -t2", flows, "-typeV run1.xmdf run2_V.dat",
+                  "diff_run1_V - run2_V", diff + "_V"),
+          one_map("-dif -t99999", flows, "-typeV" + both, "diff_run1_V - run2_V",
+                  "Difference/Maximums/diff_run1 - run2"),
+          one_map("-trim0.5 -t3", "run1_V.dat", "-typeV run1.xmdf", "trim0",
+                  "Trim/Temporal/trim0.5", true),
+          one_map("-va -t1", "run1_V.dat", "-typeV run1.xmdf", "r",
+                  "Velocity Angle/Temporal/Vector Angle")};
 }
 
 INSTANTIATE_TEST_SUITE_P(All, SameNumbers,

@@ -9,15 +9,18 @@
 
 namespace quillet::testing {
 
+inline std::string TEXT_OF_COMMAND(const std::string& command) {
+  std::string text;
+  FILE* const output = ::popen((command + " 2>&1").c_str(), "r");
+  for (int c = ::fgetc(output); c != EOF; c = ::fgetc(output)) text += static_cast<char>(c);
+  EXPECT_EQ(::pclose(output), 0) << text;
+  return text;
+}
+
 // What show_xmdf.py prints.
 inline std::string XMDF_TEXT(const std::filesystem::path& name) {
-  const std::string command =
-      "/usr/bin/python3 " QUILLET_TESTS "/program/show_xmdf.py '" + name.string() + "' 2>&1";
-  std::string text;
-  FILE* const view = ::popen(command.c_str(), "r");
-  for (int c = ::fgetc(view); c != EOF; c = ::fgetc(view)) text += static_cast<char>(c);
-  EXPECT_EQ(::pclose(view), 0) << text;
-  return text;
+  return TEXT_OF_COMMAND("/usr/bin/python3 " QUILLET_TESTS "/program/show_xmdf.py '" +
+                         name.string() + "'");
 }
 
 }  // namespace quillet::testing

@@ -154,26 +154,5 @@ std::vector<Folding> foldings() {
 
 INSTANTIATE_TEST_SUITE_P(All, Kernels, ::testing::ValuesIn(foldings()));
 
-TEST(VectorMagnitude, ByHand) {
-  EXPECT_EQ(VECTOR_MAGNITUDE(3, -4), 5.0F);
-  EXPECT_EQ(VECTOR_MAGNITUDE(0.000001F, -0.000001F), 0.0F);
-  EXPECT_EQ(VECTOR_MAGNITUDE(0.0000011F, 0), std::sqrt(0.0000011F * 0.0000011F));
-  EXPECT_EQ(VECTOR_MAGNITUDE(1e20F, 0), std::numeric_limits<float>::infinity());
-  EXPECT_TRUE(std::isnan(VECTOR_MAGNITUDE(NAN, 0)));
-}
-
-TEST(ResultTypes, StandInTheirRows) {
-  // clang-format off
-  const std::pair<std::size_t, std::string> rows[] = {
-      {1, "h=Water Level"}, {14, "ME%=Mass Error %"}, {20, "Cr=Courant No."},
-      {22, "Time=Time Outputs"}, {28, "ZUK1=ZUK1"}, {31, "UD1=UD1"}, {40, "UD10=UD10"},
-      {50, "Z9=Z9"}, {53, "W=Vector Wind"}, {60, "n/a=060"}};
-  // clang-format on
-  for (const auto& [row, text] : rows) {
-    const ResultType& type = result_types[row - 1];
-    EXPECT_EQ(std::string(type.code) + "=" + std::string(type.name), text);
-  }
-}
-
 }  // namespace
 }  // namespace quillet

@@ -1,7 +1,7 @@
 // Damaged files: nothing crashes, and damaged compressed values are never taken for good ones.
 #include <random>
 
-#include "xf_test_files.h"
+#include "xmdf_builder.h"
 
 #ifdef __SANITIZE_ADDRESS__
 // What is tested here is this code, not HDF5, which asks for as much memory as a damaged file
@@ -20,6 +20,19 @@ namespace quillet {
 namespace {
 
 constexpr int time_count = 6;
+
+std::vector<testing::DatTime> random_output_times(const testing::DatShape& shape) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<float> real(-5.0F, 5.0F);
+  std::vector<testing::DatTime> times(time_count);
+  for (testing::DatTime& time : times) {
+    time.time = real(random);
+    time.values.resize(shape.nodes * (shape.is_vector ? 2 : 1));
+    for (float& value : time.values) value = real(random);
+    for (int i = 0; i < shape.cells; ++i) time.statuses.push_back(random() % 2 != 0);
+  }
+  return times;
+}
 
 // The number of output times that can be read; -1 when the file cannot be opened.
 int count_readable(const std::string& name, bool vector) {
@@ -49,30 +62,31 @@ int count_readable(const std::string& name, bool vector) {
 }
 
 // Scalar or vector, output times per chunk.
-class XfDamageTest : public XfTest, public ::testing::WithParamInterface<std::tuple<bool, int>> {
+class XfDamageTest : public XfTest,
+                     public ::testing::WithParamInterface<std::tuple<bool, hsize_t>> {
  protected:
   XfDamageTest() {
-    XfDatasetOptions options;
-    options.compression = 1;
-    options.times_per_chunk = times_per_chunk;
-    write_outputs(path("whole.xmdf"), vector, options, random_output_times(time_count));
-    bytes = bytes_of(path("whole.xmdf"));
+    const testing::DatShape shape{100, 37, vector};
+    testing::XmdfForm form{.chunk_times = times_per_chunk};
+    form.filters = [](hid_t properties) { H5Pset_deflate(properties, 1); };
+    MAKE_XMDF(folder, "whole.xmdf", {{"run/Temporal/Depth", shape, random_output_times(shape)}},
+              form);
+    bytes = folder.read("whole.xmdf");
   }
-  int count_readable_in(const std::vector<char>& damaged) {
-    put_bytes(path("damaged.xmdf"), damaged);
+  int count_readable_in(const std::string& damaged) {
+    folder.write("damaged.xmdf", damaged);
     return count_readable(path("damaged.xmdf"), vector);
   }
 
   const bool vector = std::get<0>(GetParam());
-  const int times_per_chunk = std::get<1>(GetParam());
-  std::vector<char> bytes;
+  const hsize_t times_per_chunk = std::get<1>(GetParam());
+  std::string bytes;
 };
 
 TEST_P(XfDamageTest, AFileCutAnywhereIsNotOpened) {
   EXPECT_EQ(count_readable_in(bytes), time_count);
   for (std::size_t length = 0; length < bytes.size(); length += length < 300 ? 1 : 173) {
-    const std::vector<char> cut(bytes.begin(), bytes.begin() + static_cast<long>(length));
-    ASSERT_EQ(count_readable_in(cut), -1) << length;
+    ASSERT_EQ(count_readable_in(bytes.substr(0, length)), -1) << length;
   }
 }
 
@@ -81,7 +95,7 @@ TEST_P(XfDamageTest, BytesDamagedAtRandomCrashNothing) {
   int unharmed = 0;
   constexpr int attempts = 1000;
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    std::vector<char> damaged = bytes;
+    std::string damaged = bytes;
     for (unsigned i = 0; i <= random() % 3; ++i) {
       damaged[random() % damaged.size()] = static_cast<char>(random());
     }
@@ -105,14 +119,15 @@ TEST_P(XfDamageTest, DamagedCompressedBytesAreNoticed) {
   }
   ASSERT_GT(size, 20U);
   for (hsize_t i = 0; i < size; i += 5) {
-    std::vector<char> damaged = bytes;
+    std::string damaged = bytes;
     damaged[address + i] = static_cast<char>(damaged[address + i] ^ 1);
-    EXPECT_EQ(count_readable_in(damaged), time_count - times_per_chunk) << i;
+    EXPECT_EQ(count_readable_in(damaged), time_count - static_cast<int>(times_per_chunk)) << i;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Chunks, XfDamageTest,
-                         ::testing::Combine(::testing::Bool(), ::testing::Values(1, 3)));
+                         ::testing::Combine(::testing::Bool(),
+                                            ::testing::Values(hsize_t{1}, hsize_t{3})));
 
 }  // namespace
 }  // namespace quillet

@@ -38,23 +38,6 @@ class XfFileTest : public XfTest {
   }
 };
 
-TEST_F(XfFileTest, SaysWhyAFileCannotBeOpened) {
-  expect_refuses("missing.xmdf", "No such file or directory");
-  put_bytes(path("empty.xmdf"), {});
-  expect_refuses("empty.xmdf", "not an HDF5 file");
-  put_bytes(path("text.xmdf"), std::string(5000, 'x'));
-  expect_refuses("text.xmdf", "not an HDF5 file");
-
-  H5Fclose(H5Fcreate(path("plain.xmdf").c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
-  expect_refuses("plain.xmdf", "an HDF5 file but not an XMDF file");
-
-  make_file(path("whole.xmdf"), [](hid_t file) { make_group(file, "a"); });
-  const std::vector<char> bytes = bytes_of(path("whole.xmdf"));
-  const std::string size = std::to_string(bytes.size());
-  put_bytes(path("cut.xmdf"), std::span(bytes).first(1000));
-  expect_refuses("cut.xmdf", "truncated, expected " + size + " bytes, found 1000");
-}
-
 TEST_F(XfFileTest, OpensWithoutLocksWhereThereAreNone) {
   make_file(path("a.xmdf"), [](hid_t) {});
   errno_of_flock = ENOLCK;
@@ -121,12 +104,6 @@ TEST_F(XfPathsTest, AreInNameOrderDepthFirst) {
   });
   expect_paths({"run/Maximums/Depth", "run/Temporal/Depth", "run/Temporal/a", "zz"},
                {"run/Temporal/b"});
-  XfFile file;
-  ASSERT_OK(XF_OPEN_FILE(path("p.xmdf"), file));
-  XfDatasetsInfo info;
-  EXPECT_OK(XF_GET_SCALAR_DATASETS_INFO(file, info));
-  EXPECT_EQ(info.count, 4);
-  EXPECT_EQ(info.longest_path, 18);
 }
 
 TEST_F(XfPathsTest, DatasetsWithoutGroupTypeAreKnownByTheirMembers) {

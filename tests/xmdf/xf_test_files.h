@@ -1,21 +1,15 @@
-// Small XMDF files for the tests: made with this library's writer, or with HDF5 directly where
-// other writers' shapes are wanted.
+// Parts of XMDF files for the tests, made with HDF5 directly.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <hdf5.h>
-#include <unistd.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
-#include <random>
-#include <span>
 #include <string>
 #include <vector>
 
+#include "program_runner.h"
 #include "xmdf/xf_dataset_reader.h"
 #include "xmdf/xf_handle.h"
 #include "xmdf/xf_text.h"
@@ -35,27 +29,10 @@ inline void expect_failure(const XfStatus& status, const std::string& text) {
 
 class XfTest : public ::testing::Test {
  protected:
-  XfTest() {
-    folder_name =
-        std::filesystem::temp_directory_path() / ("quillet_xf_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder_name);
-  }
-  ~XfTest() override { std::filesystem::remove_all(folder_name); }
+  std::string path(const std::string& name) const { return folder.path(name).string(); }
 
-  std::string path(const std::string& name) const { return (folder_name / name).string(); }
-
-  std::filesystem::path folder_name;
+  testing::Workspace folder;
 };
-
-inline std::vector<char> bytes_of(const std::string& name) {
-  std::ifstream file(name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-inline void put_bytes(const std::string& name, std::span<const char> bytes) {
-  std::ofstream file(name, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 // An XMDF file that holds what `fill` puts into it.
 inline void make_file(const std::string& name, const std::function<void(hid_t file)>& fill) {
@@ -112,50 +89,6 @@ inline void make_plain_dataset(hid_t parent, const char* name, const char* group
   for (const hsize_t extent : extents) count *= extent;
   make_member(group.get(), "Values", H5T_IEEE_F32LE, {std::move(extents), {}, {}}, H5T_NATIVE_FLOAT,
               std::vector<float>(count, 1.0F));
-}
-
-constexpr int written_nodes = 100;
-constexpr int written_cells = 37;
-
-struct OutputTime {
-  double time;
-  std::vector<float> x, y;
-  std::vector<std::int8_t> flags;
-};
-
-inline std::vector<OutputTime> random_output_times(int count) {
-  std::mt19937 random(7);
-  std::uniform_real_distribution<float> real(-5.0F, 5.0F);
-  std::vector<OutputTime> outputs(count);
-  for (OutputTime& output : outputs) {
-    output.time = real(random);
-    for (int i = 0; i < written_nodes; ++i) {
-      output.x.push_back(real(random));
-      output.y.push_back(real(random));
-    }
-    for (int i = 0; i < written_cells; ++i) output.flags.push_back(random() % 2 != 0);
-  }
-  return outputs;
-}
-
-// One file with the dataset run/Temporal/Depth.
-inline void write_outputs(const std::string& name, bool vector, const XfDatasetOptions& options,
-                          const std::vector<OutputTime>& outputs) {
-  XfFile file;
-  XfFolder folder;
-  XfDataset dataset;
-  ASSERT_OK(XF_CREATE_FILE(name, file));
-  ASSERT_OK(XF_CREATE_GENERIC_GROUP(file, "run/Temporal", folder));
-  ASSERT_OK(vector ? XF_CREATE_VECTOR_DATASET(folder, "Depth", options, dataset)
-                   : XF_CREATE_SCALAR_DATASET(folder, "Depth", options, dataset));
-  for (const OutputTime& output : outputs) {
-    ASSERT_OK(vector ? XF_WRITE_VECTOR_TIMESTEP(dataset, output.time, output.x, output.y)
-                     : XF_WRITE_SCALAR_TIMESTEP(dataset, output.time, output.x));
-    ASSERT_OK(XF_WRITE_ACTIVITY_TIMESTEP(dataset, output.flags));
-  }
-  ASSERT_OK(XF_CLOSE_GROUP(dataset));
-  ASSERT_OK(XF_CLOSE_GROUP(folder));
-  ASSERT_OK(XF_CLOSE_FILE(file));
 }
 
 }  // namespace quillet
