@@ -52,6 +52,10 @@ std::string folder_of(DatasetKind kind) {
       return "Minimums";
     case DatasetKind::special_times:
       return "Times";
+    case DatasetKind::fixed:
+      return "Fixed";
+    case DatasetKind::other:
+      return "another folder";
     default:
       return "Temporal";
   }
@@ -140,7 +144,8 @@ struct DatPlan {
 
   void leave_out(DatasetKind kind) const {
     for (const auto& dataset : all) {
-      if (dataset->kind() == kind) warn(*dataset, "has no place in a .dat file");
+      if (dataset->kind() == kind)
+        warn(*dataset, "in " + folder_of(kind) + " has no place in a .dat file");
     }
   }
 

@@ -121,7 +121,7 @@ TEST(XmdfToDat, WritesOneFilePerResultType) {
     EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" is of no known type"), 1);
   }
   for (const std::string name : {"Bathymetry", "Depth", "Duration Above 0.1m"}) {
-    EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" has no place"), 1);
+    EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" in "), 1);
   }
 }
 

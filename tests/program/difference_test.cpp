@@ -82,6 +82,10 @@ INSTANTIATE_TEST_SUITE_P(
                          {"b_h.dat", ones}}))
             .gives(DAT_FILE(two_nodes, "diff_a_h - b_h", {{1, {1}, {-8, -99}}}))
             .says("WARNING - Did not read an elevation for all nodes from .2dm file."),
+        dif("a mesh of more nodes does not belong to the results", "a_h.dat b_h.dat",
+            WITH(bed_0, {{"a.2dm", bed_10}, {"a_h.dat", ones}, {"b_h.dat", ones}}))
+            .says("ERROR - .2dm file is incompatible with .dat file whilst reading node "
+                  "elevations"),
         dif("as many cells as nodes is a finite-volume run, without the test", "a_d.dat b_d.dat",
             {{"a_d.dat", results({{1, {1, 1}, {5, 0}}}, {2, 2})},
              {"b_d.dat", results({{1, {1, 0}, {3, 7}}}, {2, 2})}})
@@ -125,6 +129,13 @@ INSTANTIATE_TEST_SUITE_P(
             .gives(differences({first_depths, second_depths}))
             .says(levels_differ + "0.5 1")
             .never_says(levels_differ + "2"),
+        dif("of another mesh end the run", files_d,
+            WITH(depths, {{"b_h.dat", results({{1, {1}, {11, 21, 31}}}, {3, 1})}}))
+            .says("ERROR - Number nodes and/or cells in b_h.dat not the same as in primary .dat "
+                  "file."),
+        dif("that are missing end the run", files_d,
+            WITH(depths_alone, {{"a_h.dat", depths.at("a_h.dat")}}))
+            .says("ERROR - Could not open file: \"b_h.dat\""),
         dif("at one time within a wide tolerance may be those of another",
             "-t2 -dttol0.75 " + files_d,
             WITH(depths, {{"a_h.dat", results({{1.5F, {1}, {11, 20}}, {2, {1}, {0, 0}}})}}))
@@ -155,35 +166,47 @@ const std::string not_matching = "Warning - Timesteps do not match.";
 
 INSTANTIATE_TEST_SUITE_P(
     DifferencesPairing, FileRuns,
-    ::testing::Values(pairs("the smaller time of the second run moves the first run on",
-                            {both(2, 1), both(3, 1), both(4, 1)}, {both(1, 1), both(2, 1)})
-                          .gives(differences({}))
-                          .says(inconsistent + "2 1")
-                          .says("Skipping time in first data file, time: 2")
-                          .says(inconsistent + "4 1")
-                          .never_says("Processing"),
-                      pairs("pairs after skipped times; the last output times take part",
-                            {both(9, 50), both(1, 5), both(2, 6), both(99999, 8)},
-                            {both(1, 1), both(8, 50), both(2, 2), both(99999, 3)})
-                          .gives(differences({both(1, 4), both(2, 4), both(99999, 5)})),
-                      pairs("within 0.00005 h; the output has the first time",
-                            {both(1.00004F, 5), both(2, 5)}, {both(1, 1), both(2.00004F, 1)})
-                          .gives(differences({both(1.00004F, 4), both(2, 4)}))
-                          .never_says(inconsistent)
-                          .never_says(not_matching),
-                      pairs("at one time there is no pairing, but a warning",
-                            {both(1, 9), both(2.005F, 5), both(2, 50)}, {both(2, 1)}, two_nodes,
-                            "-t2 -dttol0.01 ")
-                          .gives(differences({both(2.005F, 4)}))
-                          .says(not_matching)
-                          .never_says(inconsistent),
-                      pairs("statuses that the second run does not repeat stay in force",
-                            {both(1, 5), both(2, 5)}, {{1, {0}, {1, 1}}, {2, {}, {2, 2}}})
-                          .gives(differences({{1, {0}, {4, 4}}, {2, {0}, {3, 3}}})),
-                      pairs("vectors by their magnitudes, the negligible being 0",
-                            {{1, {1}, {3, 4, 1e-6F, -1e-6F}}}, {{1, {1}, {0, -2, 0, 1}}},
-                            {2, 1, true})
-                          .gives(differences({{1, {1}, {3, -1}}}))));
+    ::testing::Values(
+        pairs("the smaller time of the second run moves the first run on",
+              {both(2, 1), both(3, 1), both(4, 1)}, {both(1, 1), both(2, 1)})
+            .gives(differences({}))
+            .says(inconsistent + "2 1")
+            .says("Skipping time in first data file, time: 2")
+            .says(inconsistent + "4 1")
+            .never_says("Processing"),
+        pairs("the smaller time of the first run moves the second run on",
+              {both(1, 1), both(2, 1), both(3, 1)}, {both(2, 1), both(3, 1)})
+            .gives(differences({}))
+            .says("Skipping time in second data file, time: 2")
+            .says(inconsistent + "1 3"),
+        pairs("not beyond 0.00005 h", {both(1.00006F, 5), both(2, 5)}, {both(1, 1), both(2, 1)})
+            .gives(differences({}))
+            .says(inconsistent + "1.00006 1"),
+        dif("vectors and scalars cannot be compared", "-nowetdry a_d.dat b_d.dat",
+            {{"a_d.dat", results({{1, {1}, {3, 4, 1, 1}}}, {2, 1, true})}, {"b_d.dat", ones}})
+            .says("ERROR - b_d.dat is not the same vector or scalar format as in "
+                  "primary .dat file."),
+        pairs("pairs after skipped times; the last output times take part",
+              {both(9, 50), both(1, 5), both(2, 6), both(99999, 8)},
+              {both(1, 1), both(8, 50), both(2, 2), both(99999, 3)})
+            .gives(differences({both(1, 4), both(2, 4), both(99999, 5)})),
+        pairs("within 0.00005 h; the output has the first time", {both(1.00004F, 5), both(2, 5)},
+              {both(1, 1), both(2.00004F, 1)})
+            .gives(differences({both(1.00004F, 4), both(2, 4)}))
+            .never_says(inconsistent)
+            .never_says(not_matching),
+        pairs("at one time there is no pairing, but a warning",
+              {both(1, 9), both(2.005F, 5), both(2, 50)}, {both(2, 1)}, two_nodes,
+              "-t2 -dttol0.01 ")
+            .gives(differences({both(2.005F, 4)}))
+            .says(not_matching)
+            .never_says(inconsistent),
+        pairs("statuses that the second run does not repeat stay in force",
+              {both(1, 5), both(2, 5)}, {{1, {0}, {1, 1}}, {2, {}, {2, 2}}})
+            .gives(differences({{1, {0}, {4, 4}}, {2, {0}, {3, 3}}})),
+        pairs("vectors by their magnitudes, the negligible being 0",
+              {{1, {1}, {3, 4, 1e-6F, -1e-6F}}}, {{1, {1}, {0, -2, 0, 1}}}, {2, 1, true})
+            .gives(differences({{1, {1}, {3, -1}}}))));
 
 const Files pair{{"in/a_d.dat", results({both(1, 5)})}, {"in/b_d.dat", results({both(1, 2)})}};
 const std::string pair_difference = differences({both(1, 3)});
