@@ -1,8 +1,10 @@
 #include "xmdf/xf_writer.h"
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
+#include "support/interleave.h"
 #include "support/kernel_target.h"
 #include "xmdf/xf_errors.h"
 #include "xmdf/xf_file_state.h"
@@ -19,6 +21,7 @@ struct XfFolderState {
 struct XfDatasetState {
   XfGroupHandle id;
   hsize_t components = 1;
+  std::size_t expected_values = 0;
   XfStorage storage;
   XfTableWriter values;
   XfTableWriter activity;
@@ -28,14 +31,6 @@ struct XfDatasetState {
 };
 
 namespace {
-
-QUILLET_KERNEL
-void join_components(const float* x, const float* y, std::size_t count, float* pairs) {
-  for (std::size_t i = 0; i < count; ++i) {
-    pairs[2 * i] = x[i];
-    pairs[2 * i + 1] = y[i];
-  }
-}
 
 QUILLET_KERNEL
 void copy_zero_or_one(const std::int8_t* flags, std::size_t count, unsigned char* copy) {
@@ -91,6 +86,7 @@ XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t
   dataset.reset(new XfDatasetState{});
   dataset->id = std::move(group);
   dataset->components = components;
+  dataset->expected_values = static_cast<std::size_t>(std::max(options.expected_values, 0));
   dataset->storage = {options.compression, static_cast<hsize_t>(options.expected_times),
                       static_cast<hsize_t>(options.times_per_chunk)};
   return {};
@@ -119,7 +115,7 @@ void note_output_time(XfDatasetState& dataset, double time, const XfRange& range
 
 XfStatus write_vector(XfDatasetState& dataset, const float* x, const float* y, std::size_t count) {
   std::byte* const row = dataset.values.next_row();
-  join_components(x, y, count, reinterpret_cast<float*>(row));
+  JOIN_COMPONENTS(x, y, static_cast<std::int64_t>(count), reinterpret_cast<float*>(row));
   return dataset.values.write_row(row);
 }
 
@@ -142,7 +138,7 @@ XfStatus complete_tables(XfDatasetState& dataset) {
   if (!dataset.values.created()) {
     // No output time was written.
     dataset.storage.expected_rows = 0;
-    XfStatus status = prepare_values(dataset, dataset.components, 0);
+    XfStatus status = prepare_values(dataset, dataset.components, dataset.expected_values);
     if (!status.ok()) return status;
   }
   XfStatus status = dataset.values.complete();

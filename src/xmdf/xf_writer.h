@@ -29,9 +29,10 @@ using XfDataset = std::unique_ptr<XfDatasetState, XfDatasetCloser>;
 struct XfDatasetOptions {
   std::string units = "m";
   std::string time_units = "Hours";
-  std::int32_t compression = 0;     // deflate level 1 to 9; 0 is none
-  std::int32_t expected_times = 0;  // output times that will follow, where known: cheaper. More or
-                                    // fewer may follow
+  std::int32_t compression = 0;      // deflate level 1 to 9; 0 is none
+  std::int32_t expected_times = 0;   // output times that will follow, where known: cheaper. More or
+                                     // fewer may follow
+  std::int32_t expected_values = 0;  // per output time; what the dataset says when none follows
   std::int32_t times_per_chunk = 1;
 };
 

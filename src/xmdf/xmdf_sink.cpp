@@ -52,6 +52,7 @@ XmdfSink::~XmdfSink() {
 }
 
 void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
+  empty_shape.node_count = shape.node_count;
   empty_shape.is_vector = shape.is_vector;
   expected_times = likely_time_count;
 }
@@ -79,6 +80,7 @@ void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
   has_datasets = true;
   const std::string own_name = without_separators(dataset.empty() ? FILENAME(file_name) : dataset);
   XfDatasetOptions options;
+  options.expected_values = empty_shape.node_count;
   options.expected_times = static_cast<std::int32_t>(std::min<std::int64_t>(time_count, INT32_MAX));
   std::string scalar_name = own_name;
   if (is_vector) {

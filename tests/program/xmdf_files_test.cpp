@@ -172,6 +172,8 @@ TEST(XmdfFiles, WithoutOutputTimesGiveAnEmptyResult) {
   make_damaged(folder, remove_output_times);
   RUN(folder, WORDS("-b -trim50 -typed -out out.xmdf a.xmdf"));
   EXPECT_TRUE(READ_XMDF(folder, "out.xmdf", "Trim/Temporal/trim50").empty());
+  const auto again = RUN(folder, {"-trim1", "-b", "-s1", "-out", "again.xmdf", "out.xmdf"});
+  EXPECT_TRUE(again.has_line("Number of nodes: 40")) << again.output;
   const RunResult own = RUN(folder, WORDS("-b -max -pathtrim50 -out own.xmdf out.xmdf"));
   EXPECT_TRUE(own.has_line("WARNING - No output times in \"out.xmdf\"")) << own.output;
   const RunResult run = RUN(folder, WORDS("-b -max -typed -out max.xmdf a.xmdf"));
