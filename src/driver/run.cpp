@@ -43,7 +43,6 @@ OperationRun operation_run(RunSetup& setup) {
   run.node_count = setup.node_count;
   run.cell_count = setup.cell_count;
   run.is_vector = setup.is_vector;
-  run.is_finite_volume = setup.is_finite_volume;
   run.wet_dry_test = setup.wet_dry_test;
   if (setup.options.time_given) run.time = setup.options.selected_time;
   run.tolerance = setup.tolerance;

@@ -19,7 +19,6 @@ struct OperationRun {
   std::int32_t node_count = 0;
   std::int32_t cell_count = 0;  // unknown_count when no input tells
   bool is_vector = false;
-  bool is_finite_volume = false;
 
   bool wet_dry_test = true;     // dry nodes are told from wet ones
   std::optional<float> time{};  // hours; only this output time
