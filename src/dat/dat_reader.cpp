@@ -148,10 +148,11 @@ void DatReader::load(const DatStep& step, RES_TYPE& record) {
   } else {
     read_bytes(step.statuses_at, record.cell.status.data(), record.cell_count, "cell statuses");
   }
-  if (step.is_vector) {
+  if (step.is_vector && !record.holds_pairs) {
     load_vectors(step.values_at, record.nd, record.node_count);
   } else {
-    read_bytes(step.values_at, record.nd.x.data(), record.node_count * std::int64_t{sizeof(float)},
+    const std::int64_t count = record.node_count * std::int64_t{step.is_vector ? 2 : 1};
+    read_bytes(step.values_at, record.nd.x.data(), count * std::int64_t{sizeof(float)},
                "node values");
   }
 }
