@@ -1,7 +1,8 @@
 // Times the mesh readers; floor_mesh is what they are compared with.
 //
-//     mesh_speed full FILE         LOAD_MESH
-//     mesh_speed elevations FILE   READ_2DM_ELEVATIONS, with the counts of the file
+//     mesh_speed full FILE         LOAD_MESH with the counts of the file, as results tell them
+//     mesh_speed scanned FILE      LOAD_MESH without any, which counts the cards first
+//     mesh_speed elevations FILE   READ_2DM_ELEVATIONS with the counts of the file
 //
 // Seconds and MB/s go to standard error, the readers' own lines to standard output.
 
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,22 +29,30 @@ void report(const std::string& name, Clock::time_point start) {
   std::fprintf(stderr, "%.4f s, %.0f MB/s\n", time.count(), size / 1e6 / time.count());
 }
 
-void time_full(const std::string& name) {
+struct Counts {
+  explicit Counts(const std::string& name) {
+    const auto cards = quillet::COUNT_CARDS(quillet::InputUnit(name));
+    nodes = static_cast<std::int32_t>(cards.nodes);
+    cells = static_cast<std::int32_t>(cards.triangles + cards.quads4 + cards.quads9);
+  }
+  std::int32_t nodes;
+  std::int32_t cells;
+};
+
+void time_loading(const std::string& name, std::optional<std::int32_t> nodes,
+                  std::optional<std::int32_t> cells) {
   const auto start = Clock::now();
   quillet::MESH_TYPE mesh;
-  quillet::LOAD_MESH(name, std::nullopt, std::nullopt, mesh);
+  quillet::LOAD_MESH(name, nodes, cells, mesh);
   report(name, start);
 }
 
-void time_elevations(const std::string& name) {
-  const auto counts = quillet::COUNT_CARDS(quillet::InputUnit(name));
+void time_elevations(const std::string& name, const Counts& counts) {
   const auto start = Clock::now();
   const quillet::InputUnit unit(name);
   quillet::LargeArray<float> elevations;
   quillet::CornerArrays corners;
-  quillet::READ_2DM_ELEVATIONS(
-      unit, elevations, static_cast<std::int32_t>(counts.nodes), corners,
-      static_cast<std::int32_t>(counts.triangles + counts.quads4 + counts.quads9));
+  quillet::READ_2DM_ELEVATIONS(unit, elevations, counts.nodes, corners, counts.cells);
   report(name, start);
 }
 
@@ -50,12 +60,16 @@ void time_elevations(const std::string& name) {
 
 int main(int count, char** arguments) {
   const std::string_view mode = count == 3 ? arguments[1] : "";
+  const std::string name = count == 3 ? arguments[2] : "";
   if (mode == "full") {
-    time_full(arguments[2]);
+    const Counts counts(name);
+    time_loading(name, counts.nodes, counts.cells);
+  } else if (mode == "scanned") {
+    time_loading(name, std::nullopt, std::nullopt);
   } else if (mode == "elevations") {
-    time_elevations(arguments[2]);
+    time_elevations(name, Counts(name));
   } else {
-    std::fputs("mesh_speed full|elevations FILE\n", stderr);
+    std::fputs("mesh_speed full|scanned|elevations FILE\n", stderr);
     return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

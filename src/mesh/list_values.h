@@ -23,6 +23,12 @@ class ListValues {
   bool value(std::int32_t& result);
   bool value(std::int8_t& result);
 
+  // Goes past what value(float&) would take.
+  bool skip_real() {
+    float ignored = 0;
+    return value(ignored);
+  }
+
   // Two characters, with blanks on the right: a text in quotation marks or up to the next
   // separator. What is longer is cut.
   bool code(std::array<char, 2>& result);

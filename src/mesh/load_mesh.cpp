@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <new>
-#include <vector>
+#include <utility>
 
 #include "mesh/mesh_messages.h"
 #include "mesh/read_2dm.h"
@@ -14,11 +14,27 @@
 namespace quillet {
 namespace {
 
-void make_room(MESH_TYPE& mesh) try {
+// No card of a node or an element is shorter, so a file of this size can hold so many.
+constexpr std::int64_t shortest_card = 10;
+
+bool has_room(MESH_TYPE& mesh) try {
   mesh.nodes.reserve(static_cast<std::size_t>(mesh.node_count));
   mesh.elements.reserve(static_cast<std::size_t>(mesh.element_count));
+  return true;
 } catch (const std::bad_alloc&) {
-  FAIL_ALLOCATION();
+  return false;
+}
+
+// Reads a mesh of these counts without counting its cards first. False, with `mesh` left alone,
+// when it has others, or anything in it is out of the ordinary.
+bool load_at_once(const InputUnit& unit, std::int32_t nodes, std::int32_t cells, MESH_TYPE& mesh) {
+  if ((std::int64_t{nodes} + cells) * shortest_card > unit.size()) return false;
+  MESH_TYPE loaded = mesh;
+  loaded.node_count = nodes;
+  loaded.element_count = cells;
+  if (!has_room(loaded) || !READ_2DM_AT_ONCE(unit, loaded)) return false;
+  mesh = std::move(loaded);
+  return true;
 }
 
 }  // namespace
@@ -27,14 +43,19 @@ void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expecte
                std::optional<std::int32_t> expected_cells, MESH_TYPE& mesh) {
   const InputUnit unit(file_name);
   mesh = MESH_TYPE{};
-  SCAN_2DM(unit, mesh);
+  SCAN_2DM_HEADER(unit, mesh);
+  if (expected_nodes && expected_cells &&
+      load_at_once(unit, *expected_nodes, *expected_cells, mesh)) {
+    return;
+  }
+  SCAN_2DM_CARDS(unit, mesh);
   if (mesh.element_count != expected_cells.value_or(mesh.element_count)) {
     FAIL_ON_CELL_COUNT(*expected_cells);
   }
   if (mesh.node_count != expected_nodes.value_or(mesh.node_count)) {
     FAIL_ON_NODE_COUNT(*expected_nodes);
   }
-  make_room(mesh);
+  if (!has_room(mesh)) FAIL_ALLOCATION();
   READ_2DM(unit, mesh);
 }
 

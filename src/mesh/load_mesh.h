@@ -9,11 +9,13 @@
 namespace quillet {
 
 // Opens a .2dm file (see InputUnit), scans it, compares its counts with those of the results where
-// they are known, sizes the tables and reads it. Whatever `mesh` held is replaced.
+// they are known, sizes the tables and reads it; all in one pass where both counts are known and
+// the file is an ordinary one, which shows in nothing but the time. Whatever `mesh` held is
+// replaced.
 //
 // `expected_nodes` is not given for finite-volume results, which have a value per cell, and
-// `expected_cells` not where the results do not tell. Ends the run when a count differs, and as
-// SCAN_2DM and READ_2DM do.
+// `expected_cells` not where the results do not tell. Ends the run when a count differs, and as the
+// parts of the scan and READ_2DM do.
 void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expected_nodes,
                std::optional<std::int32_t> expected_cells, MESH_TYPE& mesh);
 

@@ -27,6 +27,19 @@ class QuickValues {
   [[gnu::always_inline]] bool value(double& result) { return take_real(result); }
   [[gnu::always_inline]] bool value(float& result) { return take_real(result); }
 
+  // Goes past what value(float&) would take, without working out what nobody wants to know.
+  [[gnu::always_inline]] bool skip_real() {
+    Number number(at);
+    const std::size_t digits = number.take_decimal();
+    if (digits == 0) return false;
+    if (digits > most_decimal_digits || !is_blank_or_control(*number.place)) {
+      float ignored = 0;
+      return take_long(ignored);
+    }
+    at = number.place;
+    return true;
+  }
+
   [[gnu::always_inline]] bool value(std::int32_t& result) {
     Number number(at);
     if (number.take_digits() - 1 >= most_integer_digits) return false;
@@ -81,8 +94,18 @@ class QuickValues {
       return count;
     }
 
+    // The same for digits with or without a decimal point.
+    [[gnu::always_inline]] std::size_t take_decimal() {
+      const std::size_t whole = take_digits();
+      if (*place != '.') return whole;
+      ++place;
+      decimals = take_digits();
+      return whole + decimals;
+    }
+
     const char* place;
     std::uint64_t digits = 0;
+    std::size_t decimals = 0;  // digits after the point
     bool is_negative;
   };
 
@@ -90,19 +113,13 @@ class QuickValues {
   template <typename Real>
   [[gnu::always_inline]] bool take_real(Real& result) {
     Number number(at);
-    std::size_t digits = number.take_digits();
-    std::size_t decimals = 0;
-    if (*number.place == '.') {
-      ++number.place;
-      decimals = number.take_digits();
-      digits += decimals;
-    }
+    const std::size_t digits = number.take_decimal();
     if (digits == 0) return false;
     if (digits > most_decimal_digits || !is_blank_or_control(*number.place)) {
       return take_long(result);
     }
-    const double size =
-        static_cast<double>(static_cast<std::int64_t>(number.digits)) / powers_of_ten[decimals];
+    const double size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
+                        powers_of_ten[number.decimals];
     if (std::is_same_v<Real, float> && is_midway(size)) return take_long(result);
     result = static_cast<Real>(number.is_negative ? -size : size);
     at = number.place;

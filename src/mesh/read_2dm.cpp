@@ -11,6 +11,7 @@
 #include "mesh/mesh_messages.h"
 #include "mesh/node_kinds.h"
 #include "mesh/quick_values.h"
+#include "mesh/scan_2dm.h"
 #include "support/console.h"
 #include "support/line_reader.h"
 #include "support/text.h"
@@ -25,16 +26,29 @@ constexpr std::size_t part_name_length = 100;
 // Elements between two counts on the progress line.
 constexpr std::int32_t progress_interval = 10000;
 
-// The place of an item in its table. The table grows item by item as long as the ids ascend from 1
-// without a gap, as they do in most files: setting it to nothing beforehand would be one more pass
-// over much memory.
+bool is_read(const MESH_NODE_TYPE& node) {
+  return node.kind[0] != '\0';
+}
+
+bool is_read(const MESH_ELEMENT_TYPE& element) {
+  return element.kind != 0;
+}
+
+// Puts an item in its place in its table; false when the place is taken. The table grows item by
+// item as long as the ids ascend from 1 without a gap, as they do in most files: setting it to
+// nothing beforehand would be one more pass over much memory.
 template <typename Item>
-[[gnu::always_inline]] inline Item& place_in(LargeArray<Item>& table, std::int32_t id,
-                                             std::int32_t count) {
+[[gnu::always_inline]] inline bool place(LargeArray<Item>& table, std::int32_t id,
+                                         std::int32_t count, const Item& item) {
   const auto index = static_cast<std::size_t>(id) - 1;
-  if (index == table.size()) return table.emplace_back();
+  if (index == table.size()) {
+    table.push_back(item);
+    return true;
+  }
   table.resize(static_cast<std::size_t>(count));
-  return table[index];
+  if (is_read(table[index])) return false;
+  table[index] = item;
+  return true;
 }
 
 class MeshCardReader {
@@ -92,6 +106,16 @@ class MeshCardReader {
     if (!kinds_are_marked) SET_NODE_KINDS(mesh);
   }
 
+  void store_counts() {
+    mesh.triangle_count = cards_of_kind[3];
+    mesh.quad4_count = cards_of_kind[4];
+    mesh.quad9_count = cards_of_kind[9];
+  }
+
+  bool has_all() const {
+    return element_cards == mesh.element_count && node_cards == mesh.node_count;
+  }
+
   void check_counts() const {
     if (element_cards != mesh.element_count) FAIL_ON_CELL_COUNT(mesh.element_count);
     if (node_cards != mesh.node_count) FAIL_ON_NODE_COUNT(mesh.node_count);
@@ -127,8 +151,7 @@ class MeshCardReader {
     if (!read_node(values, id, node)) return nullptr;
     const char* const end = values.end();
     if (end == nullptr || end > text + line_width) return nullptr;
-    store(id, node);
-    return end;
+    return store(id, node) ? end : nullptr;
   }
 
   void take_node(std::string_view line) {
@@ -136,20 +159,20 @@ class MeshCardReader {
     MESH_NODE_TYPE node;
     ListValues values(line.substr(node_values_start));
     if (!read_node(values, id, node)) fail_on(line);
-    store(id, node);
+    if (!store(id, node)) fail_on_repeated("node", id);
   }
 
-  [[gnu::always_inline]] void store(std::int32_t id, MESH_NODE_TYPE& node) {
-    MESH_NODE_TYPE& place = place_in(mesh.nodes, id, mesh.node_count);
-    if (place.kind[0] != '\0') fail_on_repeated("node", id);
+  // False when the id has been read before.
+  [[gnu::always_inline]] bool store(std::int32_t id, MESH_NODE_TYPE& node) {
     if (node.elevation_flag == 1) node.z -= mesh.z_offset;
     node.kind = no_element_node;
-    place = node;
+    if (!place(mesh.nodes, id, mesh.node_count, node)) return false;
     ++node_cards;
     mesh.x_minimum = std::min(mesh.x_minimum, node.x);
     mesh.x_maximum = std::max(mesh.x_maximum, node.x);
     mesh.y_minimum = std::min(mesh.y_minimum, node.y);
     mesh.y_maximum = std::max(mesh.y_maximum, node.y);
+    return true;
   }
 
   template <std::size_t kind, typename Values>
@@ -174,8 +197,7 @@ class MeshCardReader {
     if (!read_element(values, slots, id, element)) return nullptr;
     const char* const end = values.end();
     if (end == nullptr || end > text + line_width) return nullptr;
-    store(id, element);
-    return end;
+    return store(id, element) ? end : nullptr;
   }
 
   template <std::size_t kind>
@@ -184,19 +206,20 @@ class MeshCardReader {
     MESH_ELEMENT_TYPE element;
     ListValues values(line.substr(element_values_start));
     if (!read_element(values, slots, id, element)) fail_on(line);
-    store(id, element);
+    if (!store(id, element)) fail_on_repeated("element", id);
   }
 
   // Kinds can be marked at once while elements come in the order of their ids, after all nodes.
-  [[gnu::always_inline]] void store(std::int32_t id, const MESH_ELEMENT_TYPE& element) {
+  // False when the id has been read before.
+  [[gnu::always_inline]] bool store(std::int32_t id, const MESH_ELEMENT_TYPE& element) {
     const bool is_next = static_cast<std::size_t>(id) == mesh.elements.size() + 1;
-    MESH_ELEMENT_TYPE& place = place_in(mesh.elements, id, mesh.element_count);
-    if (place.kind != 0) fail_on_repeated("element", id);
-    place = element;
+    if (!place(mesh.elements, id, mesh.element_count, element)) return false;
     kinds_are_marked = kinds_are_marked && is_next && node_cards == mesh.node_count;
     if (kinds_are_marked) MARK_NODES_OF(element, mesh.nodes);
     last_element = id;
+    ++cards_of_kind[static_cast<std::size_t>(element.kind)];
     count_element();
+    return true;
   }
 
   void refuse_quad9() {
@@ -223,25 +246,74 @@ class MeshCardReader {
   const MeshForm form;
   std::int32_t node_cards = 0;
   std::int32_t element_cards = 0;
-  std::int32_t last_element = 0;  // id of the last one read; 0 none
-  bool kinds_are_marked;          // of the nodes of all elements so far
+  std::array<std::int32_t, 10> cards_of_kind{};  // of the elements read
+  std::int32_t last_element = 0;                 // id of the last one read; 0 none
+  bool kinds_are_marked;                         // of the nodes of all elements so far
   std::string progress = "Element:";
 };
+
+// Reads no further than to the first line that is not ordinary, and so says nothing and never ends
+// the run.
+class OrdinaryCardReader {
+ public:
+  OrdinaryCardReader(LineReader& line_reader, MeshCardReader& mesh_cards)
+      : reader(line_reader), cards(mesh_cards) {}
+
+  const char* take_quickly(const char* text) { return cards.take_quickly(text); }
+
+  // An ordinary line may come here too, where a block of the file ends within it.
+  void take(std::string_view line) {
+    const MeshCard card = CARD_OF(line);
+    if (card == MeshCard::other) return;
+    if (card == MeshCard::part) return cards.take(line);
+    if (cards.take_quickly(line.data()) != nullptr) return;
+    is_ordinary = false;
+    reader.pass_all();
+  }
+
+  bool took_all() const { return is_ordinary && cards.has_all(); }
+
+ private:
+  LineReader& reader;
+  MeshCardReader& cards;
+  bool is_ordinary = true;
+};
+
+void say_start() {
+  SAY("Rewinding .2dm file...");
+  SAY("   Done.");
+  SAY("...reading .2dm file");
+}
+
+void finish(MeshCardReader& cards) {
+  cards.end_progress();
+  SAY("Finished Reading .2dm file");
+  cards.finish_tables();
+  cards.check_counts();
+}
 
 }  // namespace
 
 void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
-  SAY("Rewinding .2dm file...");
+  say_start();
   LineReader reader(unit, line_width);
-  SAY("   Done.");
-  SAY("...reading .2dm file");
   MeshCardReader cards(unit.name(), mesh);
   TAKE_LINES(reader, cards);
-  cards.end_progress();
-  SAY("Finished Reading .2dm file");
+  finish(cards);
+}
 
-  cards.finish_tables();
-  cards.check_counts();
+bool READ_2DM_AT_ONCE(const InputUnit& unit, MESH_TYPE& mesh) {
+  LineReader reader(unit, line_width);
+  MeshCardReader cards(unit.name(), mesh);
+  OrdinaryCardReader ordinary_cards(reader, cards);
+  TAKE_LINES(reader, ordinary_cards);
+  if (!ordinary_cards.took_all()) return false;
+
+  cards.store_counts();
+  FINISH_2DM_SCAN(mesh);
+  say_start();
+  finish(cards);
+  return true;
 }
 
 }  // namespace quillet

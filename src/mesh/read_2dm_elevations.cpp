@@ -62,9 +62,8 @@ class ElevationCardReader {
  private:
   template <typename Values>
   [[gnu::always_inline]] static bool read_node(Values& values, std::int32_t& id, float& z) {
-    float x = 0;
-    float y = 0;
-    return TAKE(values, id, x, y, z) && id >= 1;
+    return TAKE(values, id) && values.skip_real() && values.skip_real() && TAKE(values, z) &&
+           id >= 1;
   }
 
   const char* take_node_quickly(const char* text) {

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 #include "support/input_unit.h"
 #include "support/large_array.h"
@@ -13,7 +12,7 @@ namespace quillet {
 // Elevation of nodes that the mesh file does not state.
 constexpr float no_elevation = -99999.0F;
 
-using CornerArrays = std::array<std::vector<std::int32_t>, 4>;
+using CornerArrays = std::array<LargeArray<std::int32_t>, 4>;
 
 // Reads from a .2dm file nothing but the elevations of the nodes (m, as they stand: the z offset is
 // not applied) and the corners of triangles and 4-node quadrilaterals, in the order of the mesh

@@ -85,12 +85,17 @@ void say_counts(const MESH_TYPE& mesh) {
 
 }  // namespace
 
-void SCAN_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
-  mesh.high_resolution = false;
+void SCAN_2DM_HEADER(const InputUnit& unit, MESH_TYPE& mesh) {
   scan_header(unit, mesh);
-
   SAY("...scanning .2dm file to determine size");
+}
+
+void SCAN_2DM_CARDS(const InputUnit& unit, MESH_TYPE& mesh) {
   store_counts(unit, COUNT_CARDS(unit), mesh);
+  FINISH_2DM_SCAN(mesh);
+}
+
+void FINISH_2DM_SCAN(MESH_TYPE& mesh) {
   SAY("Finished Scanning .2dm file");
   say_counts(mesh);
 

@@ -27,6 +27,11 @@ void LineReader::rewind() {
   file_position = 0;
 }
 
+void LineReader::pass_all() {
+  rewind();
+  file_position = file.size();
+}
+
 const char* LineReader::find_line_end(std::size_t from) const {
   return static_cast<const char*>(std::memchr(block.get() + from, '\n', filled - from));
 }

@@ -37,6 +37,9 @@ class LineReader {
   // Back to the first line.
   void rewind();
 
+  // Goes to the end of the file.
+  void pass_all();
+
  private:
   const char* find_line_end(std::size_t from) const;
   std::size_t refill();

@@ -9,9 +9,12 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+
+#include "mesh/load_mesh.h"
 
 namespace quillet::test {
 
@@ -73,6 +76,17 @@ std::string console_of_returning(Run run) {
   run();
   has_returned = true;
   return ::testing::internal::GetCapturedStdout();
+}
+
+// What loading a mesh of this text prints.
+inline std::string console_of_loading(const std::string& text,
+                                      std::optional<std::int32_t> nodes = std::nullopt,
+                                      std::optional<std::int32_t> cells = std::nullopt) {
+  const std::string path = text_file("mesh.2dm", text);
+  return console_of([&] {
+    MESH_TYPE mesh;
+    LOAD_MESH(path, nodes, cells, mesh);
+  });
 }
 
 constexpr std::string_view close_lines = "\nPress Enter to Close\n";

@@ -14,6 +14,7 @@ namespace quillet {
 namespace {
 
 using test::close_lines;
+using test::console_of_loading;
 using test::header_line;
 using Slots = std::array<std::int32_t, 9>;
 
@@ -38,15 +39,6 @@ MESH_TYPE load(const std::string& text, std::string* console = nullptr) {
   const auto lines = test::console_of_returning([&] { LOAD_MESH(path, unknown, unknown, mesh); });
   if (console != nullptr) *console = lines;
   return mesh;
-}
-
-std::string console_of_loading(const std::string& text, std::optional<std::int32_t> nodes = unknown,
-                               std::optional<std::int32_t> cells = unknown) {
-  const std::string path = test::text_file("mesh.2dm", text);
-  return test::console_of([&] {
-    MESH_TYPE mesh;
-    LOAD_MESH(path, nodes, cells, mesh);
-  });
 }
 
 std::string kinds_of(const MESH_TYPE& mesh) {

@@ -73,6 +73,24 @@ TEST(QuickValues, give_what_the_complete_reading_gives) {
   EXPECT_GT(taken, 100000);
 }
 
+TEST(QuickValues, skip_what_the_complete_reading_takes) {
+  std::mt19937 random(12);
+  int skipped = 0;
+  for (int round = 0; round < 100000; ++round) {
+    const std::string line = random_token(random) + " 25\n";
+    QuickValues quick(line.c_str());
+    ListValues list(std::string_view(line).substr(0, line.size() - 1));
+    float real = 0;
+    std::int32_t after_quick = 0;
+    std::int32_t after_list = 0;
+    if (!quick.skip_real() || !quick.value(after_quick)) continue;
+    EXPECT_TRUE(list.value(real) && list.value(after_list)) << line;
+    EXPECT_EQ(after_quick, after_list) << line;
+    ++skipped;
+  }
+  EXPECT_GT(skipped, 50000);
+}
+
 // Decimals a little off the middle between two 32-bit values, nearer to it than to any other 64-bit
 // value: rounded by way of 64 bits they would come out on the wrong side.
 TEST(QuickValues, round_to_32_bits_once) {
