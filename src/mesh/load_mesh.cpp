@@ -48,7 +48,7 @@ void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expecte
       load_at_once(unit, *expected_nodes, *expected_cells, mesh)) {
     return;
   }
-  SCAN_2DM_CARDS(unit, mesh);
+  SCAN_2DM(unit, mesh);
   if (mesh.element_count != expected_cells.value_or(mesh.element_count)) {
     FAIL_ON_CELL_COUNT(*expected_cells);
   }

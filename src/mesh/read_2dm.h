@@ -5,7 +5,7 @@
 
 namespace quillet {
 
-// Second pass over a .2dm file, after SCAN_2DM_CARDS: fills nodes, elements, extents, node kinds
+// Second pass over a .2dm file, after SCAN_2DM: fills nodes, elements, extents, node kinds
 // and mesh parts, and announces each step. The node and element tables have room for the scanned
 // counts and hold nothing yet.
 //

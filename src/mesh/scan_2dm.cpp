@@ -90,7 +90,7 @@ void SCAN_2DM_HEADER(const InputUnit& unit, MESH_TYPE& mesh) {
   SAY("...scanning .2dm file to determine size");
 }
 
-void SCAN_2DM_CARDS(const InputUnit& unit, MESH_TYPE& mesh) {
+void SCAN_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
   store_counts(unit, COUNT_CARDS(unit), mesh);
   FINISH_2DM_SCAN(mesh);
 }

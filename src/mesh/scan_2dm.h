@@ -15,7 +15,7 @@ void SCAN_2DM_HEADER(const InputUnit& unit, MESH_TYPE& mesh);
 
 // Fills the counts, then FINISH_2DM_SCAN. Ends the run when there are more cards than a count can
 // state.
-void SCAN_2DM_CARDS(const InputUnit& unit, MESH_TYPE& mesh);
+void SCAN_2DM(const InputUnit& unit, MESH_TYPE& mesh);
 
 // Announces the counts and tells the resolution. Warns and waits when 4- and 9-node quadrilaterals
 // stand together.
