@@ -8,6 +8,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xf_trial.h"
 #include "xmdf/xmdf_times_outputs.h"
 
 namespace quillet {
@@ -15,6 +16,8 @@ namespace {
 
 void open_file(XmdfFileHeader& header) {
   SAY("Opening XMDF file " + QUOTED(header.file_name));
+  const XfStatus tried = xf_try_file(header.file_name);
+  if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
     FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status);
