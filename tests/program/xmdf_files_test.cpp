@@ -144,7 +144,8 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
   const std::string in_depth = "a.xmdf, dataset \"run1/Temporal/Depth\": ";
   const std::string reading_values =
       "Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading " + in_depth;
-  expect(removed("/File Version"), "Determining XMDF Library Version.");
+  expect(removed("/File Version"),
+         "Determining XMDF Library Version. a.xmdf: File Version is missing or no number");
   expect(removed("/File Type"),
          "Could not open XMDF file \"a.xmdf\": an HDF5 file but not an XMDF file, it has no File "
          "Type");

@@ -34,12 +34,12 @@ std::vector<testing::DatTime> random_output_times(const testing::DatShape& shape
   return times;
 }
 
-// The number of output times that can be read; -1 when the file cannot be opened, or not survived.
+// The number of output times that can be read; -1 when the file cannot be opened.
 int count_readable(const std::string& name, bool vector) {
   XfFile file;
   std::vector<std::string> paths;
   XfGroup group;
-  if (!xf_try_file(name).ok() || !XF_OPEN_FILE(name, file).ok()) return -1;
+  if (!XF_OPEN_FILE(name, file).ok()) return -1;
   const XfStatus listed =
       vector ? XF_GET_VECTOR_DATASET_PATHS(file, paths) : XF_GET_SCALAR_DATASET_PATHS(file, paths);
   if (!listed.ok() || paths.empty() || !XF_OPEN_GROUP(file, paths[0], group).ok()) return 0;
@@ -92,15 +92,20 @@ TEST_P(XfDamageTest, AFileCutAnywhereIsNotOpened) {
 
 TEST_P(XfDamageTest, BytesDamagedAtRandomCrashNothing) {
   std::mt19937 random(20);
+  const std::size_t attributes = bytes.rfind("Grouptype") - 100;
   int unharmed = 0;
-  constexpr int attempts = 1000;
+  constexpr int attempts = 400;
   for (int attempt = 0; attempt < attempts; ++attempt) {
     std::string damaged = bytes;
+    // HDF5 itself crashes on damaged attributes.
+    const bool aims = attempt % 2 == 0;
     for (unsigned i = 0; i <= random() % 3; ++i) {
-      const std::size_t position = random() % damaged.size();
+      const std::size_t position = aims ? attributes + random() % 400 : random() % bytes.size();
       damaged[position] = static_cast<char>(random());
     }
-    if (count_readable_in(damaged) == time_count) ++unharmed;
+    folder.write("damaged.xmdf", damaged);
+    if (!xf_try_file(path("damaged.xmdf")).ok()) continue;
+    if (count_readable(path("damaged.xmdf"), vector) == time_count) ++unharmed;
   }
   EXPECT_GT(unharmed, 0);
   EXPECT_LT(unharmed, attempts);
