@@ -19,8 +19,8 @@ namespace quillet {
 namespace {
 
 // A sound file takes milliseconds and a few megabytes.
-constexpr rlim_t most_seconds = 5;  // of the processor, not of a slow drive
-constexpr rlim_t most_memory = rlim_t{1} << 30;
+constexpr rlim_t most_seconds = 5;               // of the processor, not of a slow drive
+constexpr rlim_t most_memory = rlim_t{1} << 30;  // beyond what the parent has
 
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool can_limit_memory = false;  // the sanitizer has more than that from the start
@@ -31,6 +31,11 @@ constexpr bool can_limit_memory = true;
 void limit(__rlimit_resource resource, rlim_t value) {
   const rlimit limits{value, value};
   ::setrlimit(resource, &limits);
+}
+
+rlim_t memory_in_use() {
+  const auto usage = ::mallinfo2();
+  return usage.arena + usage.hblkhd;
 }
 
 // Everything that reads attributes, and what comes before it.
@@ -61,7 +66,7 @@ void tighten_heap() {
 [[noreturn]] void be_the_child(const std::string& name) {
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_CPU, most_seconds);
-  if (can_limit_memory) limit(RLIMIT_DATA, most_memory);
+  if (can_limit_memory) limit(RLIMIT_DATA, memory_in_use() + most_memory);
   const int nowhere = ::open("/dev/null", O_WRONLY);
   if (nowhere < 0) ::_exit(0);
   ::dup2(nowhere, STDOUT_FILENO);

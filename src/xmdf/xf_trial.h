@@ -11,7 +11,7 @@ namespace quillet {
 // damaged, which nobody who calls it can prevent. So a child process reads them first, in the order
 // of the program, and HDF5 fails there instead. Fails when the child does not get through; what
 // HDF5 itself notices is left to the calls that meet it again. To be called before the file is
-// opened, while little memory is in use: that is copied.
+// opened.
 XfStatus xf_try_file(const std::string& name);
 
 }  // namespace quillet
