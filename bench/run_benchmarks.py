@@ -24,9 +24,11 @@ class Operation:
     inputs: tuple  # read by both
     floor_inputs: tuple = ()  # read by the floor besides; quillet finds them itself
     small: bool = False  # worth a line in the comparison with cat
+    copies: bool = False  # the floor is cp of what quillet writes
 
 
 D1, D2, V1, H1 = "run1_d.dat", "run2_d.dat", "run1_V.dat", "run1_h.dat"
+CONVERTED = {"run1_d.xmdf": D1, "run1_V.xmdf": V1}
 MESHES = ("run1.2dm", "run2.2dm")
 
 OPERATIONS = (
@@ -41,6 +43,15 @@ OPERATIONS = (
     Operation("va", ("-va",), (V1,), small=True),
     Operation("dif", ("-dif", "-nowetdry"), (D1, D2), small=True),
     Operation("dif-wetdry", ("-dif",), (D1, D2), (H1, "run2_h.dat", *MESHES), small=True),
+    Operation("keep-scalar", ("-k99999",), (D1,), copies=True),
+    Operation("remove-scalar", ("-r99999",), (D1,), copies=True),
+    Operation("remove-vector", ("-r99999",), (V1,), copies=True),
+    Operation("con-scalar", ("-con",), (D1, D2), copies=True),
+    Operation("con-vector", ("-con",), (V1, "run2_V.dat"), copies=True),
+    Operation("conv-scalar", ("-conv",), (D1,), copies=True),
+    Operation("conv-vector", ("-conv",), (V1,), copies=True),
+    Operation("conv-scalar-back", ("-conv", "-typed"), ("run1_d.xmdf",), copies=True),
+    Operation("conv-vector-back", ("-conv", "-typeV"), ("run1_V.xmdf",), copies=True),
 )
 
 
@@ -101,6 +112,7 @@ class Bench:
         self.outputs = {who: self.work / who / "out.dat" for who in ("floor", "quillet")}
         for output in self.outputs.values():
             output.parent.mkdir(exist_ok=True)
+        self.made = set(self.outputs.values())
 
     def make_model(self, nodes, times):
         folder = self.work / f"model_{nodes}_{times}"
@@ -116,9 +128,27 @@ class Bench:
     def input_files(self, operation):
         return [str(self.model / name) for name in operation.inputs]
 
-    def quillet_command(self, operation):
+    def quillet_command(self, operation, output):
         return [str(self.programs / "quillet"), "-b", *operation.options,
-                *self.input_files(operation), "-out", str(self.outputs["quillet"])]
+                *self.input_files(operation), "-out", str(output)]
+
+    def convert_input(self, name):
+        if name in CONVERTED and not (self.model / name).exists():
+            run([str(self.programs / "quillet"), "-b", "-conv", str(self.model / CONVERTED[name]),
+                 "-out", str(self.model / name)])
+
+    def commands_of_copy(self, operation):
+        """cp of what quillet writes, and quillet."""
+        for name in operation.inputs:
+            self.convert_input(name)
+        to_xmdf = operation.options == ("-conv",)
+        names = [self.work / f"{what}.{'xmdf' if to_xmdf else 'dat'}"
+                 for what in ("kept", "copied", "written")]
+        self.made.update(names)
+        kept, copied, written = names
+        measured_write(self.quillet_command(operation, kept), kept)
+        return [(["cp", str(kept), str(copied)], copied),
+                (self.quillet_command(operation, written), written)]
 
     def floor_command(self, operation, dataset, scheme=()):
         more = [str(self.model / name) if "." in name else name for name in operation.floor_inputs]
@@ -131,10 +161,12 @@ class Bench:
 
         They have been seen to write the same.
         """
+        if operation.copies:
+            return self.commands_of_copy(operation)
         floor_output, quillet_output = self.outputs["floor"], self.outputs["quillet"]
         dataset, programs = "", []
         if operation.options:
-            programs = [(self.quillet_command(operation), quillet_output)]
+            programs = [(self.quillet_command(operation, quillet_output), quillet_output)]
             measured_write(*programs[0])
             dataset = dataset_name(quillet_output)
         schemes = [(), ("--pieces",)] if self.with_pieces else [()]
@@ -149,7 +181,7 @@ class Bench:
     def compare(self, operation):
         runs = paired_runs(self.commands(operation), self.pairs)
         floor, quillet = runs[0], runs[-1] if operation.options else None
-        pieces = runs[1] if self.with_pieces else None
+        pieces = runs[1] if len(runs) > 2 else None
         line = f"{operation.name:<18}{median(floor, 'wall'):>9.4f}"
         if quillet is None:
             return line + (f"{median(pieces, 'wall'):>73.4f}" if pieces else "")
@@ -247,7 +279,7 @@ def main():
         except (Failure, OSError) as failure:
             failed = True
             print(f"{operation.name:<18} {failure}", flush=True)
-    for output in bench.outputs.values():
+    for output in bench.made:
         output.unlink(missing_ok=True)
     return 1 if failed else 0
 

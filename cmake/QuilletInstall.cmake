@@ -18,7 +18,7 @@ install(
   # Inside the XMDF reader and writer, which need HDF5's own headers ...
   PATTERN "xf_*.h" EXCLUDE)
 # ... which these do not.
-foreach(header IN ITEMS xf_dataset_reader xf_file xf_status xf_writer)
+foreach(header IN ITEMS xf_dataset_reader xf_file xf_range xf_status xf_writer)
   install(FILES ${PROJECT_SOURCE_DIR}/src/xmdf/${header}.h
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillet/xmdf)
 endforeach()

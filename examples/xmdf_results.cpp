@@ -49,15 +49,14 @@ void XmdfResults::write(float hours, const RESULT_MAPS_TYPE& maps) {
 
 void XmdfResults::write_maps(const FOLDER_TYPE& folder, float hours, const RESULT_MAPS_TYPE& maps) {
   const std::size_t points = maps.level.size();
-  for (std::vector<float>* const array : {&x_, &y_, &speed_}) array->resize(points);
+  speed_.resize(points);
   for (std::size_t i = 0; i < points; ++i) {
-    x_[i] = maps.velocity[2 * i];
-    y_[i] = maps.velocity[2 * i + 1];
-    speed_[i] = magnitude(x_[i], y_[i]);
+    speed_[i] = magnitude(maps.velocity[2 * i], maps.velocity[2 * i + 1]);
   }
+  const XfRange speeds = xf_range_of(speed_.data(), points);
   write_scalar(folder.level, hours, maps.level, maps.wet);
   write_scalar(folder.depth, hours, maps.depth, maps.wet);
-  check(XF_WRITE_VECTOR_TIMESTEP(folder.vectors, hours, x_, y_));
+  check(XF_WRITE_VECTOR_TIMESTEP(folder.vectors, hours, maps.velocity, speeds));
   check(XF_WRITE_ACTIVITY_TIMESTEP(folder.vectors, maps.wet));
   write_scalar(folder.speed, hours, speed_, maps.wet);
 }
@@ -65,7 +64,8 @@ void XmdfResults::write_maps(const FOLDER_TYPE& folder, float hours, const RESUL
 void XmdfResults::write_scalar(const XfDataset& dataset, float hours,
                                const std::vector<float>& values,
                                const std::vector<std::int8_t>& wet) {
-  check(XF_WRITE_SCALAR_TIMESTEP(dataset, hours, values));
+  check(
+      XF_WRITE_SCALAR_TIMESTEP(dataset, hours, values, xf_range_of(values.data(), values.size())));
   check(XF_WRITE_ACTIVITY_TIMESTEP(dataset, wet));
 }
 

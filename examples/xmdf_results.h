@@ -53,8 +53,6 @@ class XmdfResults {
   XMDF_STORAGE_TYPE storage_;
   XfFile file_;
   FOLDER_TYPE temporal_;
-  std::vector<float> x_;
-  std::vector<float> y_;
   std::vector<float> speed_;
 };
 

@@ -33,6 +33,7 @@ void DatReader::read_header() {
   counts_stated = reader.node_count_stated();
   position = reader.position();
   statuses_in_force = 0;
+  next_head.reset();
   step_follows = reader.step_follows() && position < file.size();
   holds_marker_maps = false;
   if (step_follows && file.size() - position >= dat_step_head_size) {
@@ -75,11 +76,16 @@ float DatReader::next_time() {
 }
 
 DatReader::StepHead DatReader::read_head() const {
+  if (next_head) return *next_head;
   std::array<char, dat_step_head_size> bytes{};
   const auto found = file.read_at(position, bytes.data(), dat_step_head_size);
   if (found < dat_step_head_size) {
     FAIL_READING(file.name(), cut_short(dat_step_head_size, "status flag and time", found));
   }
+  return head_from(bytes.data());
+}
+
+DatReader::StepHead DatReader::head_from(const char* bytes) {
   StepHead head;
   head.states_statuses = bytes[0] == 1;
   std::memcpy(&head.time, &bytes[1], sizeof head.time);
@@ -125,16 +131,22 @@ void DatReader::fail_cut_short(const StepHead& head) const {
 }
 
 // Reads the card after an output time. The end of the file is an end like the end card, also right
-// after a card that promises another output time.
+// after a card that promises another output time. The head that follows is read with the card.
 void DatReader::look_for_step() {
+  std::array<char, dat_card_size + dat_step_head_size> bytes{};
+  const auto found = file.read_at(position, bytes.data(), bytes.size());
+  const bool has_card = found >= dat_card_size;
   std::int32_t card = 0;
-  const bool has_card = file.read_at(position, &card, dat_card_size) == dat_card_size;
+  std::memcpy(&card, bytes.data(), sizeof card);
+  next_head.reset();
+  if (found == bytes.size()) next_head = head_from(&bytes[dat_card_size]);
   position += dat_card_size;
   step_follows =
       has_card && card == static_cast<std::int32_t>(DatCard::output_time) && position < file.size();
 }
 
 void DatReader::return_to(const Place& place) {
+  next_head.reset();
   position = place.position;
   statuses_in_force = place.statuses_in_force;
   step_follows = place.step_follows;
@@ -148,10 +160,11 @@ void DatReader::load(const DatStep& step, RES_TYPE& record) {
   } else {
     read_bytes(step.statuses_at, record.cell.status.data(), record.cell_count, "cell statuses");
   }
-  if (step.is_vector) {
+  if (step.is_vector && !record.holds_pairs) {
     load_vectors(step.values_at, record.nd, record.node_count);
   } else {
-    read_bytes(step.values_at, record.nd.x.data(), record.node_count * std::int64_t{sizeof(float)},
+    const std::int64_t count = record.node_count * std::int64_t{step.is_vector ? 2 : 1};
+    read_bytes(step.values_at, record.nd.x.data(), count * std::int64_t{sizeof(float)},
                "node values");
   }
 }

@@ -78,6 +78,7 @@ class DatReader {
   };
 
   StepHead read_head() const;
+  static StepHead head_from(const char* bytes);
   bool has_vectors_at(float time) const;
   Extent extent_of(const StepHead& head) const;
   [[noreturn]] void fail_cut_short(const StepHead& head) const;
@@ -90,6 +91,7 @@ class DatReader {
   bool counts_stated = false;
   bool holds_marker_maps = false;      // its first output time is this program's maximum
   bool step_follows = false;           // the last card read was that of an output time
+  std::optional<StepHead> next_head;   // what stands there, once it has been read
   std::int64_t position = 0;           // just after that card
   std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far
   std::vector<float> pairs;            // x y x y ..., a piece at a time

@@ -65,10 +65,11 @@ void DatWriter::write_time(float time, const RES_TYPE& record) {
   file.write(&statuses_present, sizeof statuses_present);
   file.write(&written_time, sizeof written_time);
   file.write(record.cell.status.data(), static_cast<std::size_t>(record.cell_count));
-  if (record.is_vector) {
+  if (record.is_vector && !record.holds_pairs) {
     put_pairs(record.nd, record.node_count);
   } else {
-    file.write(record.nd.x.data(), static_cast<std::size_t>(record.node_count) * sizeof(float));
+    const std::int64_t count = record.node_count * std::int64_t{record.is_vector ? 2 : 1};
+    file.write(record.nd.x.data(), static_cast<std::size_t>(count) * sizeof(float));
   }
 }
 

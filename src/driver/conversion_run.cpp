@@ -89,8 +89,8 @@ void write_target(FileKind kind, const ConversionTarget& target, RES_TYPE& step)
 
 void convert(const Conversion& conversion, RES_TYPE& step) {
   const ResultSource& source = *conversion.source;
-  SIZE_RECORD(step, source.node_count(), std::max(source.cell_count(), 0),
-              has_vectors(conversion.datasets));
+  SIZE_RECORD_OF_PAIRS(step, source.node_count(), std::max(source.cell_count(), 0),
+                       has_vectors(conversion.datasets));
   for (const ConversionTarget& target : conversion.targets) {
     write_target(conversion.target_kind, target, step);
   }

@@ -8,7 +8,7 @@ namespace {
 
 void trim(RES_TYPE& step, float limit) {
   if (step.is_vector) {
-    TRIM_VECTOR(step.nd.x.data(), step.nd.y.data(), step.node_count, limit);
+    TRIM_VECTOR(step.nd.x.data(), step.node_count, limit);
   } else {
     TRIM_SCALAR(step.nd.x.data(), step.node_count, limit);
   }

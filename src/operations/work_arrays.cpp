@@ -20,9 +20,21 @@ bool works_without_step(Operation operation) {
          operation == Operation::ensight;
 }
 
+// These pass vectors on as they stand in files, or change them where they stand.
+bool keeps_vectors_paired(Operation operation) {
+  return operation == Operation::keep || operation == Operation::remove ||
+         operation == Operation::range || operation == Operation::con ||
+         operation == Operation::trim;
+}
+
 void size_step(const WorkShape& shape, WorkArrays& work) {
   if (works_without_step(shape.operation)) return;
-  SIZE_RECORD(work.step, shape.node_count, shape.cell_count, shape.is_vector);
+  const auto [operation, nodes, cells, is_vector, wet_dry_test] = shape;
+  if (keeps_vectors_paired(operation)) {
+    SIZE_RECORD_OF_PAIRS(work.step, nodes, cells, is_vector);
+  } else {
+    SIZE_RECORD(work.step, nodes, cells, is_vector);
+  }
 }
 
 void size_second_step(const WorkShape& shape, WorkArrays& work) {

@@ -9,7 +9,7 @@ namespace quillet {
 namespace {
 
 template <typename Value>
-void size_array(LargeArray<Value>& array, std::int32_t count, Value value) {
+void size_array(LargeArray<Value>& array, std::int64_t count, Value value) {
   try {
     array.assign(static_cast<std::size_t>(count), value);
   } catch (const std::bad_alloc&) {
@@ -24,9 +24,19 @@ void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_co
   record.node_count = node_count;
   record.cell_count = cell_count;
   record.is_vector = is_vector;
+  record.holds_pairs = false;
   size_array(record.nd.x, node_count, 0.0F);
   if (is_vector) size_array(record.nd.y, node_count, 0.0F);
   size_array(record.cell.status, cell_count, status);
+}
+
+void SIZE_RECORD_OF_PAIRS(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count,
+                          bool is_vector) {
+  SIZE_RECORD(record, node_count, cell_count, false);
+  if (!is_vector) return;
+  record.is_vector = true;
+  record.holds_pairs = true;
+  size_array(record.nd.x, std::int64_t{2} * node_count, 0.0F);
 }
 
 void SIZE_STATUSES(RES_TYPE& record, std::int32_t cell_count) {

@@ -10,8 +10,8 @@ namespace quillet {
 
 // Per node, in node order.
 struct ND_RES_TYPE {
-  LargeArray<float> x;              // scalar value or x component
-  LargeArray<float> y;              // y component; sized for vector data only
+  LargeArray<float> x;              // scalar value or x component, or pairs of components
+  LargeArray<float> y;              // y component; sized for separated vectors only
   LargeArray<std::int32_t> source;  // number (from 1) of the input that supplied the value; 0
                                     // none. Sized only where sources are kept
 };
@@ -25,6 +25,7 @@ struct RES_TYPE {
   std::int32_t node_count = 0;
   std::int32_t cell_count = 0;
   bool is_vector = false;
+  bool holds_pairs = false;  // vectors stand in nd.x as x1 y1 x2 y2 ..., as they do in files
   float time = 0;            // hours
   bool end_of_file = false;  // no output time follows in the file that was read
   ND_RES_TYPE nd;
@@ -35,6 +36,12 @@ struct RES_TYPE {
 // memory does not suffice.
 void SIZE_RECORD(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count, bool is_vector,
                  std::int8_t status = 0);
+
+// The same for a record that holds vectors as pairs: for operations that pass them on or change
+// them one by one, taking them apart and joining them again would only cost. Scalars stand in the
+// first half.
+void SIZE_RECORD_OF_PAIRS(RES_TYPE& record, std::int32_t node_count, std::int32_t cell_count,
+                          bool is_vector);
 
 // Sizes the cells alone: every status 1.
 void SIZE_STATUSES(RES_TYPE& record, std::int32_t cell_count);

@@ -19,4 +19,7 @@ inline float VECTOR_MAGNITUDE(float x, float y) {
 // The magnitudes of `count` vectors; `magnitude` may be the array of x components.
 void VECTOR_MAGNITUDES(const float* x, const float* y, std::int64_t count, float* magnitude);
 
+// The same of vectors that stand as x1 y1 x2 y2 ...; `magnitude` does not overlap them.
+void PAIR_MAGNITUDES(const float* pairs, std::int64_t count, float* magnitude);
+
 }  // namespace quillet

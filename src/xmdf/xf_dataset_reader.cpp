@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "support/interleave.h"
 #include "support/kernel_target.h"
 #include "xmdf/xf_errors.h"
 #include "xmdf/xf_file_state.h"
@@ -25,14 +26,6 @@ namespace {
 
 constexpr int scalar_rank = 2;
 constexpr int vector_rank = 3;
-
-QUILLET_KERNEL
-void split_components(const float* pairs, std::size_t count, float* x, float* y) {
-  for (std::size_t i = 0; i < count; ++i) {
-    x[i] = pairs[2 * i];
-    y[i] = pairs[2 * i + 1];
-  }
-}
 
 QUILLET_KERNEL
 void make_zero_or_one(std::int8_t* flags, std::size_t count) {
@@ -146,7 +139,8 @@ XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
 XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
   return group.values->read_row_in_pieces(
       row, [&](std::size_t first, std::size_t count, const std::byte* elements) {
-        split_components(reinterpret_cast<const float*>(elements), count, x + first, y + first);
+        SEPARATE_COMPONENTS(reinterpret_cast<const float*>(elements),
+                            static_cast<std::int64_t>(count), x + first, y + first);
       });
 }
 
@@ -220,6 +214,15 @@ XfStatus XF_READ_SCALAR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
     XfStatus status = prepare_values(*group, scalar_rank, output_time, values.size());
     if (!status.ok()) return status;
     return group->values->read_row(output_time - 1, reinterpret_cast<std::byte*>(values.data()));
+  });
+}
+
+XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
+                                        std::span<float> pairs) {
+  return xf_guard_memory([&] {
+    XfStatus status = prepare_values(*group, vector_rank, output_time, pairs.size() / 2);
+    if (!status.ok()) return status;
+    return group->values->read_row(output_time - 1, reinterpret_cast<std::byte*>(pairs.data()));
   });
 }
 

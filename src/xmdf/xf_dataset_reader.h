@@ -45,6 +45,9 @@ XfStatus XF_GET_DATASET_TIMES(const XfGroup& group, std::vector<double>& times);
 // a dataset whose values do not fit its times.
 XfStatus XF_READ_SCALAR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> values);
+// Vectors as x1 y1 x2 y2 ..., two for each of the values, or taken apart.
+XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
+                                        std::span<float> pairs);
 XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> x, std::span<float> y);
 

@@ -1,7 +1,12 @@
 #include "xmdf/xf_file.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
 
 #include "xmdf/xf_errors.h"
 #include "xmdf/xf_file_state.h"
@@ -82,6 +87,13 @@ bool holds_numbers(hid_t dataset) {
   return xf_is_number(type.get());
 }
 
+// Cutting a file to the length that it has gives back the blocks beyond.
+void give_back_reserve(const std::string& name) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(name, error);
+  if (!error) std::filesystem::resize_file(name, size, error);
+}
+
 XfStatus list_once(XfFileState& file) {
   if (file.paths) return {};
   XfDatasetPaths paths;
@@ -126,7 +138,7 @@ XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
       false, error, [&](hid_t access) { return H5Fopen(name.c_str(), H5F_ACC_RDONLY, access); });
   if (!opened.valid()) return opening_failure(name, error);
   XfStatus status = check_file_type(opened.get());
-  if (status.ok()) file.reset(new XfFileState{std::move(opened), std::nullopt});
+  if (status.ok()) file.reset(new XfFileState{std::move(opened)});
   return status;
 }
 
@@ -142,13 +154,28 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
       !write_version(created.get())) {
     return xf_hdf5_failure("the file cannot be written");
   }
-  file.reset(new XfFileState{std::move(created), std::nullopt});
+  file.reset(new XfFileState{std::move(created), std::nullopt, name});
   return {};
+}
+
+void XF_EXPECT_SIZE([[maybe_unused]] const XfFile& file, [[maybe_unused]] std::int64_t bytes) {
+#ifdef __linux__
+  hsize_t size = 0;
+  void* descriptor = nullptr;  // behind HDF5's usual file driver
+  if (bytes <= 0 || H5Fget_filesize(file->id.get(), &size) < 0 ||
+      H5Fget_vfd_handle(file->id.get(), H5P_DEFAULT, &descriptor) < 0) {
+    return;
+  }
+  // The file must not look longer than what HDF5 has written.
+  std::ignore = ::fallocate(*static_cast<const int*>(descriptor), FALLOC_FL_KEEP_SIZE,
+                            static_cast<off_t>(size), bytes);
+#endif
 }
 
 XfStatus XF_CLOSE_FILE(XfFile& file) {
   if (!file) return {};
   const bool closed = file->id.close();
+  if (!file->created_name.empty()) give_back_reserve(file->created_name);
   file.reset();
   return closed ? XfStatus{} : xf_hdf5_failure("the file cannot be completed");
 }

@@ -25,6 +25,10 @@ XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file);
 // Creates the file, replacing one of the same name.
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file);
 
+// Tells the system how many bytes will be added to a file that was created, which makes writing
+// cheaper. A hint: what is not used is given back when the file is closed.
+void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes);
+
 // Closing a file that is not open succeeds. Fails when the rest of a new file could not be written,
 // or when datasets of a new file are still open.
 XfStatus XF_CLOSE_FILE(XfFile& file);

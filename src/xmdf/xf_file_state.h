@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "xmdf/xf_handle.h"
 #include "xmdf/xf_paths.h"
@@ -10,7 +11,8 @@ namespace quillet {
 
 struct XfFileState {
   XfFileHandle id;
-  std::optional<XfDatasetPaths> paths;  // once they have been asked for
+  std::optional<XfDatasetPaths> paths{};  // once they have been asked for
+  std::string created_name{};             // of a file that is being written
 };
 
 }  // namespace quillet

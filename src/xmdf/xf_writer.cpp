@@ -4,11 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "support/interleave.h"
 #include "support/kernel_target.h"
 #include "xmdf/xf_errors.h"
 #include "xmdf/xf_file_state.h"
-#include "xmdf/xf_range.h"
 #include "xmdf/xf_table_writer.h"
 #include "xmdf/xf_text.h"
 
@@ -31,6 +29,13 @@ struct XfDatasetState {
 };
 
 namespace {
+
+QUILLET_KERNEL
+bool are_zero_or_one(const std::int8_t* flags, std::size_t count) {
+  unsigned char bits = 0;
+  for (std::size_t i = 0; i < count; ++i) bits |= static_cast<unsigned char>(flags[i]);
+  return bits <= 1;
+}
 
 QUILLET_KERNEL
 void copy_zero_or_one(const std::int8_t* flags, std::size_t count, unsigned char* copy) {
@@ -99,24 +104,21 @@ XfStatus check_count(const char* what, hsize_t expected, hsize_t found) {
 }
 
 // Creates `Values` when this is the first output time.
-XfStatus prepare_values(XfDatasetState& dataset, hsize_t components, std::size_t count) {
-  XfStatus status = check_count("components", dataset.components, components);
-  if (!status.ok()) return status;
+XfStatus prepare_values(XfDatasetState& dataset, std::size_t count) {
   if (dataset.values.created()) return check_count("values", dataset.values.columns(), count);
-  return dataset.values.create(dataset.id.get(), "Values", H5T_IEEE_F32LE, count, components,
-                               dataset.storage);
+  return dataset.values.create(dataset.id.get(), "Values", H5T_IEEE_F32LE, count,
+                               dataset.components, dataset.storage);
 }
 
-void note_output_time(XfDatasetState& dataset, double time, const XfRange& range) {
+XfStatus write_values(XfDatasetState& dataset, hsize_t components, double time,
+                      std::span<const float> values, const XfRange& range) {
+  XfStatus status = check_count("components", dataset.components, components);
+  if (status.ok()) status = prepare_values(dataset, values.size() / components);
+  if (!status.ok()) return status;
   dataset.times.push_back(time);
   dataset.smallest.push_back(range.smallest);
   dataset.largest.push_back(range.largest);
-}
-
-XfStatus write_vector(XfDatasetState& dataset, const float* x, const float* y, std::size_t count) {
-  std::byte* const row = dataset.values.next_row();
-  JOIN_COMPONENTS(x, y, static_cast<std::int64_t>(count), reinterpret_cast<float*>(row));
-  return dataset.values.write_row(row);
+  return dataset.values.write_row(reinterpret_cast<const std::byte*>(values.data()));
 }
 
 XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> flags) {
@@ -129,6 +131,9 @@ XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> fl
     status = check_count("output times with activity", dataset.times.size(), activity.rows() + 1);
   }
   if (!status.ok()) return status;
+  if (are_zero_or_one(flags.data(), flags.size())) {
+    return activity.write_row(reinterpret_cast<const std::byte*>(flags.data()));
+  }
   std::byte* const row = activity.next_row();
   copy_zero_or_one(flags.data(), flags.size(), reinterpret_cast<unsigned char*>(row));
   return activity.write_row(row);
@@ -138,7 +143,7 @@ XfStatus complete_tables(XfDatasetState& dataset) {
   if (!dataset.values.created()) {
     // No output time was written.
     dataset.storage.expected_rows = 0;
-    XfStatus status = prepare_values(dataset, dataset.components, dataset.expected_values);
+    XfStatus status = prepare_values(dataset, dataset.expected_values);
     if (!status.ok()) return status;
   }
   XfStatus status = dataset.values.complete();
@@ -195,24 +200,13 @@ XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& nam
 }
 
 XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDataset& dataset, double time,
-                                  std::span<const float> values) {
-  return xf_guard_memory([&] {
-    XfStatus status = prepare_values(*dataset, 1, values.size());
-    if (!status.ok()) return status;
-    note_output_time(*dataset, time, xf_range_of_values(values.data(), values.size()));
-    return dataset->values.write_row(reinterpret_cast<const std::byte*>(values.data()));
-  });
+                                  std::span<const float> values, const XfRange& range) {
+  return xf_guard_memory([&] { return write_values(*dataset, 1, time, values, range); });
 }
 
-XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time, std::span<const float> x,
-                                  std::span<const float> y) {
-  return xf_guard_memory([&] {
-    XfStatus status = check_count("y components", x.size(), y.size());
-    if (status.ok()) status = prepare_values(*dataset, 2, x.size());
-    if (!status.ok()) return status;
-    note_output_time(*dataset, time, xf_range_of_vectors(x.data(), y.data(), x.size()));
-    return write_vector(*dataset, x.data(), y.data(), x.size());
-  });
+XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time,
+                                  std::span<const float> pairs, const XfRange& range) {
+  return xf_guard_memory([&] { return write_values(*dataset, 2, time, pairs, range); });
 }
 
 XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDataset& dataset, std::span<const std::int8_t> flags) {

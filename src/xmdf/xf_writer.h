@@ -8,6 +8,7 @@
 #include <string>
 
 #include "xmdf/xf_file.h"
+#include "xmdf/xf_range.h"
 #include "xmdf/xf_status.h"
 
 namespace quillet {
@@ -46,10 +47,11 @@ XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& nam
                                   const XfDatasetOptions& options, XfDataset& dataset);
 
 // One output time, time in the dataset's time units. The first call settles the number of values.
+// Vectors stand as x1 y1 x2 y2 ...; `range` is that of the values or of the vectors' magnitudes.
 XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDataset& dataset, double time,
-                                  std::span<const float> values);
-XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time, std::span<const float> x,
-                                  std::span<const float> y);
+                                  std::span<const float> values, const XfRange& range);
+XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time,
+                                  std::span<const float> pairs, const XfRange& range);
 
 // The flags of the output time just written; other than 0 is written as 1. No flags: nothing is
 // written, and the dataset has no activity. All output times have flags, or none has.

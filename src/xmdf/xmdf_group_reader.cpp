@@ -3,16 +3,26 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 namespace quillet {
 namespace {
 
+XfStatus read_record_values(const XfGroup& group, bool is_vector, std::int32_t output,
+                            RES_TYPE& record) {
+  const auto count = static_cast<std::size_t>(record.node_count);
+  ND_RES_TYPE& nodes = record.nd;
+  if (!is_vector) {
+    return XF_READ_SCALAR_VALUES_TIMESTEP(group, output, std::span(nodes.x).first(count));
+  }
+  if (record.holds_pairs) return XF_READ_VECTOR_VALUES_TIMESTEP(group, output, nodes.x);
+  return XF_READ_VECTOR_VALUES_TIMESTEP(group, output, nodes.x, nodes.y);
+}
+
 void read_values(XmdfFileHeader& header, const std::string& path, std::string_view what,
                  bool is_vector, std::int32_t output, RES_TYPE& record) {
-  const XfStatus status =
-      is_vector ? XF_READ_VECTOR_VALUES_TIMESTEP(header.group, output, record.nd.x, record.nd.y)
-                : XF_READ_SCALAR_VALUES_TIMESTEP(header.group, output, record.nd.x);
+  const XfStatus status = read_record_values(header.group, is_vector, output, record);
   if (status.ok()) return;
   FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
                         is_vector ? "VECTOR" : "SCALAR"),

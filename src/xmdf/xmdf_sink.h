@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "results/result_sink.h"
 #include "xmdf/xf_writer.h"
@@ -30,8 +29,10 @@ class XmdfSink : public ResultSink {
   void create_datasets(const std::string& dataset, bool is_vector, std::int64_t time_count);
   void create_folder();
   void write(float time, const RES_TYPE& record);
-  void write_vectors(float time, const RES_TYPE& record);
-  void write_scalars(float time, const float* values, const RES_TYPE& record);
+  XfRange prepare_vectors(const RES_TYPE& record);
+  void write_scalars(float time, const float* values, const XfRange& range, const RES_TYPE& record);
+  void finish_output(const XfDataset& dataset, XfStatus status, const RES_TYPE& record,
+                     const char* kind);
   void close_datasets();
   void check(const XfStatus& status, const std::string& message);
   void abandon();
@@ -47,7 +48,9 @@ class XmdfSink : public ResultSink {
   XfFolder folder;
   XfDataset scalar_dataset;
   XfDataset vector_dataset;
-  std::vector<float> magnitude;  // of the vectors being written
+  // Of the vectors being written.
+  LargeArray<float> pairs;  // x1 y1 x2 y2 ...; where the record does not hold them so
+  LargeArray<float> magnitude;
 };
 
 // The name of the dataset of magnitudes beside a vector dataset: "Vector Velocity" has "Velocity",
