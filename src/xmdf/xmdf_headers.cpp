@@ -8,6 +8,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xf_trial.h"
 #include "xmdf/xmdf_times_outputs.h"
 
 namespace quillet {
@@ -15,6 +16,8 @@ namespace {
 
 void open_file(XmdfFileHeader& header) {
   SAY("Opening XMDF file " + QUOTED(header.file_name));
+  const XfStatus tried = xf_try_file(header.file_name);
+  if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
     FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status);
@@ -25,18 +28,22 @@ void open_file(XmdfFileHeader& header) {
 void read_version(XmdfFileHeader& header) {
   float version = 0;
   const XfStatus status = XF_GET_LIBRARY_VERSION_FILE(header.file, version);
-  if (!status.ok()) FAIL("ERROR - Determining XMDF Library Version.");
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Determining XMDF Library Version. ", header.file_name, "", status);
+  }
   SAY("XMDF Version: " + AREAL(version));
 }
 
 using DatasetsInfo = XfStatus (*)(const XfFile&, XfDatasetsInfo&);
 
-void read_counts(const XfFile& file, const std::string& kind, DatasetsInfo get,
+void read_counts(const XmdfFileHeader& header, const std::string& kind, DatasetsInfo get,
                  XmdfDatasets& datasets) {
   SAY("Getting " + kind + " dataset information");
   XfDatasetsInfo info;
-  const XfStatus status = get(file, info);
-  if (!status.ok()) FAIL("ERROR - Getting " + kind + " data set information.");
+  const XfStatus status = get(header.file, info);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Getting " + kind + " data set information. ", header.file_name, "", status);
+  }
   if (info.count < 1) {
     SAY("Warning - Number of " + kind + " paths less than or equal to zero.");
   }
@@ -62,10 +69,11 @@ struct ListTexts {
 
 using DatasetPaths = XfStatus (*)(const XfFile&, std::vector<std::string>&);
 
-void read_paths(const XfFile& file, const ListTexts& texts, DatasetPaths get,
+void read_paths(const XmdfFileHeader& header, const ListTexts& texts, DatasetPaths get,
                 XmdfDatasets& datasets) {
   if (datasets.count < 1) return;
-  if (!get(file, datasets.paths).ok()) FAIL(texts.failure);
+  const XfStatus status = get(header.file, datasets.paths);
+  if (!status.ok()) FAIL_XMDF(texts.failure, header.file_name, "", status);
   SAY(texts.heading);
   for (const std::string& path : datasets.paths) {
     datasets.split_paths.push_back(split(path));
@@ -152,21 +160,21 @@ void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files) {
     open_file(header);
     read_version(header);
     SAY("Extracting filepath information for array allocation...");
-    read_counts(header.file, "scalar", XF_GET_SCALAR_DATASETS_INFO, header.scalars);
-    read_counts(header.file, "vector", XF_GET_VECTOR_DATASETS_INFO, header.vectors);
+    read_counts(header, "scalar", XF_GET_SCALAR_DATASETS_INFO, header.scalars);
+    read_counts(header, "vector", XF_GET_VECTOR_DATASETS_INFO, header.vectors);
   }
 }
 
 void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files) {
   for (XmdfFileHeader& header : files) {
     SAY("Getting dataset names from XMDF file " + QUOTED(header.file_name));
-    read_paths(header.file,
+    read_paths(header,
                {"Scalar datasets available:",
-                "ERROR - Exracting Scalar Dataset Paths [XF_GET_SCALAR_DATASET_PATHS]."},
+                "ERROR - Exracting Scalar Dataset Paths [XF_GET_SCALAR_DATASET_PATHS]. "},
                XF_GET_SCALAR_DATASET_PATHS, header.scalars);
-    read_paths(header.file,
+    read_paths(header,
                {"Vector datasets available:",
-                "ERROR - Exracting Vector Dataset Paths [XF_GET_VECTOR_DATASET_PATHS]."},
+                "ERROR - Exracting Vector Dataset Paths [XF_GET_VECTOR_DATASET_PATHS]. "},
                XF_GET_VECTOR_DATASET_PATHS, header.vectors);
   }
 }

@@ -144,7 +144,8 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
   const std::string in_depth = "a.xmdf, dataset \"run1/Temporal/Depth\": ";
   const std::string reading_values =
       "Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading " + in_depth;
-  expect(removed("/File Version"), "Determining XMDF Library Version.");
+  expect(removed("/File Version"),
+         "Determining XMDF Library Version. a.xmdf: File Version is missing or no number");
   expect(removed("/File Type"),
          "Could not open XMDF file \"a.xmdf\": an HDF5 file but not an XMDF file, it has no File "
          "Type");
@@ -165,6 +166,41 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
          "dataset");
   expect(remove_output_times, reading_values + "there is no output time 1, the dataset has 0",
          "-t1");
+}
+
+// A text of variable length is a reference: length, address of a heap, place in the heap. HDF5 goes
+// to any place.
+std::string with_wild_reference(const Workspace& folder) {
+  const std::string text = "DATASET SCALAR";
+  make_damaged(folder, [&](hid_t group) {
+    H5Adelete(group, "Grouptype");
+    const XfTypeHandle type(H5Tcopy(H5T_C_S1));
+    H5Tset_size(type.get(), H5T_VARIABLE);
+    const XfSpaceHandle space(H5Screate(H5S_SCALAR));
+    const XfAttributeHandle attribute(
+        H5Acreate2(group, "Grouptype", type.get(), space.get(), H5P_DEFAULT, H5P_DEFAULT));
+    const char* const value = text.c_str();
+    EXPECT_GE(H5Awrite(attribute.get(), type.get(), &value), 0);
+  });
+  std::string bytes = folder.read("a.xmdf");
+  const std::string length{static_cast<char>(text.size()), 0, 0, 0};
+  return bytes.replace(bytes.find(length, bytes.rfind("Grouptype")) + 12, 4, 4, '\xff');
+}
+
+TEST(DamagedAttributes, EndTheRunWithOneLineThoughHdf5Crashes) {
+  const Workspace folder;
+  const std::string damaged = with_wild_reference(folder);
+  EXPECT_TRUE(RUN(folder, WORDS("-b -times -typed a.xmdf -out o.txt")).has_line("Finished."));
+  fs::remove(folder.path("o.txt"));
+  for (const char* operation : {"-xnfo", "-conv", "-ensight", "-max -typed", "-trim1 -typed"}) {
+    folder.write("a.xmdf", damaged);
+    const RunResult run = RUN(folder, WORDS("-b a.xmdf " + std::string(operation)));
+    expect_failure_line(run,
+                        "ERROR - Reading file \"a.xmdf\": expected intact HDF5 headers, found "
+                        "damage that HDF5 cannot cope with");
+    EXPECT_EQ(run.count_lines_with("Build"), 1);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"a.xmdf"});
+  }
 }
 
 TEST(XmdfFiles, WithoutOutputTimesGiveAnEmptyResult) {

@@ -1,14 +1,14 @@
 // Damaged files: nothing crashes, and damaged compressed values are never taken for good ones.
 #include <random>
 
+#include "xmdf/xf_trial.h"
 #include "xmdf_builder.h"
 
 #ifdef __SANITIZE_ADDRESS__
 // What is tested here is this code, not HDF5, which asks for as much memory as a damaged file
-// claims (and copes with getting none) and copies a little beyond its buffers when attributes are
-// damaged.
+// claims and copes with getting none.
 extern "C" const char* __asan_default_options() {
-  return "allocator_may_return_null=1:replace_intrin=0";
+  return "allocator_may_return_null=1";
 }
 // Nor does it free everything when a damaged header stops it.
 extern "C" const char* __lsan_default_suppressions() {
@@ -78,20 +78,6 @@ class XfDamageTest : public XfTest,
     return count_readable(path("damaged.xmdf"), vector);
   }
 
-  // Attribute headers stay whole: HDF5 1.10 itself reads far beyond its memory when they are
-  // damaged, which nobody who calls it can prevent.
-  bool is_in_attribute(std::size_t position) const {
-    constexpr std::size_t header = 48;  // bytes before the name
-    constexpr std::size_t body = 96;    // bytes from the name on
-    for (const char* name :
-         {"Grouptype", "Data Type", "DatasetCompression", "DatasetUnits", "TimeUnits"}) {
-      for (auto at = bytes.find(name); at != std::string::npos; at = bytes.find(name, at + 1)) {
-        if (position + header >= at && position < at + body) return true;
-      }
-    }
-    return false;
-  }
-
   const bool vector = std::get<0>(GetParam());
   const hsize_t times_per_chunk = std::get<1>(GetParam());
   std::string bytes;
@@ -106,16 +92,20 @@ TEST_P(XfDamageTest, AFileCutAnywhereIsNotOpened) {
 
 TEST_P(XfDamageTest, BytesDamagedAtRandomCrashNothing) {
   std::mt19937 random(20);
+  const std::size_t attributes = bytes.rfind("Grouptype") - 100;
   int unharmed = 0;
-  constexpr int attempts = 1000;
+  constexpr int attempts = 200;
   for (int attempt = 0; attempt < attempts; ++attempt) {
     std::string damaged = bytes;
+    // HDF5 itself crashes on damaged attributes.
+    const bool aims = attempt % 2 == 0;
     for (unsigned i = 0; i <= random() % 3; ++i) {
-      const std::size_t position = random() % damaged.size();
-      const char value = static_cast<char>(random());
-      if (!is_in_attribute(position)) damaged[position] = value;
+      const std::size_t position = aims ? attributes + random() % 400 : random() % bytes.size();
+      damaged[position] = static_cast<char>(random());
     }
-    if (count_readable_in(damaged) == time_count) ++unharmed;
+    folder.write("damaged.xmdf", damaged);
+    if (!xf_try_file(path("damaged.xmdf")).ok()) continue;
+    if (count_readable(path("damaged.xmdf"), vector) == time_count) ++unharmed;
   }
   EXPECT_GT(unharmed, 0);
   EXPECT_LT(unharmed, attempts);
