@@ -215,5 +215,53 @@ TEST(Conversion, ConsoleFromDatToXmdf) {
                 end_text);
 }
 
+// What is left out is said before the first output is opened.
+TEST(Conversion, ConsoleFromXmdfToDat) {
+  const Workspace folder;
+  write_many(folder);
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
+  const auto written = [](const std::string& file, const std::string& data) {
+    return "Output .dat File: " + file + "\n" + data + "\nClosing files and exiting\n\n" +
+           closing_text;
+  };
+  const auto first_time = [](const std::string& file, const std::string& name,
+                             const std::string& hours) {
+    return "Converting " + name + " at time " + hours + "\n" + FIRST_WRITE_TEXT(file);
+  };
+  EXPECT_EQ(run.output.substr(run.output.find("\nConverting files.")),
+            "\nConverting files.\n"
+            "WARNING - Dataset \"054\" is of no known type, not converted.\n"
+            "WARNING - Dataset \"My Own\" is of no known type, not converted.\n"
+            "WARNING - Dataset \"Depth\" in Minimums has no place in a .dat file, not converted.\n"
+            "WARNING - Dataset \"Duration Above 0.1m\" in Times has no place in a .dat file, not "
+            "converted.\n"
+            "WARNING - Dataset \"Bathymetry\" in Fixed has no place in a .dat file, not "
+            "converted.\n" +
+                written("r_d.dat", first_time("r_d.dat", "Depth", "0.5") +
+                                       "Converting Depth at time 1\n" + WRITE_TEXT("r_d.dat") +
+                                       "Converting Depth at time 0\n" + WRITE_TEXT("r_d.dat")) +
+                written("r_ME_.dat", first_time("r_ME_.dat", "Mass Error %", "0")) +
+                written("r_v_mag.dat", first_time("r_v_mag.dat", "Velocity", "2")) +
+                written("r_v.dat", first_time("r_v.dat", "Vector Velocity", "2")));
+}
+
+// The disk becomes full in the second of two outputs: the first is whole.
+TEST(Conversion, LeavesWholeOutputsOnAFullDisk) {
+  const Workspace folder;
+  const std::int32_t nodes = 5000;
+  const DatTime time{0, {1}, std::vector<float>(nodes, 1)};
+  const DatTime vectors{0, {1}, std::vector<float>(2 * nodes, 1)};
+  const std::string flow = "r/Temporal/Vector Unit Flow";
+  MAKE_XMDF(folder, "r.xmdf",
+            {{"r/Temporal/Depth", {nodes, 1}, {time}}, {flow, {nodes, 1, true}, {vectors}}});
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"), {.largest_file = 30000});
+  EXPECT_NE(run.output.find("\n\nERROR - Writing file \"r_q.dat\": File too large\n\nPress"),
+            std::string::npos)
+      << run.output;
+  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE({nodes, 1}, "Depth", {time}));
+  EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_d.dat", "r_q.dat.part"}));
+  EXPECT_TRUE(run.ended_well());
+}
+
 }  // namespace
 }  // namespace quillet::testing

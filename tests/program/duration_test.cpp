@@ -60,19 +60,28 @@ INSTANTIATE_TEST_SUITE_P(
             .says("ERROR - Reading file \"a_d.dat\": expected an output time of 2.5 or later, "
                   "found 2")));
 
-TEST(DurationConsole, FromStartToEnd) {
+class DurationConsoles : public ::testing::TestWithParam<bool> {};
+
+TEST_P(DurationConsoles, FromStartToEnd) {
+  const bool is_duration = GetParam();
   const Workspace folder;
   const DatShape one_node{1, 0};
-  const std::string file = "a_d(dur1.5).dat";
+  const std::string option = is_duration ? "-dur1.5" : "-toi0.5";
+  const std::string file = is_duration ? "a_d(dur1.5).dat" : "a_d(toi).dat";
   folder.write("a_d.dat",
                DAT_FILE(one_node, "data", {{0, {}, {1}}, {1, {}, {2}}, {99999, {}, {2}}}));
-  EXPECT_EQ(RUN(folder, WORDS("-dur1.5 a_d.dat")).output,
-            SET_UP({"-dur (duration)", {{"a_d.dat", "_d", "a.2dm"}}, one_node, file}) +
-                "\nProcessing duration above 1.5\n" + READ_TEXT("0.000") + READ_TEXT("1.000") +
-                skipped + "\n" + FIRST_WRITE_TEXT(file) + "\nClosing files and exiting\n\n" +
-                closing_text + end_text);
-  EXPECT_TRUE(RUN(folder, WORDS("-toi1.5 a_d.dat")).has_line("Processing time of increase by 1.5"));
+  EXPECT_EQ(RUN(folder, {option, "a_d.dat"}).output,
+            SET_UP({is_duration ? "-dur (duration)" : "-toi (time to increase)",
+                    {{"a_d.dat", "_d", "a.2dm"}},
+                    one_node,
+                    file}) +
+                (is_duration ? "\nProcessing duration above 1.5\n"
+                             : "\nProcessing time of increase by 0.5\n") +
+                READ_TEXT("0.000") + READ_TEXT("1.000") + skipped + "\n" + FIRST_WRITE_TEXT(file) +
+                "\nClosing files and exiting\n\n" + closing_text + end_text);
 }
+
+INSTANTIATE_TEST_SUITE_P(DurOrToi, DurationConsoles, ::testing::Bool());
 
 }  // namespace
 }  // namespace quillet::testing

@@ -16,6 +16,7 @@ struct SetUpText {
   std::vector<Input> inputs;
   DatShape shape;
   std::string output{};  // empty: opened by the operation itself
+  std::string output_kind = "\nOnly DAT inputs.\n\nUsing DAT for output type\n";
 };
 
 inline std::string HEADER_TEXT(const std::string& file, const DatShape& shape) {
@@ -40,9 +41,9 @@ inline std::string SET_UP(const SetUpText& run) {
   return "\nBuild 2020-07-AH\n\n\nChecking operational flags.\nOpertational flag " + run.operation +
          "\n\nFound 1 operational flags specified.\n\nAllocating arrays for processing " +
          std::to_string(number) + " files.\n   Done.\n\nORVANE Results Files:\n" + files +
-         "\nDefault time search tolerance = 0.0001\nUse -dttol<tolerance> to set.\n\nOnly DAT "
-         "inputs.\n\nUsing DAT for output type\n" +
-         (run.output.empty() ? "" : "Output .dat File: " + run.output + "\n") + headers +
+         "\nDefault time search tolerance = 0.0001\nUse -dttol<tolerance> to set.\n" +
+         run.output_kind + (run.output.empty() ? "" : "Output .dat File: " + run.output + "\n") +
+         headers +
          "\nChecking that .dat and .xmdf files have same number nodes and cells...\n\nAll files "
          "have the same number of nodes and cells.\n" +
          types + "\nAllocating RAM for a mesh of " + std::to_string(run.shape.nodes) +

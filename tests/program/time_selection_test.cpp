@@ -2,6 +2,7 @@
 // what they say, worked out by hand.
 #include "program/file_runs.h"
 #include "program/set_up_text.h"
+#include "program/xmdf_view.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -153,34 +154,183 @@ TEST(Times, StandOnTheConsoleAndInATextFile) {
 }
 
 // Whole consoles.
-constexpr DatShape one_node{1, 0};
+constexpr DatShape one_node{1, 2};
 const std::string short_input =
-    DAT_FILE(one_node, "data", {{0, {}, {1}}, {1, {}, {2}}, {99999, {}, {2}}});
+    DAT_FILE(one_node, "data", {{0, {}, {1}}, {1, {}, {2}}, {99999, {}, {3}}});
 
 const SetUpText::Input input_a{"a_d.dat", "_d", "a.2dm"};
 const SetUpText::Input input_b{"b_d.dat", "_d", "b.2dm"};
 
-TEST(SelectionConsoles, FromStartToEnd) {
+struct SelectionConsole {
+  std::string arguments, operation, output;
+  std::string said;   // by the operation
+  std::string bytes;  // of the output; empty: there is none
+};
+
+std::string find_text(const std::string& hours) {
+  return "Reading data for time " + hours + "\nDone.\n";
+}
+const std::string files_closed = "\nClosing files and exiting\n\n";
+const std::string end = files_closed + closing_text + end_text;
+const std::string three_found = HEADER_TEXT("a_d.dat", one_node) + find_text("0.000") +
+                                find_text("1.000") + find_text("99999.000");
+
+std::string kept(const std::string& name, const Times& times) {
+  return DAT_FILE(one_node, name, times);
+}
+
+SelectionConsole console(const std::string& arguments, const std::string& operation,
+                         const std::string& output, const std::string& said,
+                         const std::string& bytes) {
+  return {arguments, operation, output, said, bytes};
+}
+
+class SelectionConsoles : public ::testing::TestWithParam<SelectionConsole> {};
+
+TEST_P(SelectionConsoles, FromStartToEnd) {
+  const auto& [arguments, operation, output, said, bytes] = GetParam();
+  std::vector<SetUpText::Input> inputs{input_a};
+  if (arguments.find("b_d") != std::string::npos) inputs.push_back(input_b);
   const Workspace folder;
   folder.write("a_d.dat", short_input);
   folder.write("b_d.dat", short_input);
-  const std::string end = "\nClosing files and exiting\n\n" + std::string(closing_text) + end_text;
-  EXPECT_EQ(RUN(folder, WORDS("-k1 a_d.dat")).output,
-            SET_UP({"-k (keep)", {input_a}, one_node, "a_d(k1).dat"}) +
-                "\nKeeping data at time 1\n" + HEADER_TEXT("a_d.dat", one_node) +
-                "Reading data for time 0.000\nDone.\nReading data for time 1.000\nDone.\n"
-                "...Found time 1 in dat file.\n" +
-                FIRST_WRITE_TEXT("a_d(k1).dat") + end);
-  EXPECT_EQ(RUN(folder, WORDS("-con a_d.dat b_d.dat")).output,
-            SET_UP({"-con (concatenate)", {input_a, input_b}, one_node, "a_d(con).dat"}) +
+  EXPECT_EQ(RUN(folder, WORDS(arguments)).output,
+            SET_UP({operation, inputs, one_node, output}) + said);
+  ASSERT_EQ(folder.names().size(), bytes.empty() ? 2U : 3U);
+  EXPECT_TRUE(bytes.empty() || folder.read(output) == bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, SelectionConsoles,
+    ::testing::Values(
+        console("-k99999 a_d.dat", "-k (keep)", "a_d(k99999).dat",
+                "\nKeeping data at time 99999\n" + three_found +
+                    "...Found time 99999 in dat file.\n" + FIRST_WRITE_TEXT("a_d(k99999).dat") +
+                    end,
+                kept("Keep a_d", {{99999, {1, 1}, {3}}})),
+        console("-b -k3 a_d.dat", "-k (keep)", "a_d(k3).dat",
+                "\nKeeping data at time 3\n" + three_found +
+                    "\nERROR - Could not find specified timestep in .dat file.\n" + end_text,
+                ""),
+        console("-r1 a_d.dat", "-r (remove)", "a_d(r1).dat",
+                "\nRemoving data at time 1\n" + READ_TEXT("0.000") +
+                    FIRST_WRITE_TEXT("a_d(r1).dat") + "Skipping time to remove, time found: 1\n" +
+                    READ_TEXT("99999.000", true) + WRITE_TEXT("a_d(r1).dat") + end,
+                kept("a_d(r1)", {{0, {1, 1}, {1}}, {99999, {1, 1}, {3}}})),
+        console("-b -rangeA1.5 -rangeB1.75 a_d.dat", "-range (range)", "a_d(range).dat",
+                "\nKeeping data from time 1.5 to time 1.75\n"
+                "Skipping time outside range, time found: 0\n"
+                "Skipping time outside range, time found: 1\n"
+                "Skipping time outside range, time found: 99999\n"
+                "WARNING - No output times in the range.\n" +
+                    files_closed +
+                    "Writing header inforamtion to .dat file: a_d(range).dat\nDone\n" +
+                    closing_text,
+                kept("Range a_d", {})),
+        console("-con a_d.dat b_d.dat", "-con (concatenate)", "a_d(con).dat",
                 "\nConcatenating files.\n\nProcessing file: a_d.dat\n" + READ_TEXT("0.000") +
-                FIRST_WRITE_TEXT("a_d(con).dat") + READ_TEXT("1.000") + WRITE_TEXT("a_d(con).dat") +
-                "Skipping times above 99,998, time found: 99999\n"
-                "\nProcessing file: b_d.dat\n"
-                "Skipping time already written, time found: 0\n"
-                "Skipping time already written, time found: 1\n"
-                "Skipping times above 99,998, time found: 99999\n" +
-                end);
+                    FIRST_WRITE_TEXT("a_d(con).dat") + READ_TEXT("1.000") +
+                    WRITE_TEXT("a_d(con).dat") +
+                    "Skipping times above 99,998, time found: 99999\n"
+                    "\nProcessing file: b_d.dat\n"
+                    "Skipping time already written, time found: 0\n"
+                    "Skipping time already written, time found: 1\n"
+                    "Skipping times above 99,998, time found: 99999\n" +
+                    end,
+                kept("a_d(con)", {{0, {1, 1}, {1}}, {1, {1, 1}, {2}}}))));
+
+TEST(TimesConsole, FromStartToEnd) {
+  const Workspace folder;
+  folder.write("a_d.dat", short_input);
+  SetUpText set_up{"-times (times)", {input_a}, one_node};
+  set_up.output_kind = "\nOutput file is a text file\n";
+  const std::string times = "          0.000\n          1.000\n      99999.000\n";
+  EXPECT_EQ(RUN(folder, WORDS("-times a_d.dat")).output,
+            SET_UP(set_up) + "Output Text File: times.txt\n\nTimes in file: a_d.dat\n" + times +
+                "Closing .dat file: a_d.dat\nClosing output file.\nDone\n\nFinished.\n"
+                "Press Enter to Continue\n");
+  EXPECT_EQ(folder.read("times.txt"), times);
+}
+
+// Joined files must hold the same kind of data on the same mesh; the earlier result stays.
+TEST(Concatenate, RefusesOtherKindsAndCounts) {
+  const Workspace folder;
+  folder.write("a_d.dat", input);
+  folder.write("v_d.dat", vector_maxima);
+  folder.write("all.dat", "an earlier result");
+  folder.write("cells_d.dat", DAT_FILE({3, 3}, "d", {}));
+  folder.write("nodes_d.dat", DAT_FILE({2, 1}, "d", {}));
+  MAKE_XMDF(folder, "v.xmdf", {{"r/Temporal/Vector Velocity", {3, 2, true}, {}}});
+  const auto before = folder.names();
+  const std::string kind = " is not the same vector or scalar format as in primary .dat file.\n";
+  const std::string counts = " not the same as in primary .dat file.\n";
+  for (const auto& [inputs, message] : std::vector<std::pair<std::string, std::string>>{
+           {"nodes_d.dat v_d.dat", "ERROR - v_d.dat" + kind},
+           {"a_d.dat v.xmdf", "ERROR - v.xmdf" + kind},
+           {"a_d.dat a_d.dat cells_d.dat",
+            "ERROR - Number nodes and/or cells in cells_d.dat" + counts},
+           {"a_d.dat nodes_d.dat", "ERROR - Number nodes and/or cells in nodes_d.dat" + counts}}) {
+    const RunResult run = RUN(folder, WORDS("-b -con -typev -out all.dat " + inputs));
+    EXPECT_NE(run.output.find(message + "Press Enter to Continue\n"), std::string::npos)
+        << run.output;
+    EXPECT_EQ(folder.read("all.dat"), "an earlier result");
+    EXPECT_EQ(folder.names(), before);
+  }
+}
+
+// From the operation on.
+TEST(XmdfSelections, ConsolesAndWholeOutputs) {
+  const Workspace folder;
+  write_xmdf(folder);
+  const auto expect = [&](const std::string& arguments, const std::string& name,
+                          const std::string& said, const std::string& shown) {
+    const RunResult run = RUN(folder, WORDS("-b r.xmdf " + arguments));
+    const std::string start = "geom2_%\n    Done.\n";
+    EXPECT_EQ(run.output.substr(run.output.find(start) + start.size()),
+              said + "Closing XMDF File: " + name + "\nDone.\n");
+    EXPECT_EQ(XMDF_TEXT(folder.path(name)), shown);
+  };
+  const std::string opened = "Getting data from: r.xmdf\nGetting data from group: ";
+  const std::string last = "Processing final timestep... closing group\nDone\n";
+  const auto head = [](const std::string& group, const std::string& in) {
+    return group + " GENERIC\n" + group + "/" + in + " GENERIC\n" + group + "/" + in + "/";
+  };
+  expect("-k99999 -typed", "r(k99999).xmdf",
+         "\nKeeping data at time 99999\nSearching XMDF files for specified output time: 99999\n"
+         "Searching xmdf file: \"r.xmdf\"\nLooking for data in /Maximums/ folder.\n"
+         "Found r/Maximums/Depth\n" +
+             opened +
+             "r/Maximums/Depth\nOpening Group.\nDone.\nReading scalar data at timestep 1\n" + last +
+             "Finished getting data\nCreating Folder: Keep/Maximums\n"
+             "Creating scalar dataset: Keep r\nDone.\nDone\nDone.\n" +
+             files_closed,
+         head("Keep", "Maximums") +
+             "Keep r DATASET SCALAR m Hours\n  Times float64 1: 0\n  Values float32 1x2: 9 9\n"
+             "  Mins float32 1: 9\n  Maxs float32 1: 9\n  Active uint8 1x1: 1\n");
+  expect("-r0.5 -typed", "r(r0.5).xmdf",
+         "\nRemoving data at time 0.5\n" + opened +
+             "r/Temporal/Depth\nOpening Group.\nDone.\nReading scalar data at timestep 1\n"
+             "Creating Folder: Remove/Temporal\n"
+             "Creating scalar dataset: r(r0.5)\nDone.\nDone\nDone.\n"
+             "Skipping time to remove, time found: 0.5\nReading scalar data at timestep 3\n" +
+             last + "Finished getting data\nDone.\n" + files_closed,
+         head("Remove", "Temporal") +
+             "r(r0.5) DATASET SCALAR m Hours\n  Times float64 2: 0 1\n"
+             "  Values float32 2x2: 1 2 5 6\n  Mins float32 2: 1 5\n  Maxs float32 2: 2 6\n"
+             "  Active uint8 2x1: 1 1\n");
+  // A vector dataset without output times still has its magnitudes beside it.
+  expect("-rangeA0.5 -rangeB1.5 -typeV", "r(range).xmdf",
+         "\nKeeping data from time 0.5 to time 1.5\n"
+         "Skipping time outside range, time found: 0\nSkipping time outside range, time found: 2\n"
+         "WARNING - No output times in the range.\n" +
+             files_closed +
+             "Creating Folder: Range/Temporal\nCreating vector dataset: Vector Velocity\n"
+             "Creating scalar dataset: Velocity\nDone.\nDone\n",
+         head("Range", "Temporal") +
+             "Vector Velocity DATASET VECTOR m Hours\n  Times float64 0:\n"
+             "  Values float32 0x2x2:\n  Mins float32 0:\n  Maxs float32 0:\n"
+             "Range/Temporal/Velocity DATASET SCALAR m Hours\n  Times float64 0:\n"
+             "  Values float32 0x2:\n  Mins float32 0:\n  Maxs float32 0:\n");
 }
 
 }  // namespace
