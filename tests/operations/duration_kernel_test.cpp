@@ -102,5 +102,33 @@ TEST_P(RandomSeries, AgreesWithTheNaiveLoop) {
 }
 INSTANTIATE_TEST_SUITE_P(All, RandomSeries, ::testing::Values(-0.5F, 0.0F, 0.5F, 1.1F, 5.0F));
 
+// Crossings at an output time itself, rests on the cutoff, wet at one output time only, never.
+TEST(Durations, CountEveryCrossingOnce) {
+  struct Node {
+    std::vector<float> values;  // at 0, 1, 3 and 3.5 hours
+    double above_1;             // hours
+    double first;               // more than 1 above the first value
+  };
+  const std::vector<Node> nodes{
+      {{0, 1, 2, 1}, 2.5, 1},      // reaches 1 at an output time, leaves it at one
+      {{0, 1, 1, 1}, 0, never},    // rests on it
+      {{1, 1, 1, 2}, 0.5, never},  // leaves its rest late; rises by 1, not by more
+      {{0, 1, 0, 0}, 0, never},    // touches it
+      {{0, 0, 4, 0}, 1.875, 1.5},  // above once: 1.5 of the 2 hours up, 0.375 of the 0.5 down
+      {{2, 2, 2, 2}, 3.5, never},  // above throughout
+      {{3, 1, 1, 5}, 1.5, 3.375},  // falls onto it, rests, rises from it
+      {{1, 1, 3, 3}, 2.5, 2},      // equal neighbours on both sides of the rise
+      {{-4, 0, 0, 0}, 0, 0.25}};
+  Series series{{0, 1, 3, 3.5}, {{}, {}, {}, {}}, std::ssize(nodes)};
+  for (const Node& node : nodes) {
+    for (std::size_t i = 0; i < 4; ++i) series.values[i].push_back(node.values[i]);
+  }
+  const std::vector<double> above = durations(series, 1), first = first_times(series, 1);
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    EXPECT_DOUBLE_EQ(above[i], nodes[i].above_1) << i;
+    EXPECT_DOUBLE_EQ(first[i], nodes[i].first) << i;
+  }
+}
+
 }  // namespace
 }  // namespace quillet
