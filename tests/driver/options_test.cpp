@@ -149,6 +149,17 @@ TEST(OptionValues, TypesAndPaths) {
   EXPECT_EQ(parsed({"-pathMaxMax/Max Value "}).dataset_path, "MaxMax/Max Value");
 }
 
+TEST(OptionValues, ArgumentsEndAfter1000Characters) {
+  const std::string name(1500, 'n');
+  EXPECT_EQ(parsed({name}).inputs, std::vector{name.substr(0, 1000)});
+  EXPECT_EQ(parsed({"-out", name}).output_name, name.substr(0, 1000));
+  EXPECT_EQ(parsed({"-2dm", name}).mesh_file, name.substr(0, 1000));
+  EXPECT_EQ(parsed({"-path" + name}).dataset_path, name.substr(0, 995));
+  EXPECT_EQ(parsed({"-trim2 " + name}).operation_tag, ("trim2 " + name).substr(0, 100));
+  EXPECT_EQ(console_of({"-" + name}),
+            "\nERROR - Incorrect flag specified: \"-" + name.substr(0, 999) + "\"\n" + pause);
+}
+
 // A mistyped absolute path is a missing file, not an option that happens to match.
 TEST(AbsolutePaths, AreInputs) {
   const Workspace folder;

@@ -109,7 +109,8 @@ class Checker:
             for path, item in found:
                 times = h5py.h5g.get_objinfo(file.id, path.encode()).mtime
                 assert times == 0, f"{path} states the time {times}"
-            datasets = {path for path, item in found if "Values" in item}
+            groups = [(path, item) for path, item in found if isinstance(item, h5py.Group)]
+            datasets = {path for path, item in groups if "Values" in item}
             assert datasets == {f"{group}/{dataset}" for dataset in expected}, f"found {datasets}"
             top, folder = group.split("/")
             for path in (top, group):

@@ -4,8 +4,7 @@
 
 #include <filesystem>
 
-#include "dat_builder.h"
-#include "program_runner.h"
+#include "xmdf_builder.h"
 
 namespace quillet::testing {
 namespace {
@@ -65,6 +64,113 @@ TEST_P(InputsAsOutputs, AreRefused) {
 INSTANTIATE_TEST_SUITE_P(All, InputsAsOutputs,
                          ::testing::Values("a_v.dat", "./a_v.dat", "in/../a_v.dat", "in/b_v.dat",
                                            "link.dat", "hard.dat", "mesh.dat", "a_h.dat", "r.dat"));
+
+// Every operation that writes, on either kind of file: arguments and output.
+class Outputs : public ::testing::TestWithParam<std::pair<std::string, std::string>> {
+ protected:
+  Outputs() {
+    const DatShape vectors{2, 1, true};
+    const std::vector<DatTime> times{{0, {1}, {5, -1}}, {1, {1}, {9, 9}}};
+    const std::vector<DatTime> flows{{0, {1}, {5, -1, 2, 3}}};
+    for (const std::string name : {"a_d.dat", "b_d.dat"}) folder.write(name, input);
+    folder.write("a_V.dat", DAT_FILE(vectors, "v", flows));
+    MAKE_XMDF(folder, "x.xmdf",
+              {{"r/Temporal/Depth", shape, times}, {"r/Temporal/Vector Velocity", vectors, flows}});
+  }
+  void expect_failure(const std::string& line) const {
+    const RunResult run =
+        RUN(folder, WORDS("-b -nowetdry " + GetParam().first + " -out " + output));
+    EXPECT_NE(run.output.find("\n\nERROR - " + line + "\n\nPress Enter to Close\n"),
+              std::string::npos)
+        << run.output;
+    EXPECT_TRUE(run.ended_well());
+  }
+
+  Workspace folder;
+  const std::string output = GetParam().second;
+};
+
+class OutputsAtInputs : public Outputs {};
+TEST_P(OutputsAtInputs, AreRefused) {
+  const std::string last = WORDS(GetParam().first).back(), whole = folder.read(last);
+  fs::create_hard_link(folder.path(last), folder.path(output));
+  const Names before = folder.names();
+  expect_failure("Output file is also an input file: \"" + output + "\"");
+  EXPECT_EQ(folder.names(), before);
+  EXPECT_TRUE(folder.read(last) == whole);
+}
+
+class OutputsOnFullDisks : public Outputs {};
+TEST_P(OutputsOnFullDisks, LeaveTheEarlierResult) {
+  folder.write(output, "an earlier result");
+  fs::create_symlink("/dev/full", folder.path(output + ".part"));
+  expect_failure("Writing file \"" + output + "\": No space left on device");
+  EXPECT_EQ(folder.read(output), "an earlier result");
+  EXPECT_FALSE(folder.has(output + ".part"));  // not a byte was written
+}
+
+using OutputRuns = std::vector<std::pair<std::string, std::string>>;
+const OutputRuns written_to_units{
+    {"-max a_d.dat", "r.dat"},         {"-min -t1 b_d.dat a_d.dat", "r.dat"},
+    {"-dif a_d.dat b_d.dat", "r.dat"}, {"-k1 a_d.dat", "r.dat"},
+    {"-r1 a_d.dat", "r.dat"},          {"-rangeA0 -rangeB9 a_d.dat", "r.dat"},
+    {"-con a_d.dat b_d.dat", "r.dat"}, {"-times a_d.dat", "r.txt"},
+    {"-times -typed x.xmdf", "r.txt"}, {"-dur1 a_d.dat", "r.dat"},
+    {"-toi1 a_d.dat", "r.dat"},        {"-trim1 a_d.dat", "r.dat"},
+    {"-va a_V.dat", "r.dat"},          {"-conv -typed x.xmdf", "r.dat"},
+    {"-xnfo x.xmdf", "r.txt"}};
+const OutputRuns written_otherwise{{"-max -typed x.xmdf", "r.xmdf"},
+                                   {"-dif -typed a_d.dat x.xmdf", "r.xmdf"},
+                                   {"-con -typed x.xmdf a_d.dat", "r.xmdf"},
+                                   {"-va -typeV x.xmdf", "r.xmdf"},
+                                   {"-conv a_d.dat", "r.xmdf"},
+                                   {"-ensight a_d.dat", "r.case"},
+                                   {"-ensight x.xmdf", "r.case"}};
+INSTANTIATE_TEST_SUITE_P(ToUnits, OutputsAtInputs, ::testing::ValuesIn(written_to_units));
+INSTANTIATE_TEST_SUITE_P(Otherwise, OutputsAtInputs, ::testing::ValuesIn(written_otherwise));
+INSTANTIATE_TEST_SUITE_P(All, OutputsOnFullDisks, ::testing::ValuesIn(written_to_units));
+
+// Without -out. Differences and lists of times go to the current folder, all else stands beside the
+// input.
+TEST(OutputNames, FollowFromTheInputs) {
+  const Workspace folder;
+  const DatShape vectors{2, 1, true};
+  const std::vector<DatTime> times{{1, {1}, {5, -1, 0, 1}}};
+  folder.write("in/run_V.dat", DAT_FILE(vectors, "v", times));
+  MAKE_XMDF(folder, "in/run.xmdf", {{"r/Temporal/Vector Velocity", vectors, times}});
+  const Names inputs = folder.names();
+  const auto expect = [&](const std::string& arguments, const std::string& name) {
+    const RunResult run = RUN(folder, WORDS("-b " + arguments));
+    EXPECT_TRUE(folder.has(name)) << name << run.output;
+    fs::remove(folder.path(name));
+    EXPECT_EQ(folder.names(), inputs) << arguments;
+  };
+  const std::string dat = " in/run_V.dat", xmdf = " -typeV in/run.xmdf";
+  for (const auto& [operation, suffix] : OutputRuns{{"-max", "(maxmax)"},
+                                                    {"-min", "(minmin)"},
+                                                    {"-k1", "(k1)"},
+                                                    {"-r2.50", "(r2.5)"},
+                                                    {"-rangeA0 -rangeB1", "(range)"},
+                                                    {"-dur0.30", "(dur0.30)"},
+                                                    {"-toi2", "(toi)"},
+                                                    {"-Trim2", "(Trim2)"}}) {
+    expect(operation + dat, "in/run_V" + suffix + ".dat");
+    expect(operation + xmdf, "in/run" + suffix + ".xmdf");
+  }
+  expect("-con" + dat + dat, "in/run_V(con).dat");
+  expect("-con" + dat + xmdf, "in/run_V(con).xmdf");
+  expect("-con" + xmdf + dat, "in/run(con).xmdf");
+  expect("-dif -nowetdry" + dat + dat, "run_V - run_V.dat");
+  expect("-dif -nowetdry" + dat + xmdf, "run_V - run.xmdf");
+  expect("-dif -nowetdry" + xmdf + xmdf + " in/third.dat", "in/third.xmdf");
+  expect("-va" + dat, "in/run_V_va.dat");
+  expect("-va" + xmdf, "in/run_V_va.xmdf");
+  expect("-times" + dat, "times.txt");
+  expect("-times" + xmdf, "times.txt");
+  expect("-xnfo" + xmdf, "in/run.xmdf_xmdf_info.txt");
+  expect("-conv" + dat, "in/run_V.xmdf");
+  expect("-conv" + xmdf, "in/run_v.dat");
+}
 
 const std::string try_again = "Press Enter to try again\n";
 

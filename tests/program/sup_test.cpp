@@ -19,6 +19,13 @@ const std::string data = "DATA \"one_h.dat\"\nDATA \"sub/two levels_h.dat\"\n";
 const std::string mesh_used = "2dm filename: \"in/geo/mesh.2dm\"";
 const std::string output = "in/m(maxmax).dat";
 
+// Up to column 1000 with the keyword before it.
+std::string long_name() {
+  std::string name = "one_h.dat";
+  while (name.size() < 995) name = "./" + name;
+  return name;
+}
+
 FileRun sup(const std::string& name, const std::string& arguments, const std::string& text) {
   return FileRun(name, arguments, WITH(model, {{"in/m.sup", text}}));
 }
@@ -39,6 +46,10 @@ INSTANTIATE_TEST_SUITE_P(
         sup("keywords in any case, backslashes, CR LF, other lines", "-max in/m.sup",
             "data one_h.dat\r\nBAT x\r\nData 'sub\\two levels_h.dat'\r\nmesh2d geo\\mesh.2dm\r\n")
             .gives(maxima, output),
+        sup("lines end after 1000 characters", "-max in/m.sup",
+            "MESH2D geo/mesh.2dm\nDATA " + long_name() + "x/y_h.dat\nDATA sub/two levels_h.dat\n")
+            .gives(maxima, output)
+            .says("   File  1: in/" + long_name()),
         sup("without a mesh -2dm holds", "-max -2dm in/geo/mesh.2dm in/m.sup", data)
             .gives(maxima, output)
             .says(mesh_used),

@@ -108,6 +108,35 @@ TEST_F(XmdfReports, OfOneFileCanBeNamed) {
   EXPECT_FALSE(folder.has("both.txt"));
 }
 
+TEST_F(XmdfReports, HoldTheFirst1000TimesOfADataset) {
+  std::string expected =
+      "long.xmdf\nScalar Datasets\nNumber Datasets:          2\nA\nNum Times      1001\n";
+  Times times;
+  for (int hours = 0; hours <= 1000; ++hours) {
+    times.push_back({static_cast<float>(hours), {}, {1, 2, 3}});
+    const std::string digits = std::to_string(hours);
+    if (hours < 1000) expected += std::string(11 - digits.size(), ' ') + digits + ".000\n";
+  }
+  MAKE_XMDF(folder, "long.xmdf", {depth("A", times), depth("B", {{7, {}, {1, 2, 3}}})});
+  const RunResult run = RUN(folder, WORDS("-b -xnfo long.xmdf"));
+  EXPECT_EQ(folder.read("long.xmdf_xmdf_info.txt"),
+            expected + "B\nNum Times         1\n          7.000\n");
+  EXPECT_EQ(run.count_lines_with("ERROR - Maximum of 1000 output times for xnfo option."), 1);
+  EXPECT_TRUE(run.has_line("Finished."));
+}
+
+TEST_F(XmdfReports, AreOfXmdfFilesOnly) {
+  folder.write("a_d.dat", DAT_FILE(shape, "d", {}));
+  const auto before = folder.names();
+  const RunResult run = RUN(folder, WORDS("-b -xnfo a.xmdf a_d.dat"));
+  EXPECT_NE(
+      run.output.find("\nExtracting information from .xmdf files.\n\nERROR - All files must be "
+                      ".xmdf files for -xnfo option.\n\nPress Enter to Close\n"),
+      std::string::npos)
+      << run.output;
+  EXPECT_EQ(folder.names(), before);
+}
+
 // A difference of depths, wet and dry told by the water levels in the same files. Bed 10. Nodes:
 // wet in both runs, in the first only, in the second only.
 class XmdfWetDry : public ::testing::Test {
