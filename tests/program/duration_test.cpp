@@ -51,6 +51,9 @@ INSTANTIATE_TEST_SUITE_P(
         duration("stored values alone", "-toi1", {flood.back()})
             .gives(output("Time to Increase 1", {0, 0, 0}, {-99999, -99999, -99999}))
             .says("WARNING - No output times in \"a_d.dat\""),
+        duration("every value is more than 1 below itself, at the only time too", "-toi-1",
+                 {{5, {1, 0, 0}, {1, 2, 3}}})
+            .gives(output("Time to Increase -1", {1, 0, 0}, {5, 5, 5})),
         duration("vectors by their lengths: 5, 0 and 13; 0 and 1", "-dur2.5",
                  {{0, {1}, {3, -4, 0, 0}}, {2, {1}, {0, 0, 0, 1}}, {4, {0}, {-5, 12, 0, 0}}},
                  {2, 1, true})

@@ -301,6 +301,12 @@ TEST(XmdfOutputs, ThatAreInputsOrCannotBeCreatedAreRefused) {
   expect_failure_line(
       RUN(folder, WORDS("-b -trim50 -typed -out none/out.xmdf a.xmdf")),
       "ERROR - Creating file [XF_CREATE_FILE] none/out.xmdf: No such file or directory");
+  // Noticed before the work, as for a .dat output.
+  fs::create_directories(folder.path("folder.xmdf"));
+  expect_failure_line(RUN(folder, WORDS("-b -trim50 -typed -out folder.xmdf a.xmdf")),
+                      "ERROR - Creating file [XF_CREATE_FILE] folder.xmdf: Is a directory");
+  EXPECT_FALSE(folder.has("folder.xmdf.part"));
+  fs::remove(folder.path("folder.xmdf"));
   EXPECT_TRUE(folder.read("a.xmdf") == before);
   EXPECT_EQ(folder.names(), std::vector<std::string>{"a.xmdf"});
 }

@@ -120,6 +120,7 @@ TEST_F(XfWriterTest, EveryOutputTimeHasTheSameNumbers) {
   expect_failure(XF_WRITE_VECTOR_TIMESTEP(depth, 1, two, some_range), "expected 1 components");
   expect_failure(XF_WRITE_SCALAR_TIMESTEP(flow, 0, three, some_range),
                  "expected 2 components, found 1");
+  expect_failure(XF_WRITE_VECTOR_TIMESTEP(flow, 0, three, some_range), "expected ");
   EXPECT_OK(XF_WRITE_VECTOR_TIMESTEP(flow, 0, Reals{1, 2, 3, 4}, some_range));
   expect_failure(XF_WRITE_VECTOR_TIMESTEP(flow, 1, two, some_range), "expected 2 values, found 1");
 }
