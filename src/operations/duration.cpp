@@ -65,6 +65,8 @@ void fold_output_times(OperationRun& run, const FoldInterval& fold) {
   if (!run.work.initial.empty()) run.work.initial = step.nd.x;
   float previous_time = step.time;
   FOLD_STATUSES(Extreme::maximum, step.cell.status, active);
+  // An interval of no length: what holds at the first output time holds though no other follows.
+  fold({initial, from, from, previous_time, previous_time});
   while (read_ordinary(source, step)) {
     if (step.time < previous_time) fail_backwards(source, step.time, previous_time);
     fold({initial, from, step.nd.x, previous_time, step.time});

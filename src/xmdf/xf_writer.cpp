@@ -113,6 +113,7 @@ XfStatus prepare_values(XfDatasetState& dataset, std::size_t count) {
 XfStatus write_values(XfDatasetState& dataset, hsize_t components, double time,
                       std::span<const float> values, const XfRange& range) {
   XfStatus status = check_count("components", dataset.components, components);
+  if (status.ok()) status = check_count("values left over", 0, values.size() % components);
   if (status.ok()) status = prepare_values(dataset, values.size() / components);
   if (!status.ok()) return status;
   dataset.times.push_back(time);

@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -48,7 +50,11 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
     : file_name(std::move(output_name)), names(dataset_names) {
   names.group = without_separators(names.group);
   SAY("Output XMDF File: " + file_name);
-  const XfStatus status = XF_CREATE_FILE(PART_NAME(file_name), file);
+  // A folder in the place of the final name is noticed now, not when all the work is done.
+  std::error_code error;
+  const XfStatus status = std::filesystem::is_directory(file_name, error)
+                              ? xf_failure(std::strerror(EISDIR))
+                              : XF_CREATE_FILE(PART_NAME(file_name), file);
   if (!status.ok()) {
     FAIL("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
   }
