@@ -107,6 +107,7 @@ void CONVERT_INPUTS(RunSetup& setup) {
   const bool named_by_user = apply_output_name(setup.options, conversions);
   check_targets(setup, conversions, named_by_user);
   for (const Conversion& conversion : conversions) convert(conversion, setup.work.step);
+  SAY_APART("Closing files and exiting");
 }
 
 }  // namespace quillet

@@ -1,5 +1,7 @@
 #include "driver/output_naming.h"
 
+#include <string_view>
+
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/numbers.h"
@@ -41,8 +43,11 @@ void name_difference(Namer& namer, const std::string& group, const std::string& 
   namer.naming.dataset_name = prefix + names;
 }
 
+// The name of an unknown type is NUL characters, which no dataset can bear: then the output's name
+// stands for it.
 std::string range_dataset_name(const RunOptions& options) {
-  if (options.type_given) return std::string(TRIMF(options.type_name));
+  const std::string_view type_name = options.type_name;
+  if (options.type_given) return std::string(TRIMF(type_name.substr(0, type_name.find('\0'))));
   return "Range " + FILENAMEPATH(options.inputs[0]);
 }
 

@@ -104,7 +104,11 @@ constexpr Dispatch dispatches[] = {
   const auto dispatch =
       std::find_if(std::begin(dispatches), std::end(dispatches),
                    [&](const Dispatch& row) { return row.operation == setup.operation; });
-  if (dispatch == std::end(dispatches)) FAIL("ERROR - This version cannot perform the operation.");
+  if (dispatch == std::end(dispatches)) {
+    SAY_APART("ERROR - No operational flag specified");
+    SAY("Specify one of -max, -dif, -k, -r, -Range, -con, -dur, -ddur, -trim or -VA");
+    END_WITH_PAUSE();
+  }
   dispatch->perform(setup);
   if (dispatch->ending == Ending::short_path) end_on_short_path(setup.options.batch);
   end_normally(setup.options.batch);

@@ -29,8 +29,6 @@ void CONVERT_DATASETS(const std::vector<ConvertedDataset>& datasets, ResultSink&
   step.is_vector = datasets.front().dataset->is_vector();
   output.prepare(step, static_cast<std::int64_t>(times));
   for (const ConvertedDataset& item : datasets) write_dataset(item, output, step);
-  SAY_APART("Closing files and exiting");
-  SAY("");
   output.close();
 }
 

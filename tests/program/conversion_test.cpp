@@ -198,6 +198,7 @@ TEST(Conversion, OutNamesASingleOutput) {
   EXPECT_NE(two.output.find("WARNING - -out option can only be used with a single output for "
                             "-conv.\nSpecifed output name ignored.\n"),
             std::string::npos);
+  EXPECT_EQ(two.count_lines_with("Closing files and exiting"), 1);
 }
 
 TEST(Conversion, ConsoleFromDatToXmdf) {
@@ -211,7 +212,8 @@ TEST(Conversion, ConsoleFromDatToXmdf) {
                         "Converting Depth at time 0.5\nDone.\n"
                         "Creating Folder: a/Maximums\nCreating scalar dataset: Depth\nDone.\nDone\n"
                         "Converting Depth at time 99999\nDone.\n"
-                        "\nClosing files and exiting\n\nClosing XMDF File: a_d.xmdf\nDone.\n") +
+                        "Closing XMDF File: a_d.xmdf\nDone.\n"
+                        "\nClosing files and exiting\n") +
                 end_text);
 }
 

@@ -50,6 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
         selection("-rangeA1.3 -rangeB27.2 -dttol0.25 -typed")
             .gives(selected("Depth", {}))
             .says("WARNING - No output times in the range."),
+        selection("-rangeA0.6 -rangeB1 -typezz").gives(selected("out", {near_one_full, one})),
         selection("-rangeA-1 -rangeB100000")
             .gives(selected("Range a_d", {half, near_one_full, one, late, stored}))));
 
@@ -129,6 +130,7 @@ TEST(XmdfSelections, AreWrittenAsXmdf) {
   expect("-k99999 -typed r.xmdf", "Keep/Maximums/Keep r", {xmdf_stored});
   expect("-r0 -typeV r.xmdf", "Remove/Temporal/out_mag", {{2, {1}, {10, 2}}});
   expect("-rangeA0.5 -rangeB1 -typed r.xmdf", "Range/Temporal/Depth", {xmdf_half, xmdf_one});
+  expect("-rangeA0 -rangeB1 -typezz a_d.dat", "Range/Temporal/out", {same_time});
   expect("-con -typed a_d.dat r.xmdf", "Concatenate/Temporal/out", {before, same_time, xmdf_one});
   expect("-dur3.5 -typed r.xmdf", "Duration/Temporal/dur3.5", {{0, {1}, {0.375F, 0.625F}}});
 }
