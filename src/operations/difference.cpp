@@ -5,7 +5,6 @@
 
 #include "mesh/read_2dm_elevations.h"
 #include "operations/difference_kernel.h"
-#include "operations/output_time_loop.h"
 #include "results/time_pairing.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -24,7 +23,6 @@ struct ComparedRun {
 
   // Moves on to the next output time; false when there is none.
   bool advance() {
-    SKIP_MARKER_MAPS(source);
     if (exhausted()) return false;
     source.read_next(record);
     if (levels != nullptr) levels->read_next(record);

@@ -21,13 +21,6 @@ std::string_view WHY_NOT_ORDINARY(float time) {
   return "";
 }
 
-void SKIP_MARKER_MAPS(ResultSource& source) {
-  while (!source.at_end() && IS_MARKER_MAP(source.next_time())) {
-    SAY("Skipping marker time, time found: " + AREAL(source.next_time()));
-    source.pass_next();
-  }
-}
-
 void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
                           const std::function<void(RES_TYPE& step)>& change) {
   ResultSource& source = *run.inputs.sources.front();
@@ -40,7 +33,7 @@ void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
     run.output.write_time(step);
     return;
   }
-  for (SKIP_MARKER_MAPS(source); !source.at_end(); SKIP_MARKER_MAPS(source)) {
+  while (!source.at_end()) {
     source.read_next(step);
     change(step);
     run.output.write_time(step);

@@ -20,9 +20,6 @@ void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning);
 // for ordinary ones.
 std::string_view WHY_NOT_ORDINARY(float time);
 
-// Moves past the source and time maps of an earlier maximum or minimum: they are no results.
-void SKIP_MARKER_MAPS(ResultSource& source);
-
 // Reads the output time asked for, or every one in turn, from the first input into the step record,
 // lets `change` work on it, and writes it. `written_shape` tells the output what will come.
 void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,

@@ -223,8 +223,7 @@ TEST(Conversion, ConsoleFromXmdfToDat) {
   write_many(folder);
   const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
   const auto written = [](const std::string& file, const std::string& data) {
-    return "Output .dat File: " + file + "\n" + data + "\nClosing files and exiting\n\n" +
-           closing_text;
+    return "Output .dat File: " + file + "\n" + data + closing_text;
   };
   const auto first_time = [](const std::string& file, const std::string& name,
                              const std::string& hours) {
@@ -244,7 +243,8 @@ TEST(Conversion, ConsoleFromXmdfToDat) {
                                        "Converting Depth at time 0\n" + WRITE_TEXT("r_d.dat")) +
                 written("r_ME_.dat", first_time("r_ME_.dat", "Mass Error %", "0")) +
                 written("r_v_mag.dat", first_time("r_v_mag.dat", "Velocity", "2")) +
-                written("r_v.dat", first_time("r_v.dat", "Vector Velocity", "2")));
+                written("r_v.dat", first_time("r_v.dat", "Vector Velocity", "2")) +
+                "\nClosing files and exiting\n");
 }
 
 // The disk becomes full in the second of two outputs: the first is whole.

@@ -25,14 +25,19 @@ std::string angles(const std::vector<DatTime>& times, const std::string& name = 
 
 INSTANTIATE_TEST_SUITE_P(
     Angles, FileRuns,
-    ::testing::Values(FileRun("at all times, named after the input", "-va in/run.v1_V.dat", input)
-                          .gives(angles({{1, {1, 0, -1}, degrees}, second_angles, stored_angles}),
-                                 "in/run.v1_V_va.dat"),
-                      FileRun("at one time", "-va -t99999 in/run.v1_V.dat", input)
-                          .gives(angles({stored_angles}), "in/run.v1_V_va.dat"),
-                      FileRun("stored minima are not stored maxima", "-va -t-99999 in/run.v1_V.dat",
-                              input)
-                          .says("ERROR - Could not find specified timestep in .dat file.")));
+    ::testing::Values(
+        FileRun("at all times, named after the input", "-va in/run.v1_V.dat", input)
+            .gives(angles({{1, {1, 0, -1}, degrees}, second_angles, stored_angles}),
+                   "in/run.v1_V_va.dat"),
+        FileRun("at one time", "-va -t99999 in/run.v1_V.dat", input)
+            .gives(angles({stored_angles}), "in/run.v1_V_va.dat"),
+        FileRun("the numbers of the inputs beside a maximum have no direction", "-va max.dat",
+                {{"max.dat",
+                  DAT_FILE(vectors, "Max",
+                           {{111111, {1, 0, -1}, flow}, {222222, {1, 0, -1}, degrees}})}})
+            .says("ERROR - Must be vector dataset to process velocity angle."),
+        FileRun("stored minima are not stored maxima", "-va -t-99999 in/run.v1_V.dat", input)
+            .says("ERROR - Could not find specified timestep in .dat file.")));
 
 TEST(AngleConsole, FromStartToEnd) {
   const Workspace folder;
