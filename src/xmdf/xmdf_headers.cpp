@@ -152,6 +152,21 @@ void read_sizes(XmdfFileHeader& header) {
   if (!is_hours(header.time_units)) SAY("WARNING - Times are taken to be hours.");
 }
 
+// The chosen datasets, or all where none was chosen.
+std::vector<std::string> paths_to_read(const XmdfFileHeader& header) {
+  const XmdfDatasets& chosen = header.datasets();
+  std::vector<std::string> paths;
+  for (const std::int32_t position :
+       {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
+    if (position != 0) paths.push_back(chosen.path(position));
+  }
+  if (chosen.found()) return paths;
+  for (const XmdfDatasets* const datasets : {&header.scalars, &header.vectors}) {
+    paths.insert(paths.end(), datasets->paths.begin(), datasets->paths.end());
+  }
+  return paths;
+}
+
 }  // namespace
 
 void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files) {
@@ -187,14 +202,11 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
 }
 
 void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
-  const XmdfDatasets& chosen = header.datasets();
-  for (const std::int32_t position :
-       {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
+  for (const std::string& path : paths_to_read(header)) {
     if (header.cell_count != unknown_count) return;
     XfGroup group;
     std::int32_t count = 0;
-    const bool tells = position != 0 &&
-                       XF_OPEN_GROUP(header.file, chosen.path(position), group).ok() &&
+    const bool tells = XF_OPEN_GROUP(header.file, path, group).ok() &&
                        XF_GET_DATASET_NUMACTIVE(group, count).ok() && count > 0;
     if (!tells) continue;
     header.cell_count = count;
