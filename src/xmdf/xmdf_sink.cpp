@@ -27,6 +27,13 @@ std::string without_separators(std::string name) {
   return name;
 }
 
+// HDF5's names end at a NUL, and the name of an unknown result type is nothing but NULs: then, as
+// without a name, it is the file's.
+std::string own_name_of(const std::string& dataset, const std::string& file_name) {
+  const std::string name = dataset.substr(0, dataset.find('\0'));
+  return without_separators(name.empty() ? FILENAME(file_name) : name);
+}
+
 // Vectors have their magnitudes beside them; each dataset has its activity.
 std::int64_t bytes_per_time(const RES_TYPE& shape, bool is_vector) {
   constexpr std::int64_t value = sizeof(float);
@@ -87,7 +94,7 @@ void XmdfSink::create_folder() {
 void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
                                std::int64_t time_count) {
   has_datasets = true;
-  const std::string own_name = without_separators(dataset.empty() ? FILENAME(file_name) : dataset);
+  const std::string own_name = own_name_of(dataset, file_name);
   XfDatasetOptions options;
   options.expected_values = empty_shape.node_count;
   options.expected_times = static_cast<std::int32_t>(std::min<std::int64_t>(time_count, INT32_MAX));

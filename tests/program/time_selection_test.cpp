@@ -128,6 +128,8 @@ TEST(XmdfSelections, AreWrittenAsXmdf) {
   expect("-k99999 -typed r.xmdf", "Keep/Maximums/Keep r", {xmdf_stored});
   expect("-r0 -typeV r.xmdf", "Remove/Temporal/out_mag", {{2, {1}, {10, 2}}});
   expect("-rangeA0.5 -rangeB1 -typed r.xmdf", "Range/Temporal/Depth", {xmdf_half, xmdf_one});
+  // A type that there is not has no name.
+  expect("-rangeA0.5 -rangeB1 -typezzz a_d.dat", "Range/Temporal/out", {same_time});
   expect("-con -typed a_d.dat r.xmdf", "Concatenate/Temporal/out", {before, same_time, xmdf_one});
   expect("-dur3.5 -typed r.xmdf", "Duration/Temporal/dur3.5", {{0, {1}, {0.375F, 0.625F}}});
 }
