@@ -113,15 +113,18 @@ SizeGroups open_size_groups(const XmdfFileHeader& header) {
   return groups;
 }
 
-// Asks the scalar group, then the vector group.
+// Asks the scalar group, then the vector group. The failure is that of the last one asked.
 void ask_groups(const XmdfFileHeader& header, const SizeGroups& groups,
                 const std::function<XfStatus(const XfGroup&)>& ask, std::string_view what,
                 std::string_view failure) {
-  if (groups.scalar && ask(groups.scalar).ok()) return;
+  XfStatus status = groups.scalar ? ask(groups.scalar) : xf_failure("no scalar dataset");
+  if (status.ok()) return;
   SAY("WARNING - Could not extract " + std::string(what) +
       " from scalar data group.. trying vector data group.");
-  const XfStatus status = groups.vector ? ask(groups.vector) : xf_failure("no vector dataset");
-  if (!status.ok()) FAIL_XMDF(std::string(failure) + " ", header.file_name, "", status);
+  if (groups.vector) status = ask(groups.vector);
+  if (status.ok()) return;
+  const std::string path = first_path(groups.vector ? header.vectors : header.scalars);
+  FAIL_XMDF(std::string(failure) + " ", header.file_name, path, status);
 }
 
 bool is_hours(const std::string& units) {
