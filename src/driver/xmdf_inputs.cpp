@@ -85,10 +85,10 @@ void CHOOSE_XMDF_DATASETS(RunSetup& setup) {
   }
   ReadXmdfDatasetNames(setup.xmdf_files);
   ReadXmdfSizes(setup.xmdf_files);
-  if (!selects(setup.options)) return;
-  search(setup);
+  const bool chooses = selects(setup.options);
+  if (chooses) search(setup);
   for (XmdfFileHeader& header : setup.xmdf_files) ReadXmdfChosenCellCount(header);
-  read_times(setup);
+  if (chooses) read_times(setup);
 }
 
 }  // namespace quillet

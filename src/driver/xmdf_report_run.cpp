@@ -19,12 +19,12 @@ void check_inputs(const RunSetup& setup) {
 void REPORT_XMDF_INPUTS(RunSetup& setup) {
   SAY("Extracting information from .xmdf files.");
   check_inputs(setup);
-  ReadXmdfDatasetNames(setup.xmdf_files);
   const bool is_single = setup.xmdf_files.size() == 1;
   if (setup.naming.user_named && !is_single) {
     SAY("WARNING - -out option can only be used with a single input file for -xnfo.");
     SAY("Specifed output name ignored.");
   }
+  ReadXmdfDatasetNames(setup.xmdf_files);
   for (XmdfFileHeader& header : setup.xmdf_files) {
     const std::string report = setup.naming.user_named && is_single
                                    ? setup.naming.base_file_name

@@ -63,7 +63,12 @@ XfStatus read_filters(hid_t properties, XfTable& table) {
   }
   table.filtered = !filters.empty();
   table.shuffled = filters.size() == 2 && filters[0] == H5Z_FILTER_SHUFFLE;
-  table.deflated = (filters.size() == 1 || table.shuffled) && filters.back() == H5Z_FILTER_DEFLATE;
+  // Chunks beyond the extents may have been left as they are, which nothing in them tells.
+  unsigned options = 0;
+  const bool all_alike = H5Pget_chunk_opts(properties, &options) >= 0 &&
+                         (options & H5D_CHUNK_DONT_FILTER_PARTIAL_CHUNKS) == 0;
+  table.deflated =
+      all_alike && (filters.size() == 1 || table.shuffled) && filters.back() == H5Z_FILTER_DEFLATE;
   return {};
 }
 

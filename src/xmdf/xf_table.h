@@ -29,7 +29,7 @@ struct XfTable {
   hsize_t chunk_columns = 0;
   hsize_t chunk_components = 1;
   bool filtered = false;
-  bool deflated = false;  // the filters are deflate alone, or shuffle and then deflate
+  bool deflated = false;  // every chunk, by deflate alone or by shuffle and then deflate
   bool shuffled = false;
   hsize_t file_size = 0;  // bytes; bounds everything that is stored
 };

@@ -113,15 +113,18 @@ SizeGroups open_size_groups(const XmdfFileHeader& header) {
   return groups;
 }
 
-// Asks the scalar group, then the vector group.
+// Asks the scalar group, then the vector group. The failure is that of the last one asked.
 void ask_groups(const XmdfFileHeader& header, const SizeGroups& groups,
                 const std::function<XfStatus(const XfGroup&)>& ask, std::string_view what,
                 std::string_view failure) {
-  if (groups.scalar && ask(groups.scalar).ok()) return;
+  XfStatus status = groups.scalar ? ask(groups.scalar) : xf_failure("no scalar dataset");
+  if (status.ok()) return;
   SAY("WARNING - Could not extract " + std::string(what) +
       " from scalar data group.. trying vector data group.");
-  const XfStatus status = groups.vector ? ask(groups.vector) : xf_failure("no vector dataset");
-  if (!status.ok()) FAIL_XMDF(std::string(failure) + " ", header.file_name, "", status);
+  if (groups.vector) status = ask(groups.vector);
+  if (status.ok()) return;
+  const std::string path = first_path(groups.vector ? header.vectors : header.scalars);
+  FAIL_XMDF(std::string(failure) + " ", header.file_name, path, status);
 }
 
 bool is_hours(const std::string& units) {
@@ -150,6 +153,21 @@ void read_sizes(XmdfFileHeader& header) {
       "Time Unit Dataset", "ERROR - Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS].");
   SAY("Time Units: " + header.time_units);
   if (!is_hours(header.time_units)) SAY("WARNING - Times are taken to be hours.");
+}
+
+// The chosen datasets, or all where none was chosen.
+std::vector<std::string> paths_to_read(const XmdfFileHeader& header) {
+  const XmdfDatasets& chosen = header.datasets();
+  std::vector<std::string> paths;
+  for (const std::int32_t position :
+       {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
+    if (position != 0) paths.push_back(chosen.path(position));
+  }
+  if (chosen.found()) return paths;
+  for (const XmdfDatasets* const datasets : {&header.scalars, &header.vectors}) {
+    paths.insert(paths.end(), datasets->paths.begin(), datasets->paths.end());
+  }
+  return paths;
 }
 
 }  // namespace
@@ -187,14 +205,11 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
 }
 
 void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
-  const XmdfDatasets& chosen = header.datasets();
-  for (const std::int32_t position :
-       {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
+  for (const std::string& path : paths_to_read(header)) {
     if (header.cell_count != unknown_count) return;
     XfGroup group;
     std::int32_t count = 0;
-    const bool tells = position != 0 &&
-                       XF_OPEN_GROUP(header.file, chosen.path(position), group).ok() &&
+    const bool tells = XF_OPEN_GROUP(header.file, path, group).ok() &&
                        XF_GET_DATASET_NUMACTIVE(group, count).ok() && count > 0;
     if (!tells) continue;
     header.cell_count = count;

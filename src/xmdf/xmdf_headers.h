@@ -21,7 +21,7 @@ void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files);
 void ReadXmdfSizes(std::vector<XmdfFileHeader>& files);
 
 // The number of cells, for a file whose first dataset has no activity, from the datasets that were
-// chosen.
+// chosen, or from all where none was.
 void ReadXmdfChosenCellCount(XmdfFileHeader& header);
 
 // The output times of the dataset that holds the time series, in hours; none where there is none.

@@ -68,6 +68,11 @@ void fold_time_series(XmdfFileHeader& header, Extreme extreme, std::string_view 
   SAY("Opening data group: " + path);
   OPEN_XMDF_GROUP(header, path);
   for (std::size_t output = 1; output <= header.group_times.size(); ++output) {
+    const auto time = static_cast<float>(header.group_times[output - 1]);
+    if (IS_MARKER_MAP(time)) {
+      SAY("Skipping marker time, time found: " + AREAL(time));
+      continue;
+    }
     READ_XMDF_OUTPUT(header, path, "timestep", header.uses_vectors(),
                      static_cast<std::int32_t>(output), step);
     FOLD_OUTPUT_TIME(extreme, step, file);

@@ -34,7 +34,8 @@ void ReadXmdfMinimum(XmdfFileHeader& header, RES_TYPE& record);
 void ReadXmdfSingleTime(XmdfFileHeader& header, RES_TYPE& record);
 
 // Folds every output of the time series, the last included, into the running maximum (minimum) and
-// its times. `step` is working space.
+// its times; not the maps of sources and times that a converted file of maxima holds. `step` is
+// working space.
 void ReadXmdfTemporalMaximum(XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file);
 void ReadXmdfTemporalMinimum(XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file);
 

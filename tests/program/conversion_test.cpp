@@ -125,6 +125,16 @@ TEST(XmdfToDat, WritesOneFilePerResultType) {
   }
 }
 
+// Writers often leave the activity out of stored maxima, which stand first in the list.
+TEST(XmdfToDat, TakesTheCellsOfWhicheverDatasetTells) {
+  const Workspace folder;
+  const DatTime all_wet{99999, {}, {4, 3}};
+  MAKE_XMDF(folder, "r.xmdf",
+            {{"r/Maximums/Depth", shape, {all_wet}}, {"r/Temporal/Depth", shape, {first}}});
+  const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
+  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE(shape, "Depth", {first, stored})) << run.output;
+}
+
 TEST(XmdfToDat, WritesAChosenDatasetAlone) {
   const auto expect = [](const std::string& arguments, const std::string& name,
                          const std::string& bytes) {

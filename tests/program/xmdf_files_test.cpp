@@ -149,11 +149,11 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
   expect(removed("/File Type"),
          "Could not open XMDF file \"a.xmdf\": an HDF5 file but not an XMDF file, it has no File "
          "Type");
-  expect(removed("Values"),
-         "Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS]. a.xmdf: no vector "
-         "dataset");
+  expect(removed("Values"), "Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS]. " +
+                                in_depth + "Values is missing");
   expect([](hid_t group) { H5Adelete(group, "TimeUnits"); },
-         "Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS]. a.xmdf: no vector dataset");
+         "Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS]. " + in_depth +
+             "TimeUnits is missing or no text");
   expect(removed("Times"), "Extracting number of times [XF_GET_DATASET_NUM_TIMES] from xmdf file " +
                                in_depth + "Times is missing");
   expect(replaced("Times", H5T_IEEE_F64LE, {6}),
@@ -162,8 +162,8 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
          "Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading " + in_depth +
              "Times holds 7 output times, Active 6");
   expect(replaced("Active", H5T_IEEE_F32LE, {7, 15}),
-         "Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE]. a.xmdf: no vector "
-         "dataset");
+         "Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE]. " + in_depth +
+             "Active holds no flags");
   expect(remove_output_times, reading_values + "there is no output time 1, the dataset has 0",
          "-t1");
 }

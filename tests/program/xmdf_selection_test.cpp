@@ -214,6 +214,11 @@ INSTANTIATE_TEST_SUITE_P(
                   "Opening data group: run1/Temporal/Depth\n"
                   "Closing Group\nDone\n")
             .gives("MaxMax/Maximums/Max Time", {{111111, {1, 1}, {1, 1, 1}}}),
+        select("source and time maps are no results", "-max -typed",
+               {scalar("r/Temporal/Depth",
+                       {{111111, {1, 0}, {5, 6, 7}}, {222222, {1, 1}, {10, 10, 10}}})})
+            .says("Skipping marker time, time found: 222222\nClosing Group\n")
+            .gives("MaxMax/Maximums/Max Value", {{111111, {1, 0}, {5, 6, 7}}}),
         select("neither stored nor a time series", "-max -typed",
                {scalar("r/Minimums/Depth", {stored_least})})
             .fails(nothing_selected)));

@@ -15,6 +15,10 @@ void shuffle_and_deflate(hid_t properties) {
   H5Pset_shuffle(properties);
   H5Pset_deflate(properties, 4);
 }
+void deflate_whole_chunks(hid_t properties) {
+  deflate(properties);
+  H5Pset_chunk_opts(properties, H5D_CHUNK_DONT_FILTER_PARTIAL_CHUNKS);
+}
 void deflate_and_checksum(hid_t properties) {
   H5Pset_deflate(properties, 4);
   H5Pset_fletcher32(properties);
@@ -78,6 +82,7 @@ std::vector<Storage> storages() {
           {"deflate, split both", 2, 16, deflate, real},
           {"shuffle", 1, node_count, shuffle_and_deflate, real},
           {"shuffle, split both", 2, 16, shuffle_and_deflate, real},
+          {"deflate, not where chunks reach beyond the extents", 2, 16, deflate_whole_chunks, real},
           {"checksum", 2, 16, deflate_and_checksum, real},
           {"deflate 64-bit", 2, 16, deflate, H5T_IEEE_F64LE},
           {"deflate big-endian", 1, node_count, deflate, H5T_IEEE_F32BE},
