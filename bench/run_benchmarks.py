@@ -11,6 +11,7 @@ import argparse
 import dataclasses
 import os
 import pathlib
+import shutil
 import statistics
 import subprocess
 import sys
@@ -97,6 +98,14 @@ def paired_runs(commands, pairs):
     return list(zip(*rounds[1:]))
 
 
+def write_anew(folder):
+    """Where a file lies in memory makes up to a third of reading it: all of them are of today."""
+    for name in folder.iterdir():
+        copy = folder / "copy"
+        shutil.copyfile(name, copy)
+        copy.rename(name)
+
+
 class Bench:
     def __init__(self, options):
         self.programs = options.build / "bin"
@@ -105,6 +114,7 @@ class Bench:
         self.with_pieces = options.pieces
         nodes, times = (20_000, 60) if options.small else (options.nodes, options.times)
         self.model = self.make_model(nodes, times)
+        write_anew(self.model)
         with open(self.model / D1, "rb") as file:
             header = file.read(92)
         self.nodes = int.from_bytes(header[36:40], "little")

@@ -15,7 +15,7 @@ import sys
 import h5py
 import numpy as np
 
-from run_benchmarks import D1, Failure, median, measured_write, paired_runs
+from run_benchmarks import D1, V1, Failure, median, measured_write, paired_runs, write_anew
 
 PEER = [sys.executable, str(pathlib.Path(__file__).with_name("peer_xmdf.py"))]
 MAPS = tuple(f"MaxMax/Maximums/Max {name}" for name in ("Value", "Source", "Time"))
@@ -49,6 +49,7 @@ TYPED = ("-typed",)
 COMPARISONS = (
     Comparison("max, .dat / .xmdf", (*MAX, D1, "a.dat"), (*MAX, *TYPED, PLAIN.name, "b.xmdf")),
     Comparison("trim, to .dat / .xmdf", (*TRIM, D1, "a.dat"), (*TRIM, D1, "b.xmdf")),
+    Comparison("trim vectors, to .dat / .xmdf", (*TRIM, V1, "a.dat"), (*TRIM, V1, "b.xmdf")),
     Comparison("trim, .dat / .xmdf", (*TRIM, D1, "a.dat"), (*TRIM, *TYPED, PLAIN.name, "b.xmdf")),
     Comparison("max, script / deflated", ("max", DEFLATED.name, "a.xmdf"),
                (*MAX, *TYPED, DEFLATED.name, "b.xmdf"), MAPS),
@@ -106,6 +107,8 @@ class Bench:
         self.pairs = options.pairs
         for storage in (PLAIN, DEFLATED, TOGETHER):
             self.make_input(storage)
+        write_anew(self.inputs)
+        write_anew(self.model)
 
     def make_input(self, storage):
         name = self.inputs / storage.name
@@ -119,7 +122,7 @@ class Bench:
     def command(self, words):
         """The command and its output: the last name is the output's, a limit may follow it."""
         program, *arguments = words
-        names = [str(self.model / word) if word == D1 else str(self.inputs / word)
+        names = [str(self.model / word) if word in (D1, V1) else str(self.inputs / word)
                  if (self.inputs / word).exists() else word for word in arguments]
         place = next(i for i, word in enumerate(names) if word in ("a.dat", "a.xmdf", "b.xmdf"))
         output = self.outputs / names[place]
@@ -136,7 +139,7 @@ class Bench:
         first, second = paired_runs(commands, self.pairs)
         ratio = statistics.median(b.wall / a.wall for a, b in zip(first, second))
         cpu = median(second, "cpu") / median(first, "cpu")
-        return (f"{comparison.name:<28}{median(first, 'wall'):>9.3f}{median(second, 'wall'):>10.3f}"
+        return (f"{comparison.name:<31}{median(first, 'wall'):>9.3f}{median(second, 'wall'):>10.3f}"
                 f"{ratio:>8.2f}{1 / ratio:>8.2f}{cpu:>8.2f}")
 
 
@@ -148,7 +151,7 @@ def check_same(first, second, path):
                     raise Failure(f"{path}/{member} differs")
 
 
-HEADING = (f"{'first / second':<28}{'first s':>9}{'second s':>10}{'ratio':>8}{'faster':>8}"
+HEADING = (f"{'first / second':<31}{'first s':>9}{'second s':>10}{'ratio':>8}{'faster':>8}"
            f"{'cpu':>8}")
 
 
@@ -178,7 +181,7 @@ def main():
             print(bench.compare(comparison), flush=True)
         except (Failure, OSError) as failure:
             failed = True
-            print(f"{comparison.name:<28} {failure}", flush=True)
+            print(f"{comparison.name:<31} {failure}", flush=True)
     for output in bench.outputs.iterdir():
         output.unlink()
     return 1 if failed else 0
