@@ -48,11 +48,11 @@ void SIZE_SOURCES(RES_TYPE& record) {
   size_array(record.nd.source, record.node_count, 0);
 }
 
-void SIZE_ARRAY(LargeArray<float>& array, std::int32_t count) {
+void SIZE_ARRAY(LargeArray<float>& array, std::int64_t count) {
   size_array(array, count, 0.0F);
 }
 
-void SIZE_ARRAY(LargeArray<double>& array, std::int32_t count) {
+void SIZE_ARRAY(LargeArray<double>& array, std::int64_t count) {
   size_array(array, count, 0.0);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <tuple>
@@ -148,13 +149,13 @@ void XmdfSink::write(float time, const RES_TYPE& record) {
 // that stay in the processor's cache.
 XfRange XmdfSink::prepare_vectors(const RES_TYPE& record) {
   constexpr std::int64_t piece = 4096;
-  const auto count = static_cast<std::size_t>(record.node_count);
-  magnitude.resize(count);
-  if (!record.holds_pairs) pairs.resize(2 * count);
+  const std::int64_t count = record.node_count;
+  if (std::ssize(magnitude) != count) SIZE_ARRAY(magnitude, count);
+  if (!record.holds_pairs && std::ssize(pairs) != 2 * count) SIZE_ARRAY(pairs, 2 * count);
   const ND_RES_TYPE& nodes = record.nd;
   XfRangeFinder finder;
-  for (std::int64_t first = 0; first < record.node_count; first += piece) {
-    const std::int64_t size = std::min<std::int64_t>(piece, record.node_count - first);
+  for (std::int64_t first = 0; first < count; first += piece) {
+    const std::int64_t size = std::min(piece, count - first);
     if (!record.holds_pairs) {
       JOIN_COMPONENTS(&nodes.x[first], &nodes.y[first], size, &pairs[2 * first]);
     }
