@@ -64,6 +64,11 @@ INSTANTIATE_TEST_SUITE_P(
             .gives(level_differences({1, 0, 0, 0, 0}, {0.5F, 2, -2, 1, at_level - above, 0}))
             .never_says("...")
             .never_says("WARNING"),
+        dif("all maps of two maxima are compared, the times of the peaks too",
+            "-nowetdry a_d.dat b_d.dat",
+            {{"a_d.dat", results({{111111, {1}, {5, 6}}, {333333, {1}, {2, 8}}})},
+             {"b_d.dat", results({{111111, {1}, {4, 7}}, {333333, {1}, {2.5F, 4}}})}})
+            .gives(differences({{111111, {1}, {1, -1}}, {333333, {1}, {-0.5F, 4}}})),
         dif("the second run has its own mesh", "a_h.dat b_h.dat",
             WITH(truth_table, {{"b.2dm", mesh({"20", "9", "11.999", "8", "10", "20"})}}))
             .gives(level_differences({1, 1, 1, 0, 0}, {99, 2, 0, -99, -99, 0})),
