@@ -6,7 +6,6 @@
 #include <array>
 #include <filesystem>
 #include <system_error>
-#include <tuple>
 
 #include "xmdf/xf_errors.h"
 #include "xmdf/xf_file_state.h"
@@ -167,8 +166,10 @@ void XF_EXPECT_SIZE([[maybe_unused]] const XfFile& file, [[maybe_unused]] std::i
     return;
   }
   // The file must not look longer than what HDF5 has written.
-  std::ignore = ::fallocate(*static_cast<const int*>(descriptor), FALLOC_FL_KEEP_SIZE,
-                            static_cast<off_t>(size), bytes);
+  const bool reserved = ::fallocate(*static_cast<const int*>(descriptor), FALLOC_FL_KEEP_SIZE,
+                                    static_cast<off_t>(size), bytes) == 0;
+  // What a full disk could give is given back: the guess may be too high.
+  if (!reserved) give_back_reserve(file->created_name);
 #endif
 }
 
