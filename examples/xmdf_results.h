@@ -4,7 +4,7 @@
 
 #include "flood_history.h"
 #include "flood_solution.h"
-#include "xmdf/xf_writer.h"
+#include "xf/xf_writer.h"
 
 namespace quillet::example {
 

@@ -15,6 +15,8 @@
 #include <tuple>
 #include <utility>
 
+#include "build_paths.h"
+
 namespace quillet::testing {
 namespace {
 
@@ -49,7 +51,7 @@ void limit(__rlimit_resource resource, rlim_t value) {
   ::signal(SIGXFSZ, SIG_IGN);
   limit(RLIMIT_FSIZE, settings.largest_file);
   if (can_limit_memory) limit(RLIMIT_AS, settings.address_space);
-  ::execv(QUILLET_PROGRAM, arguments);
+  ::execv(arguments[0], arguments);
   ::_exit(127);
 }
 
@@ -112,7 +114,7 @@ LiveRun::LiveRun(const Workspace& workspace, std::vector<std::string> arguments,
                  const RunSettings& settings)
     : output_file(workspace.path().string() + ".stdout"),
       deadline(std::chrono::steady_clock::now() + settings.time_limit) {
-  arguments.insert(arguments.begin(), QUILLET_PROGRAM);
+  arguments.insert(arguments.begin(), program_path);
   std::vector<char*> pointers;
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);

@@ -8,7 +8,7 @@
 
 #include "dat_builder.h"
 #include "program_runner.h"
-#include "xmdf/xf_test_files.h"
+#include "xf/xf_test_files.h"
 
 namespace quillet::testing {
 

@@ -47,7 +47,7 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
       return;
     }
   }
-  FAIL("ERROR - Could not find specified timestep in .dat file.");
+  FAIL_RUN("ERROR - Could not find specified timestep in .dat file.");
 }
 
 void DatSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,

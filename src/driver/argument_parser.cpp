@@ -64,20 +64,20 @@ void set_type(RunOptions& options, const Option& option) {
   options.type_code = TRIMF(option.from_column(6).substr(0, longest_type_code));
   LOOK_UP_TYPE_NAME(options.type_code, options.type_name);
   if (BLANK(options.type_name)) {
-    FAIL("ERROR - Unable to interpret Map Output Data Type: " + QUOTED(options.type_code));
+    FAIL_RUN("ERROR - Unable to interpret Map Output Data Type: " + QUOTED(options.type_code));
   }
 }
 
 void set_scalar_id(RunOptions& options, const Option& option) {
   if (options.scalar_id) {
-    FAIL("ERROR - Only one scalar dataset can be specified with \"-s\" option..");
+    FAIL_RUN("ERROR - Only one scalar dataset can be specified with \"-s\" option..");
   }
   options.scalar_id = option.integer(3);
 }
 
 void set_vector_id(RunOptions& options, const Option& option) {
   if (options.vector_id) {
-    FAIL("ERROR - Only one vector dataset can be specified with \"-v\" option..");
+    FAIL_RUN("ERROR - Only one vector dataset can be specified with \"-v\" option..");
   }
   options.vector_id = option.integer(3);
 }

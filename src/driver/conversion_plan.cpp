@@ -75,13 +75,13 @@ std::string special_times_name(const InputType& type) {
 }
 
 bool is_of_known_type(const std::string& input) {
-  return !type_name_of(FILE___EXT(input), false).empty();
+  return !type_name_of(FILE_SUFFIX(input), false).empty();
 }
 
 std::string xmdf_dataset_name(const std::string& input, const InputType& type,
                               const ResultDataset& dataset) {
   if (dataset.kind() == DatasetKind::special_times) return special_times_name(type);
-  if (is_of_known_type(input)) return type_name_of(FILE___EXT(input), dataset.is_vector());
+  if (is_of_known_type(input)) return type_name_of(FILE_SUFFIX(input), dataset.is_vector());
   return FILENAME(input);
 }
 

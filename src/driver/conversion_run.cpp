@@ -35,7 +35,7 @@ Conversion plan(const RunSetup& setup, std::size_t input) {
     conversion.targets = PLAN_DAT_TARGETS(name, by_itself, conversion.datasets);
   }
   const bool has_data = !conversion.targets.empty() && !conversion.targets[0].datasets.empty();
-  if (!has_data) FAIL("ERROR - Nothing to convert in " + QUOTED(name));
+  if (!has_data) FAIL_RUN("ERROR - Nothing to convert in " + QUOTED(name));
   return conversion;
 }
 
@@ -64,7 +64,7 @@ void check_targets(const RunSetup& setup, const std::vector<Conversion>& convers
       REFUSE_INPUT_AS_OUTPUT(setup, name);
       const bool is_taken = std::find(names.begin(), names.end(), name) != names.end();
       if (is_taken || (!named_by_user && FILE_EXISTS(name))) {
-        FAIL("ERROR - Output file already exists: " + QUOTED(name));
+        FAIL_RUN("ERROR - Output file already exists: " + QUOTED(name));
       }
       names.push_back(name);
     }

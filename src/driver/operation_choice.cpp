@@ -15,8 +15,8 @@ Operation CHOOSE_OPERATION(const RunOptions& options) {
     chosen = name.operation;
   }
   const auto count = options.operations.count();
-  if (count > 1) FAIL("ERROR - Multiple operational flags specified, expecting 1.");
-  if (count == 0) FAIL("ERROR - No operational flags specified.");
+  if (count > 1) FAIL_RUN("ERROR - Multiple operational flags specified, expecting 1.");
+  if (count == 0) FAIL_RUN("ERROR - No operational flags specified.");
   SAY_APART("Found 1 operational flags specified.");
   return chosen;
 }

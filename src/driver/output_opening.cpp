@@ -39,7 +39,7 @@ bool is_opened_by_set_up(Operation operation) {
 
 void refuse(const std::string& input, const std::string& output_name) {
   if (SAME_FILE(input, output_name) || SAME_FILE(input, PART_NAME(output_name))) {
-    FAIL("ERROR - Output file is also an input file: " + QUOTED(output_name));
+    FAIL_RUN("ERROR - Output file is also an input file: " + QUOTED(output_name));
   }
 }
 

@@ -132,7 +132,7 @@ void RUN_QUILLET(const std::vector<std::string>& arguments) {
   RunSetup setup;
   setup.options = std::move(parsed.options);
   setup.operation = CHOOSE_OPERATION(setup.options);
-  if (setup.options.inputs.empty()) FAIL("ERROR - No input files specified.");
+  if (setup.options.inputs.empty()) FAIL_RUN("ERROR - No input files specified.");
   setup.naming = NAME_OUTPUT(setup.operation, setup.options);
   SET_UP_RUN(setup);
   perform(setup);

@@ -26,7 +26,7 @@ void expand_sup(RunSetup& setup) {
   std::vector<std::string>& inputs = setup.options.inputs;
   if (FILEEXT(inputs.front()) != ".sup") return;
   if (inputs.size() > 1) {
-    FAIL("ERROR - If using .sup file, there must be only one input file.");
+    FAIL_RUN("ERROR - If using .sup file, there must be only one input file.");
   }
   SAY_APART("Extracting results files from .sup file....");
   SUP_FILE_TYPE sup;
@@ -39,7 +39,7 @@ void expand_sup(RunSetup& setup) {
   inputs.clear();
   for (const std::string& entry : sup.data_files) inputs.push_back(joined(entry));
   if (!sup.mesh_file.empty()) setup.sup_mesh = joined(sup.mesh_file);
-  if (inputs.empty()) FAIL("ERROR - No input files specified.");
+  if (inputs.empty()) FAIL_RUN("ERROR - No input files specified.");
 }
 
 void announce_inputs(const RunOptions& options) {
@@ -60,7 +60,7 @@ FileKind kind_of_input(const std::string& name) {
   const std::string extension = FILEEXT(name);
   if (extension == ".xmdf") return FileKind::xmdf;
   if (extension == ".dat") return FileKind::dat;
-  FAIL("ERROR - Unable to determine file type (expecting .dat or .xmdf).");
+  FAIL_RUN("ERROR - Unable to determine file type (expecting .dat or .xmdf).");
 }
 
 void classify_inputs(RunSetup& setup) {
@@ -108,7 +108,7 @@ void check_selection(const RunSetup& setup) {
 void refuse_minimum_at_time(const RunSetup& setup) {
   const bool is_at_time = setup.operation == Operation::min && setup.options.time_given;
   if (is_at_time && has_input(setup, FileKind::xmdf)) {
-    FAIL("ERROR - Min not yet enabled for xmdf files.");
+    FAIL_RUN("ERROR - Min not yet enabled for xmdf files.");
   }
 }
 

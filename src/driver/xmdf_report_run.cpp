@@ -10,7 +10,7 @@ namespace {
 
 void check_inputs(const RunSetup& setup) {
   for (const FileKind kind : setup.input_kinds) {
-    if (kind != FileKind::xmdf) FAIL("ERROR - All files must be .xmdf files for -xnfo option.");
+    if (kind != FileKind::xmdf) FAIL_RUN("ERROR - All files must be .xmdf files for -xnfo option.");
   }
 }
 

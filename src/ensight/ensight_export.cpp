@@ -31,7 +31,7 @@ bool has_format(const EnsightRun& run, EnsightFormat format) {
 void announce(const EnsightRun& run) {
   const bool has_dat = has_format(run, EnsightFormat::dat);
   if (has_dat && has_format(run, EnsightFormat::xmdf)) {
-    FAIL("ERROR - Must specify all .dat or all .xmdf files for export to ensight.");
+    FAIL_RUN("ERROR - Must specify all .dat or all .xmdf files for export to ensight.");
   }
   const auto count = static_cast<std::int64_t>(run.inputs.size());
   if (has_dat) {
@@ -82,7 +82,7 @@ class EnsightExport {
   void refuse_input(const std::string& name) const {
     const auto refuse = [&](const std::string& input) {
       if (SAME_FILE(input, name))
-        FAIL("ERROR - Output file is also an input file: " + QUOTED(name));
+        FAIL_RUN("ERROR - Output file is also an input file: " + QUOTED(name));
     };
     refuse(run.mesh_file);
     for (const EnsightInput& input : run.inputs) refuse(input.name);

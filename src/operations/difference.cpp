@@ -131,7 +131,7 @@ ComparedRun compared_run(OperationRun& run, std::size_t input, const char* ordin
 }  // namespace
 
 void RUN_DIFFERENCE(OperationRun& run) {
-  if (run.inputs.sources.size() > 2) FAIL("ERROR - Maximum of two files for -dif option.");
+  if (run.inputs.sources.size() > 2) FAIL_RUN("ERROR - Maximum of two files for -dif option.");
   warn_of_types(run);
   SAY("Allocating secondary arrays for results storage.");
   SAY("Done.");

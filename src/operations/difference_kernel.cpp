@@ -62,7 +62,7 @@ void begin(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
   result.is_vector = false;
   result.time = first.time;
   if (!first.is_vector) return;
-  if (!second.is_vector) FAIL("ERROR - Second data for -dif option is not a vector.");
+  if (!second.is_vector) FAIL_RUN("ERROR - Second data for -dif option is not a vector.");
   use_magnitudes(first);
   use_magnitudes(second);
 }

@@ -107,7 +107,8 @@ void RUN_EXTREME(Extreme extreme, OperationRun& run) {
   SAY("Allocating secondary arrays for time of max / min.");
   SAY("Done.");
   if (run.time && run.inputs.sources.size() < 2) {
-    FAIL("ERROR - expecting two or more files when using -max or -min with a specified time (-t)");
+    FAIL_RUN(
+        "ERROR - expecting two or more files when using -max or -min with a specified time (-t)");
   }
   if (run.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");

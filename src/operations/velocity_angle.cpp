@@ -8,7 +8,7 @@ namespace quillet {
 namespace {
 
 void turn_into_angles(RES_TYPE& step) {
-  if (!step.is_vector) FAIL("ERROR - Must be vector dataset to process velocity angle.");
+  if (!step.is_vector) FAIL_RUN("ERROR - Must be vector dataset to process velocity angle.");
   FLOW_DIRECTION(step.nd.x.data(), step.nd.y.data(), step.nd.x.data(), step.node_count);
   step.is_vector = false;
 }
@@ -18,7 +18,7 @@ void turn_into_angles(RES_TYPE& step) {
 void RUN_VELOCITY_ANGLE(OperationRun& run) {
   ANNOUNCE_OUTPUT_TIMES(run, "Processing velocity angle at time at ",
                         "Processing velocity angles at all times.");
-  if (!run.is_vector) FAIL("ERROR - Must be vector for -va (velocity angle) option");
+  if (!run.is_vector) FAIL_RUN("ERROR - Must be vector for -va (velocity angle) option");
   RES_TYPE angles;
   angles.node_count = run.work.step.node_count;
   angles.cell_count = run.work.step.cell_count;

@@ -20,7 +20,7 @@ std::string_view without_underscore(std::string_view type) {
 
 InputType TYPE_OF_DAT_INPUT(std::string_view file_name) {
   InputType input;
-  input.type = LOWERCASE(FILE___EXT(file_name));
+  input.type = LOWERCASE(FILE_SUFFIX(file_name));
   if (input.type.size() <= 1) input.type = unknown_type;
   input.is_water_level = input.type == water_level_type;
   return input;

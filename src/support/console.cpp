@@ -62,21 +62,21 @@ void END_AT_ONCE() {
   end_run("", "");
 }
 
-void FAIL(std::string_view line) {
+void FAIL_RUN(std::string_view line) {
   SAY_APART(line);
   EXITS();
 }
 
 void FAIL_READING(std::string_view file_name, std::string_view reason) {
-  FAIL("ERROR - Reading file " + QUOTED(file_name) + ": " + std::string(reason));
+  FAIL_RUN("ERROR - Reading file " + QUOTED(file_name) + ": " + std::string(reason));
 }
 
 void FAIL_WRITING(std::string_view file_name, std::string_view reason) {
-  FAIL("ERROR - Writing file " + QUOTED(file_name) + ": " + std::string(reason));
+  FAIL_RUN("ERROR - Writing file " + QUOTED(file_name) + ": " + std::string(reason));
 }
 
 void FAIL_ALLOCATION() {
-  FAIL("ERROR - Could not allocate enough memory (RAM).");
+  FAIL_RUN("ERROR - Could not allocate enough memory (RAM).");
 }
 
 }  // namespace quillet

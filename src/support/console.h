@@ -32,7 +32,7 @@ bool WAIT_AFTER(std::string_view prompt);
 [[noreturn]] void END_AT_ONCE();
 
 // The message of a failure, set apart by an empty line, then EXITS.
-[[noreturn]] void FAIL(std::string_view line);
+[[noreturn]] void FAIL_RUN(std::string_view line);
 
 // The message of a file that cannot be read or written: the quoted name, what was expected and
 // found or the system's reason. Then EXITS.

@@ -44,7 +44,7 @@ std::string FILEFOLDERPATH(std::string_view name) {
   return std::string(name.substr(0, own_name_start(name)));
 }
 
-std::string FILE___EXT(std::string_view name) {
+std::string FILE_SUFFIX(std::string_view name) {
   const std::string own_name = FILENAME(name);
   const auto underscore = own_name.find_last_of('_');
   return underscore == std::string::npos ? std::string() : own_name.substr(underscore);
@@ -52,7 +52,7 @@ std::string FILE___EXT(std::string_view name) {
 
 std::string FILENAMEPATHNO_(std::string_view name) {
   const std::string path = FILENAMEPATH(name);
-  return path.substr(0, path.size() - FILE___EXT(name).size());
+  return path.substr(0, path.size() - FILE_SUFFIX(name).size());
 }
 
 bool IS_ABSOLUTE_NAME(std::string_view name) {

@@ -11,7 +11,7 @@ std::string FILEEXT(std::string_view name);         // ".dat": lower case, with 
 std::string FILENAME(std::string_view name);        // "res_h": without folder and extension
 std::string FILENAMEPATH(std::string_view name);    // "C:\run\res_h": without extension
 std::string FILEFOLDERPATH(std::string_view name);  // "C:\run\": with the closing separator; or ""
-std::string FILE___EXT(std::string_view name);      // "_h": FILENAME from its last "_"; or empty
+std::string FILE_SUFFIX(std::string_view name);     // "_h": FILENAME from its last "_"; or empty
 // "C:\run\res": without extension and cut just before the last "_" of the file's own name; a name
 // without "_" is only freed of its extension.
 std::string FILENAMEPATHNO_(std::string_view name);

@@ -13,7 +13,7 @@ void FAIL_XMDF(std::string_view text, const std::string& file_name, const std::s
   std::string message = std::string(text) + file_name;
   if (!path.empty()) message += ", dataset " + QUOTED(path);
   if (!status.reason.empty()) message += ": " + status.reason;
-  FAIL(message);
+  FAIL_RUN(message);
 }
 
 void CLOSE_XMDF_INPUT(XmdfFileHeader& header) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "results/result_source.h"
-#include "xmdf/xf_dataset_reader.h"
-#include "xmdf/xf_file.h"
+#include "xf/xf_dataset_reader.h"
+#include "xf/xf_file.h"
 
 namespace quillet {
 

@@ -8,7 +8,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
-#include "xmdf/xf_trial.h"
+#include "xf/xf_trial.h"
 #include "xmdf/xmdf_times_outputs.h"
 
 namespace quillet {
@@ -106,7 +106,7 @@ SizeGroups open_size_groups(const XmdfFileHeader& header) {
   const std::string scalar_path = first_path(header.scalars);
   const std::string vector_path = first_path(header.vectors);
   if (!has_scalar && !has_vector) {
-    FAIL("ERROR" + message(scalar_path.empty() ? vector_path : scalar_path));
+    FAIL_RUN("ERROR" + message(scalar_path.empty() ? vector_path : scalar_path));
   }
   if (!has_scalar && !scalar_path.empty()) SAY("WARNING" + message(scalar_path));
   if (!has_vector && !vector_path.empty()) SAY("WARNING" + message(vector_path));

@@ -57,7 +57,7 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
                               ? xf_failure(std::strerror(EISDIR))
                               : XF_CREATE_FILE(PART_NAME(file_name), file);
   if (!status.ok()) {
-    FAIL("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
+    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
   }
   unit = REGISTER_UNIT([this] { abandon(); });
 }
@@ -204,7 +204,7 @@ void XmdfSink::check(const XfStatus& status, const std::string& message) {
   if (status.ok()) return;
   abandon();
   if (status.kind == XfStatus::Kind::no_memory) FAIL_ALLOCATION();
-  FAIL(message + file_name + ": " + status.reason);
+  FAIL_RUN(message + file_name + ": " + status.reason);
 }
 
 // What was written stays under its temporary name; a file without a dataset is removed.

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "results/result_sink.h"
-#include "xmdf/xf_writer.h"
+#include "xf/xf_writer.h"
 
 namespace quillet {
 

@@ -16,7 +16,7 @@ std::int64_t XmdfSource::likely_time_count() const {
 // request, not an end.
 bool XmdfSource::at_end() const {
   if (header.datasets().temporal == 0) {
-    FAIL("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+    FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
   }
   return outputs_passed >= header.times.size();
 }
@@ -38,10 +38,10 @@ void XmdfSource::read_next(RES_TYPE& record) {
 
 void XmdfSource::read_at_time(float time, float, RES_TYPE& record) {
   if (header.selected_time == 0 && time == stored_maximum_time) {
-    FAIL("ERROR - No stored maximum found in " + QUOTED(name()));
+    FAIL_RUN("ERROR - No stored maximum found in " + QUOTED(name()));
   }
   if (header.selected_time == 0 && time == stored_minimum_time) {
-    FAIL("ERROR - No stored minimum found in " + QUOTED(name()));
+    FAIL_RUN("ERROR - No stored minimum found in " + QUOTED(name()));
   }
   ReadXmdfData(header, is_vector(), 0, true, true, record);
 }

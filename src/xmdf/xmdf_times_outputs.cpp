@@ -29,7 +29,7 @@ std::optional<float> depth_in_name(std::string_view name, std::size_t column) {
 void add_with_depth(std::vector<XmdfTimesOutput>& outputs, std::int32_t path,
                     std::string_view dataset, std::size_t depth_column, const std::string& kind) {
   if (outputs.size() == most_times_outputs) {
-    FAIL("ERROR - Exceeded maximum number of " + kind + " outputs, limit is 100.");
+    FAIL_RUN("ERROR - Exceeded maximum number of " + kind + " outputs, limit is 100.");
   }
   const auto depth = depth_in_name(TRIMF(dataset), depth_column);
   if (!depth) SAY("WARNING - Extracting cutoff depth from " + std::string(dataset));
@@ -38,7 +38,7 @@ void add_with_depth(std::vector<XmdfTimesOutput>& outputs, std::int32_t path,
 
 void add_peak(XmdfDatasets& datasets, std::int32_t path, PeakKind kind) {
   if (datasets.peak_outputs.size() == most_peak_outputs) {
-    FAIL("ERROR - Exceeded maximum number of peak time outputs, limit is 10.");
+    FAIL_RUN("ERROR - Exceeded maximum number of peak time outputs, limit is 10.");
   }
   datasets.peak_outputs.push_back({path, kind});
 }

@@ -92,8 +92,8 @@ void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeNam
     scalar_search.run(header.scalars);
     Search{typeName, byPath, true}.run(header.vectors);
     if (!header.datasets().found()) {
-      FAIL("ERROR - No datasets found of type " + QUOTED(scalar_search.shown_name()) +
-           " found in " + header.file_name);
+      FAIL_RUN("ERROR - No datasets found of type " + QUOTED(scalar_search.shown_name()) +
+               " found in " + header.file_name);
     }
   }
 }

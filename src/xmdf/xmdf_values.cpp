@@ -102,7 +102,8 @@ std::int32_t NearestXmdfTime(const std::vector<double>& times, float requestTime
   const auto chosen = static_cast<float>(times[nearest]);
   const bool is_near = std::fabs(chosen - requestTime) - tolerance <= 0;
   if (!is_near) {
-    FAIL("ERROR - Closest time " + QUOTED(AREAL(chosen)) + " is not within time search tolerance");
+    FAIL_RUN("ERROR - Closest time " + QUOTED(AREAL(chosen)) +
+             " is not within time search tolerance");
   }
   SAY("Found closest time: " + AREAL(chosen));
   return static_cast<std::int32_t>(nearest) + 1;
@@ -114,7 +115,7 @@ void ReadXmdfData(XmdfFileHeader& header, bool isVector, std::int32_t timeIndex,
   const std::int32_t position = datasets.selected != 0 ? datasets.selected : datasets.temporal;
   const std::int32_t output = timeIndex > 0 ? timeIndex : header.selected_time;
   if (position == 0 || output == 0) {
-    FAIL("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+    FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
   }
   const std::string& path = datasets.path(position);
   if (openGroup) {

@@ -52,9 +52,9 @@ void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
     open_dataset(maximums);
     read_output(1);
   } else if (asks_for(stored_minimum_time)) {
-    FAIL("ERROR - Minimums data not supported for difference.");
+    FAIL_RUN("ERROR - Minimums data not supported for difference.");
   } else if (asks_for(stored_when_time)) {
-    FAIL("ERROR - Times data not supported for difference.");
+    FAIL_RUN("ERROR - Times data not supported for difference.");
   } else {
     SAY("Using /Temporal/ folder.");
     open_dataset(temporal);
@@ -65,7 +65,7 @@ void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
 // The dataset stays open from one output time to the next.
 void XmdfWaterLevels::open_dataset(std::int32_t position) {
   if (position == opened && position != 0) return;
-  if (position == 0) FAIL("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+  if (position == 0) FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
   const std::string& path = header.scalars.path(position);
   XfStatus status = XF_OPEN_GROUP(header.file, path, group);
   if (status.ok()) status = XF_GET_DATASET_TIMES(group, times);

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "build_paths.h"
 #include "dat_builder.h"
 #include "program_runner.h"
 
@@ -11,7 +12,7 @@ namespace quillet::testing {
 namespace {
 
 std::string expected_text(const std::string& name) {
-  std::ifstream stream(std::string(QUILLET_TESTS) + "/program/expected/" + name);
+  std::ifstream stream(tests_folder + "/program/expected/" + name);
   std::string text{std::istreambuf_iterator<char>(stream), {}};
   EXPECT_FALSE(text.empty()) << name;
   return text;

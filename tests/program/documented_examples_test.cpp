@@ -6,6 +6,7 @@
 #include <fstream>
 #include <utility>
 
+#include "build_paths.h"
 #include "program_runner.h"
 
 namespace quillet::testing {
@@ -54,7 +55,7 @@ std::vector<std::vector<std::string>> commands_of(const fs::path& page, const st
 void expect_to_run(const std::vector<std::vector<std::string>>& commands, bool each_writes_anew) {
   const Workspace folder;
   const std::string model =
-      QUILLET_EXAMPLE_MODEL " --nodes 1000 \"" + folder.path().string() + "\" > /dev/null";
+      example_model_path + " --nodes 1000 \"" + folder.path().string() + "\" > /dev/null";
   ASSERT_EQ(std::system(model.c_str()), 0);
   EXPECT_FALSE(commands.empty());
   for (const auto& arguments : commands) {
@@ -69,14 +70,14 @@ void expect_to_run(const std::vector<std::vector<std::string>>& commands, bool e
 }
 
 TEST(ManualPageExamples, RunWithoutErrors) {
-  const auto commands = commands_of(QUILLET_TESTS "/../docs/quillet.1", ".SH", ".SH EXAMPLES");
+  const auto commands = commands_of(tests_folder + "/../docs/quillet.1", ".SH", ".SH EXAMPLES");
   EXPECT_GT(commands.size(), 10U);
   expect_to_run(commands, true);
 }
 
 TEST(DocumentedExamples, RunWithoutErrors) {
   int pages = 0;
-  for (const auto& page : fs::directory_iterator(QUILLET_TESTS "/../docs/operations")) {
+  for (const auto& page : fs::directory_iterator(tests_folder + "/../docs/operations")) {
     SCOPED_TRACE(page.path().filename().string());
     ++pages;
     expect_to_run(commands_of(page.path(), "```", "```sh"), false);

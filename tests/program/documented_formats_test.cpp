@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "build_paths.h"
 #include "dat_builder.h"
 #include "program/xmdf_view.h"
 #include "program_runner.h"
@@ -13,7 +14,7 @@ namespace {
 
 // The block of the page that is marked as of this language.
 std::string block_of(const std::string& page, const std::string& language) {
-  std::ifstream file(QUILLET_TESTS "/../docs/formats/" + page);
+  std::ifstream file(tests_folder + "/../docs/formats/" + page);
   std::string text;
   bool is_inside = false;
   for (std::string line; std::getline(file, line);) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "build_paths.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -22,7 +23,7 @@ const XmdfData velocity{"run1/Temporal/Vector Velocity",
                         {{0, {1}, {0, 1, 0, 1, 0, 1}}, {0.25F, {1}, {0, 1, 0, 1, 0, 1}}}};
 
 TEST(XmdfConsole, MaximumOfTwoFilesFromStartToEnd) {
-  std::ifstream stream(std::string(QUILLET_TESTS) + "/program/expected/max_xmdf.txt");
+  std::ifstream stream(tests_folder + "/program/expected/max_xmdf.txt");
   const std::string expected{std::istreambuf_iterator<char>(stream), {}};
   const Workspace folder;
   MAKE_XMDF(folder, "a.xmdf",

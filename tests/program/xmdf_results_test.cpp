@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "build_paths.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -30,7 +31,7 @@ class SameNumbers : public ::testing::TestWithParam<std::tuple<SameRun, std::str
  protected:
   void make_model(bool has_stored) const {
     const std::string command =
-        std::string(QUILLET_EXAMPLE_MODEL) + " --nodes 1000 --times 7 " + std::get<1>(GetParam()) +
+        example_model_path + " --nodes 1000 --times 7 " + std::get<1>(GetParam()) +
         (has_stored ? " " : " --no-stored-maxima ") + folder.path().string() + " > /dev/null";
     ASSERT_EQ(std::system(command.c_str()), 0);
   }
@@ -115,8 +116,9 @@ INSTANTIATE_TEST_SUITE_P(All, SameNumbers,
                                                               "--compress 6 --times-per-chunk 3")));
 
 TEST(XmdfOutputs, AreWhatNumpyWorksOutFromTheInputs) {
-  const std::string command = "/usr/bin/python3 " QUILLET_TESTS "/program/check_xmdf_outputs.py " +
-                              std::string(QUILLET_PROGRAM " " QUILLET_EXAMPLE_MODEL);
+  const std::string command = "/usr/bin/python3 " + tests_folder +
+                              "/program/check_xmdf_outputs.py " + program_path + " " +
+                              example_model_path;
   EXPECT_EQ(std::system(command.c_str()), 0);
 }
 

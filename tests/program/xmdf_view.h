@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <string>
 
+#include "build_paths.h"
+
 namespace quillet::testing {
 
 inline std::string TEXT_OF_COMMAND(const std::string& command) {
@@ -19,7 +21,7 @@ inline std::string TEXT_OF_COMMAND(const std::string& command) {
 
 // What show_xmdf.py prints.
 inline std::string XMDF_TEXT(const std::filesystem::path& name) {
-  return TEXT_OF_COMMAND("/usr/bin/python3 " QUILLET_TESTS "/program/show_xmdf.py '" +
+  return TEXT_OF_COMMAND("/usr/bin/python3 " + tests_folder + "/program/show_xmdf.py '" +
                          name.string() + "'");
 }
 

@@ -22,7 +22,7 @@ TEST_P(FileNames, FallIntoParts) {
   EXPECT_EQ(FILENAME(parts.name), parts.own);
   EXPECT_EQ(FILENAMEPATH(parts.name), parts.folder + parts.own);
   EXPECT_EQ(FILEEXT(parts.name), parts.extension);
-  EXPECT_EQ(FILE___EXT(parts.name), parts.suffix);
+  EXPECT_EQ(FILE_SUFFIX(parts.name), parts.suffix);
   EXPECT_EQ(FILENAMEPATHNO_(parts.name), parts.up_to_suffix);
 }
 

@@ -1,4 +1,4 @@
-#include "xmdf/xf_range.h"
+#include "xf/xf_range.h"
 
 #include <algorithm>
 #include <limits>

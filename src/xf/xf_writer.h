@@ -7,9 +7,9 @@
 #include <span>
 #include <string>
 
-#include "xmdf/xf_file.h"
-#include "xmdf/xf_range.h"
-#include "xmdf/xf_status.h"
+#include "xf/xf_file.h"
+#include "xf/xf_range.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

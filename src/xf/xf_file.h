@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "xmdf/xf_status.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

@@ -8,9 +8,9 @@
 #include <memory>
 #include <string>
 
-#include "xmdf/xf_buffer.h"
-#include "xmdf/xf_handle.h"
-#include "xmdf/xf_status.h"
+#include "xf/xf_buffer.h"
+#include "xf/xf_handle.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

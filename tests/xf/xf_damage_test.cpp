@@ -1,7 +1,7 @@
 // Damaged files: nothing crashes, and damaged compressed values are never taken for good ones.
 #include <random>
 
-#include "xmdf/xf_trial.h"
+#include "xf/xf_trial.h"
 #include "xmdf_builder.h"
 
 #ifdef __SANITIZE_ADDRESS__

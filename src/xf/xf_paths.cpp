@@ -1,11 +1,11 @@
-#include "xmdf/xf_paths.h"
+#include "xf/xf_paths.h"
 
 #include <array>
 #include <new>
 #include <set>
 
-#include "xmdf/xf_handle.h"
-#include "xmdf/xf_text.h"
+#include "xf/xf_handle.h"
+#include "xf/xf_text.h"
 
 namespace quillet {
 namespace {

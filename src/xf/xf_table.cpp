@@ -1,4 +1,4 @@
-#include "xmdf/xf_table.h"
+#include "xf/xf_table.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "xmdf/xf_row_reader.h"
+#include "xf/xf_row_reader.h"
 
 #include <algorithm>
 #include <array>

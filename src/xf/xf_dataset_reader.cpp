@@ -1,14 +1,14 @@
-#include "xmdf/xf_dataset_reader.h"
+#include "xf/xf_dataset_reader.h"
 
 #include <algorithm>
 #include <optional>
 
 #include "support/interleave.h"
 #include "support/kernel_target.h"
-#include "xmdf/xf_errors.h"
-#include "xmdf/xf_file_state.h"
-#include "xmdf/xf_row_reader.h"
-#include "xmdf/xf_text.h"
+#include "xf/xf_errors.h"
+#include "xf/xf_file_state.h"
+#include "xf/xf_row_reader.h"
+#include "xf/xf_text.h"
 
 namespace quillet {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "xmdf/xf_file.h"
-#include "xmdf/xf_status.h"
+#include "xf/xf_file.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

@@ -1,11 +1,11 @@
-#include "xmdf/xf_table_writer.h"
+#include "xf/xf_table_writer.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
 
-#include "xmdf/xf_errors.h"
+#include "xf/xf_errors.h"
 
 namespace quillet {
 namespace {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "xmdf/xf_status.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

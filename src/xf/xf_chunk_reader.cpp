@@ -1,4 +1,4 @@
-#include "xmdf/xf_chunk_reader.h"
+#include "xf/xf_chunk_reader.h"
 
 #include <algorithm>
 #include <array>

@@ -10,8 +10,8 @@
 #include <cstddef>
 #include <string>
 
-#include "xmdf/xf_handle.h"
-#include "xmdf/xf_status.h"
+#include "xf/xf_handle.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

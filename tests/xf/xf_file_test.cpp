@@ -1,4 +1,4 @@
-#include "xmdf/xf_file.h"
+#include "xf/xf_file.h"
 
 #include <sys/file.h>
 #include <sys/syscall.h>

@@ -1,5 +1,5 @@
 // The writer used wrongly: every call says why it fails, and nothing that follows crashes.
-#include "xmdf/xf_writer.h"
+#include "xf/xf_writer.h"
 
 #include <algorithm>
 #include <cmath>

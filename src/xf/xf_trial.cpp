@@ -1,4 +1,4 @@
-#include "xmdf/xf_trial.h"
+#include "xf/xf_trial.h"
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -11,9 +11,9 @@
 #include <tuple>
 #include <vector>
 
-#include "xmdf/xf_dataset_reader.h"
-#include "xmdf/xf_errors.h"
-#include "xmdf/xf_file.h"
+#include "xf/xf_dataset_reader.h"
+#include "xf/xf_errors.h"
+#include "xf/xf_file.h"
 
 namespace quillet {
 namespace {

@@ -1,4 +1,4 @@
-#include "xmdf/xf_errors.h"
+#include "xf/xf_errors.h"
 
 #include <cerrno>
 #include <charconv>

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "xmdf/xf_handle.h"
-#include "xmdf/xf_paths.h"
+#include "xf/xf_handle.h"
+#include "xf/xf_paths.h"
 
 namespace quillet {
 

@@ -1,4 +1,4 @@
-#include "xmdf/xf_file.h"
+#include "xf/xf_file.h"
 
 #include <fcntl.h>
 
@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "xmdf/xf_errors.h"
-#include "xmdf/xf_file_state.h"
-#include "xmdf/xf_table.h"
-#include "xmdf/xf_text.h"
+#include "xf/xf_errors.h"
+#include "xf/xf_file_state.h"
+#include "xf/xf_table.h"
+#include "xf/xf_text.h"
 
 namespace quillet {
 namespace {

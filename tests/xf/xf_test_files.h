@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "program_runner.h"
-#include "xmdf/xf_dataset_reader.h"
-#include "xmdf/xf_handle.h"
-#include "xmdf/xf_text.h"
-#include "xmdf/xf_writer.h"
+#include "xf/xf_dataset_reader.h"
+#include "xf/xf_handle.h"
+#include "xf/xf_text.h"
+#include "xf/xf_writer.h"
 
 namespace quillet {
 

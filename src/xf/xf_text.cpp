@@ -1,11 +1,11 @@
-#include "xmdf/xf_text.h"
+#include "xf/xf_text.h"
 
 #include <algorithm>
 #include <functional>
 #include <string_view>
 #include <vector>
 
-#include "xmdf/xf_handle.h"
+#include "xf/xf_handle.h"
 
 namespace quillet {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "xmdf/xf_status.h"
+#include "xf/xf_status.h"
 
 namespace quillet {
 

@@ -6,10 +6,10 @@
 #include <cstddef>
 #include <optional>
 
-#include "xmdf/xf_buffer.h"
-#include "xmdf/xf_chunk_reader.h"
-#include "xmdf/xf_status.h"
-#include "xmdf/xf_table.h"
+#include "xf/xf_buffer.h"
+#include "xf/xf_chunk_reader.h"
+#include "xf/xf_status.h"
+#include "xf/xf_table.h"
 
 namespace quillet {
 

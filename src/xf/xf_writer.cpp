@@ -1,14 +1,14 @@
-#include "xmdf/xf_writer.h"
+#include "xf/xf_writer.h"
 
 #include <algorithm>
 #include <string_view>
 #include <vector>
 
 #include "support/kernel_target.h"
-#include "xmdf/xf_errors.h"
-#include "xmdf/xf_file_state.h"
-#include "xmdf/xf_table_writer.h"
-#include "xmdf/xf_text.h"
+#include "xf/xf_errors.h"
+#include "xf/xf_file_state.h"
+#include "xf/xf_table_writer.h"
+#include "xf/xf_text.h"
 
 namespace quillet {
 

@@ -1,4 +1,4 @@
-#include "xmdf/xf_dataset_reader.h"
+#include "xf/xf_dataset_reader.h"
 
 #include "xf_test_files.h"
 

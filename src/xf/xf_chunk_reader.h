@@ -10,9 +10,9 @@
 #include <memory>
 #include <optional>
 
-#include "xmdf/xf_buffer.h"
-#include "xmdf/xf_status.h"
-#include "xmdf/xf_table.h"
+#include "xf/xf_buffer.h"
+#include "xf/xf_status.h"
+#include "xf/xf_table.h"
 
 namespace quillet {
 

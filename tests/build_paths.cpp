@@ -1,0 +1,9 @@
+#include "build_paths.h"
+
+namespace quillet::testing {
+
+const std::string program_path = QUILLET_PROGRAM;
+const std::string example_model_path = QUILLET_EXAMPLE_MODEL;
+const std::string tests_folder = QUILLET_TESTS;
+
+}  // namespace quillet::testing
