@@ -19,8 +19,8 @@ install(
   PATTERN "xf_*.h" EXCLUDE)
 # ... which these do not.
 foreach(header IN ITEMS xf_dataset_reader xf_file xf_range xf_status xf_writer)
-  install(FILES ${PROJECT_SOURCE_DIR}/src/xmdf/${header}.h
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillet/xmdf)
+  install(FILES ${PROJECT_SOURCE_DIR}/src/xf/${header}.h
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillet/xf)
 endforeach()
 install(
   EXPORT quilletTargets

@@ -1,7 +1,8 @@
 #include "driver/run.h"
 
 #include <algorithm>
-#include <csignal>
+#include <new>
+#include <utility>
 
 #include "driver/argument_parser.h"
 #include "driver/conversion_run.h"
@@ -24,18 +25,14 @@
 namespace quillet {
 namespace {
 
-// How a run ends after its operation: on the short path ("Finished.") or as most do.
-enum class Ending { normal, short_path };
+// The last words after an operation: "Finished.", or none.
+enum class LastWords { none, finished };
 
-[[noreturn]] void end_normally(bool batch) {
-  if (batch) END_AT_ONCE();
-  EXITS();
-}
-
-[[noreturn]] void end_on_short_path(bool batch) {
-  SAY_APART("Finished.");
-  if (batch) END_AT_ONCE();
-  END_WITH_PAUSE();
+Ending end_of_operation(LastWords last_words, bool batch) {
+  const bool is_short = last_words == LastWords::finished;
+  if (is_short) SAY_APART("Finished.");
+  if (batch) return Ending::at_once;
+  return is_short ? Ending::press_enter_to_continue : Ending::press_enter_to_close;
 }
 
 OperationRun operation_run(RunSetup& setup) {
@@ -79,28 +76,28 @@ void list_times(RunSetup& setup) {
 struct Dispatch {
   Operation operation;
   void (*perform)(RunSetup& setup);
-  Ending ending;
+  LastWords last_words;
 };
 
 constexpr Dispatch dispatches[] = {
-    {Operation::max, run_over_times<run_extreme<Extreme::maximum>>, Ending::short_path},
-    {Operation::min, run_over_times<run_extreme<Extreme::minimum>>, Ending::short_path},
-    {Operation::dif, run_over_times<RUN_DIFFERENCE>, Ending::normal},
-    {Operation::trim, run_over_times<RUN_TRIM>, Ending::normal},
-    {Operation::va, run_velocity_angle, Ending::normal},
-    {Operation::keep, run_over_times<RUN_KEEP>, Ending::normal},
-    {Operation::remove, run_over_times<RUN_REMOVE>, Ending::normal},
-    {Operation::range, run_over_times<RUN_RANGE>, Ending::normal},
-    {Operation::con, run_over_times<RUN_CONCATENATE>, Ending::normal},
-    {Operation::times, list_times, Ending::short_path},
-    {Operation::dur, run_over_times<RUN_DURATION>, Ending::normal},
-    {Operation::toi, run_over_times<RUN_TIME_OF_INCREASE>, Ending::normal},
-    {Operation::conv, CONVERT_INPUTS, Ending::normal},
-    {Operation::ensight, EXPORT_INPUTS_TO_ENSIGHT, Ending::normal},
-    {Operation::xnfo, REPORT_XMDF_INPUTS, Ending::short_path},
+    {Operation::max, run_over_times<run_extreme<Extreme::maximum>>, LastWords::finished},
+    {Operation::min, run_over_times<run_extreme<Extreme::minimum>>, LastWords::finished},
+    {Operation::dif, run_over_times<RUN_DIFFERENCE>, LastWords::none},
+    {Operation::trim, run_over_times<RUN_TRIM>, LastWords::none},
+    {Operation::va, run_velocity_angle, LastWords::none},
+    {Operation::keep, run_over_times<RUN_KEEP>, LastWords::none},
+    {Operation::remove, run_over_times<RUN_REMOVE>, LastWords::none},
+    {Operation::range, run_over_times<RUN_RANGE>, LastWords::none},
+    {Operation::con, run_over_times<RUN_CONCATENATE>, LastWords::none},
+    {Operation::times, list_times, LastWords::finished},
+    {Operation::dur, run_over_times<RUN_DURATION>, LastWords::none},
+    {Operation::toi, run_over_times<RUN_TIME_OF_INCREASE>, LastWords::none},
+    {Operation::conv, CONVERT_INPUTS, LastWords::none},
+    {Operation::ensight, EXPORT_INPUTS_TO_ENSIGHT, LastWords::none},
+    {Operation::xnfo, REPORT_XMDF_INPUTS, LastWords::finished},
 };
 
-[[noreturn]] void perform(RunSetup& setup) {
+Ending perform(RunSetup& setup) {
   const auto dispatch =
       std::find_if(std::begin(dispatches), std::end(dispatches),
                    [&](const Dispatch& row) { return row.operation == setup.operation; });
@@ -110,22 +107,15 @@ constexpr Dispatch dispatches[] = {
     END_WITH_PAUSE();
   }
   dispatch->perform(setup);
-  if (dispatch->ending == Ending::short_path) end_on_short_path(setup.options.batch);
-  end_normally(setup.options.batch);
+  return end_of_operation(dispatch->last_words, setup.options.batch);
 }
 
-}  // namespace
-
-void RUN_QUILLET(const std::vector<std::string>& arguments) {
-  // A console that goes away must not stop a run that is writing a file, and a file that becomes
-  // too large is an error of the write that says so.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+Ending run(const std::vector<std::string>& arguments) {
   SAY_APART("Build 2020-07-AH");
   SAY("");
   if (arguments.empty()) {
     PRINT_USAGE();
-    END_WITH_PAUSE();
+    return Ending::press_enter_to_continue;
   }
   ParsedArguments parsed = PARSE_ARGUMENTS(arguments);
   CHECK_OPTIONS(parsed);
@@ -135,7 +125,36 @@ void RUN_QUILLET(const std::vector<std::string>& arguments) {
   if (setup.options.inputs.empty()) FAIL_RUN("ERROR - No input files specified.");
   setup.naming = NAME_OUTPUT(setup.operation, setup.options);
   SET_UP_RUN(setup);
-  perform(setup);
+  return perform(setup);
+}
+
+// Everything that the run has opened is closed when this returns.
+Ending run_to_its_end(const std::vector<std::string>& arguments, Console& console) try {
+  return run(arguments);
+} catch (const RunEnd& end) {
+  return end.ending;
+} catch (const std::bad_alloc&) {
+  // Of something small: where arrays are sized, the sizing says so.
+  console.say("");
+  console.say("ERROR - Could not allocate enough memory (RAM).");
+  return Ending::press_enter_to_close;
+}
+
+void wait_at_the_end(Ending ending, Console& console) {
+  if (ending == Ending::at_once) return;
+  if (ending == Ending::press_enter_to_close) console.say("");
+  console.say(ending == Ending::press_enter_to_close ? "Press Enter to Close"
+                                                     : "Press Enter to Continue");
+  console.wait_for_enter();
+}
+
+}  // namespace
+
+void RUN_QUILLET(const std::vector<std::string>& arguments, Console& console) {
+  Console* const before = USE_CONSOLE(&console);
+  const Ending ending = run_to_its_end(arguments, console);
+  wait_at_the_end(ending, console);
+  USE_CONSOLE(before);
 }
 
 }  // namespace quillet

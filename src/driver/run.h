@@ -4,9 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "support/console.h"
+
 namespace quillet {
 
-// `arguments` without the program's own name. Does not return; the exit status is always 0.
-[[noreturn]] void RUN_QUILLET(const std::vector<std::string>& arguments);
+// `arguments` without the program's own name. Whatever ends the run, everything that it opened is
+// closed before the console waits for the last time.
+void RUN_QUILLET(const std::vector<std::string>& arguments, Console& console);
 
 }  // namespace quillet

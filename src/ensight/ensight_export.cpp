@@ -15,7 +15,6 @@
 #include "results/results_record.h"
 #include "support/console.h"
 #include "support/file_names.h"
-#include "support/file_units.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
 #include "support/text.h"

@@ -1,39 +1,39 @@
 #include "support/console.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
+#include <utility>
 
-#include "support/file_units.h"
+#include "support/interrupt.h"
 #include "support/text.h"
 
 namespace quillet {
 namespace {
 
-// Reads standard input to the end of a line. False when it ends before.
-bool wait_for_enter() {
-  for (int c = std::getchar(); c != EOF; c = std::getchar()) {
-    if (c == '\n') return true;
-  }
-  return false;
+Console* current_console = nullptr;
+
+std::string& last_error() {
+  static std::string line;
+  return line;
 }
 
-// Every end of a run passes here.
-[[noreturn]] void end_run(std::string_view gap, std::string_view prompt) {
-  CLOSE_ALL_UNITS();
-  if (!prompt.empty()) {
-    std::fputs(std::string(gap).c_str(), stdout);
-    WAIT_AFTER(prompt);
-  }
-  std::exit(EXIT_SUCCESS);
+void show(std::string_view line) {
+  if (line.starts_with("ERROR") || line.starts_with("Error")) last_error() = line;
+  if (current_console != nullptr) current_console->say(line);
+}
+
+[[noreturn]] void end_run(Ending ending) {
+  throw RunEnd(last_error(), ending);
 }
 
 }  // namespace
 
+Console* USE_CONSOLE(Console* console) {
+  last_error().clear();
+  return std::exchange(current_console, console);
+}
+
 void SAY(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
-  std::fflush(stdout);
+  END_IF_INTERRUPTED();
+  show(line);
 }
 
 void SAY_APART(std::string_view line) {
@@ -43,23 +43,26 @@ void SAY_APART(std::string_view line) {
 
 bool WAIT_AFTER(std::string_view prompt) {
   SAY(prompt);
-  return wait_for_enter();
+  const bool is_answered = current_console != nullptr && current_console->wait_for_enter();
+  END_IF_INTERRUPTED();
+  return is_answered;
 }
 
 void PAUSE() {
   WAIT_AFTER("Press Enter to Continue");
 }
 
+void ASK_TO_TRY_AGAIN(const std::string& file_name) {
+  SAY_APART("ERROR - Could not open file: " + QUOTED(file_name));
+  if (!WAIT_AFTER("Press Enter to try again")) EXITS();
+}
+
 void EXITS() {
-  end_run("\n", "Press Enter to Close");
+  end_run(Ending::press_enter_to_close);
 }
 
 void END_WITH_PAUSE() {
-  end_run("", "Press Enter to Continue");
-}
-
-void END_AT_ONCE() {
-  end_run("", "");
+  end_run(Ending::press_enter_to_continue);
 }
 
 void FAIL_RUN(std::string_view line) {
@@ -77,6 +80,13 @@ void FAIL_WRITING(std::string_view file_name, std::string_view reason) {
 
 void FAIL_ALLOCATION() {
   FAIL_RUN("ERROR - Could not allocate enough memory (RAM).");
+}
+
+void END_IF_INTERRUPTED() {
+  if (!INTERRUPTED()) return;
+  show("");
+  show("ERROR - Interrupted.");
+  end_run(Ending::at_once);
 }
 
 }  // namespace quillet

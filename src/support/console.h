@@ -1,16 +1,33 @@
-// The console: lines on standard output, the waits for Enter, and the one way in which a run ends.
-// Every line is flushed, so that a batch log is complete whatever happens next. The exit status is
-// always 0. A wait returns at once at the end of standard input, so nothing hangs in a pipeline.
+// The console: lines, the waits for Enter, and the ways in which a run ends. Only one thread of a
+// program speaks. Unless a program states a console, nothing is printed and nobody waits, so that a
+// program that uses the library hears of a failure by the exception alone.
 #pragma once
 
+#include <string>
 #include <string_view>
+
+#include "support/run_end.h"
 
 namespace quillet {
 
 // Where a message asks the user to report an internal fault.
 constexpr std::string_view support_email = "support@quillet.example";
 
-// One line.
+class Console {
+ public:
+  virtual ~Console() = default;
+
+  // Shows one line, which comes without its line end.
+  virtual void say(std::string_view line) = 0;
+
+  // Waits for Enter. False when there is nobody to wait for.
+  virtual bool wait_for_enter() = 0;
+};
+
+// Makes this the console of the program; null for none. Returns the one before.
+Console* USE_CONSOLE(Console* console);
+
+// One line. Where an interrupt has come, ends the run instead, as waits do.
 void SAY(std::string_view line);
 
 // An empty line, then the line.
@@ -19,17 +36,20 @@ void SAY_APART(std::string_view line);
 // Prompts "Press Enter to Continue" and waits.
 void PAUSE();
 
-// Prompts with the given line and waits. False at the end of standard input.
+// Prompts with the given line and waits. False when there is nobody to wait for.
 bool WAIT_AFTER(std::string_view prompt);
 
-// Ends the run: closes every open file, an empty line, "Press Enter to Close", waits.
+// After a file could not be opened: says so, prompts, and waits so that the user can put the file
+// in place and try again. Ends the run when there is nobody to ask.
+void ASK_TO_TRY_AGAIN(const std::string& file_name);
+
+// What all of these do: they throw RunEnd, with the last error line as its message.
+
+// Ends the run with "Press Enter to Close".
 [[noreturn]] void EXITS();
 
-// Ends the run: closes every open file, "Press Enter to Continue", waits.
+// Ends the run with "Press Enter to Continue".
 [[noreturn]] void END_WITH_PAUSE();
-
-// Ends the run at once after its last line (-b).
-[[noreturn]] void END_AT_ONCE();
 
 // The message of a failure, set apart by an empty line, then EXITS.
 [[noreturn]] void FAIL_RUN(std::string_view line);
@@ -41,5 +61,9 @@ bool WAIT_AFTER(std::string_view prompt);
 
 // "ERROR - Could not allocate enough memory (RAM).", then EXITS.
 [[noreturn]] void FAIL_ALLOCATION();
+
+// Ends the run when the user, or the system, has asked for it: see interrupt.h. Loops that may go
+// on for long without a line call it.
+void END_IF_INTERRUPTED();
 
 }  // namespace quillet

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "support/console.h"
-#include "support/file_units.h"
 
 namespace quillet {
 namespace {

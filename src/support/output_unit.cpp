@@ -12,7 +12,6 @@
 #include <utility>
 
 #include "support/console.h"
-#include "support/file_units.h"
 
 namespace quillet {
 
@@ -30,7 +29,6 @@ OutputUnit::OutputUnit(const std::string& name, Replace replace)
   buffer.reset(static_cast<char*>(std::aligned_alloc(page, buffer_size)));
   if (!buffer) FAIL_ALLOCATION();
   while ((descriptor = create()) < 0) ASK_TO_TRY_AGAIN(file_name);
-  unit = REGISTER_UNIT([this] { abandon(); });
 }
 
 // A folder in the place of the final name is noticed now, not when all the work is done.
@@ -40,8 +38,12 @@ int OutputUnit::create() const {
   return ::open(open_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
 }
 
+// What was written stays under its temporary name; a file without a byte is removed.
 OutputUnit::~OutputUnit() {
-  abandon();
+  if (descriptor < 0) return;
+  if (reserved > written) std::ignore = ::ftruncate(descriptor, written);
+  ::close(descriptor);
+  if (written == 0) std::remove(open_name.c_str());
 }
 
 void OutputUnit::expect_size(std::int64_t bytes) {
@@ -79,6 +81,7 @@ void OutputUnit::flush() {
 }
 
 void OutputUnit::write_out(const char* data, std::size_t size) {
+  END_IF_INTERRUPTED();
   std::size_t done = 0;
   while (done < size) {
     const auto put = ::write(descriptor, data + done, size - done);
@@ -94,18 +97,7 @@ void OutputUnit::complete() {
   bool done = reserved <= written || ::ftruncate(descriptor, written) == 0;
   done = ::close(std::exchange(descriptor, -1)) == 0 && done;
   done = done && (open_name == file_name || std::rename(open_name.c_str(), file_name.c_str()) == 0);
-  const int reason = errno;
-  RELEASE_UNIT(std::exchange(unit, 0));
-  if (!done) FAIL_WRITING(file_name, std::strerror(reason));
-}
-
-// What was written stays under its temporary name; a file without a byte is removed.
-void OutputUnit::abandon() {
-  RELEASE_UNIT(std::exchange(unit, 0));
-  if (descriptor < 0) return;
-  if (reserved > written) std::ignore = ::ftruncate(descriptor, written);
-  ::close(std::exchange(descriptor, -1));
-  if (written == 0) std::remove(open_name.c_str());
+  if (!done) FAIL_WRITING(file_name, std::strerror(errno));
 }
 
 }  // namespace quillet

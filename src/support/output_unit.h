@@ -26,6 +26,7 @@ class OutputUnit {
   explicit OutputUnit(const std::string& file_name, Replace replace = Replace::when_complete);
   OutputUnit(const OutputUnit&) = delete;
   OutputUnit& operator=(const OutputUnit&) = delete;
+  // Abandons what was not completed: it stays under its temporary name.
   ~OutputUnit();
 
   const std::string& name() const { return file_name; }
@@ -49,7 +50,6 @@ class OutputUnit {
   int create() const;
   void write_out(const char* data, std::size_t size);
   void flush();
-  void abandon();
 
   struct FreeDeleter {
     void operator()(char* memory) const;
@@ -58,7 +58,6 @@ class OutputUnit {
   std::string file_name;
   std::string open_name;
   int descriptor = -1;
-  int unit = 0;
   std::unique_ptr<char, FreeDeleter> buffer;
   std::size_t buffered = 0;
   std::int64_t written = 0;

@@ -126,6 +126,11 @@ XfStatus get_info(const XfFile& file, std::vector<std::string> XfDatasetPaths::*
 
 }  // namespace
 
+XfFileState::~XfFileState() {
+  id.close();
+  if (!created_name.empty()) give_back_reserve(created_name);
+}
+
 void XfFileCloser::operator()(XfFileState* state) const {
   delete state;
 }
@@ -137,7 +142,7 @@ XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
       false, error, [&](hid_t access) { return H5Fopen(name.c_str(), H5F_ACC_RDONLY, access); });
   if (!opened.valid()) return opening_failure(name, error);
   XfStatus status = check_file_type(opened.get());
-  if (status.ok()) file.reset(new XfFileState{std::move(opened)});
+  if (status.ok()) file.reset(new XfFileState(std::move(opened), ""));
   return status;
 }
 
@@ -153,7 +158,7 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
       !write_version(created.get())) {
     return xf_hdf5_failure("the file cannot be written");
   }
-  file.reset(new XfFileState{std::move(created), std::nullopt, name});
+  file.reset(new XfFileState(std::move(created), name));
   return {};
 }
 
@@ -176,9 +181,9 @@ void XF_EXPECT_SIZE([[maybe_unused]] const XfFile& file, [[maybe_unused]] std::i
 XfStatus XF_CLOSE_FILE(XfFile& file) {
   if (!file) return {};
   const bool closed = file->id.close();
-  if (!file->created_name.empty()) give_back_reserve(file->created_name);
+  XfStatus status = closed ? XfStatus{} : xf_hdf5_failure("the file cannot be completed");
   file.reset();
-  return closed ? XfStatus{} : xf_hdf5_failure("the file cannot be completed");
+  return status;
 }
 
 XfStatus XF_GET_LIBRARY_VERSION_FILE(const XfFile& file, float& version) {

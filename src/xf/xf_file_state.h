@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "xf/xf_handle.h"
 #include "xf/xf_paths.h"
@@ -10,9 +11,16 @@
 namespace quillet {
 
 struct XfFileState {
+  XfFileState(XfFileHandle file, std::string created)
+      : id(std::move(file)), created_name(std::move(created)) {}
+  XfFileState(const XfFileState&) = delete;
+  XfFileState& operator=(const XfFileState&) = delete;
+  // Closes the file and gives back what was reserved for it and not used.
+  ~XfFileState();
+
   XfFileHandle id;
-  std::optional<XfDatasetPaths> paths{};  // once they have been asked for
-  std::string created_name{};             // of a file that is being written
+  std::optional<XfDatasetPaths> paths;  // once they have been asked for
+  std::string created_name;             // of a file that is being written; else empty
 };
 
 }  // namespace quillet

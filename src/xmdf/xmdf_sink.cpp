@@ -13,7 +13,6 @@
 
 #include "support/console.h"
 #include "support/file_names.h"
-#include "support/file_units.h"
 #include "support/interleave.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
@@ -59,11 +58,16 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
   if (!status.ok()) {
     FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
   }
-  unit = REGISTER_UNIT([this] { abandon(); });
 }
 
+// What was written stays under its temporary name; a file without a dataset is removed.
 XmdfSink::~XmdfSink() {
-  abandon();
+  const bool is_abandoned = file != nullptr;
+  scalar_dataset.reset();
+  vector_dataset.reset();
+  folder.reset();
+  file.reset();
+  if (is_abandoned && !has_datasets) std::remove(PART_NAME(file_name).c_str());
 }
 
 void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
@@ -192,30 +196,16 @@ void XmdfSink::close() {
   close_datasets();
   check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
   check(XF_CLOSE_FILE(file), "ERROR - Closing file [XF_CLOSE_FILE] ");
-  RELEASE_UNIT(std::exchange(unit, 0));
   if (std::rename(PART_NAME(file_name).c_str(), file_name.c_str()) != 0) {
     FAIL_WRITING(file_name, std::strerror(errno));
   }
   SAY("Done.");
 }
 
-// Closes what is open before the message, so that the partial file is left closed.
 void XmdfSink::check(const XfStatus& status, const std::string& message) {
   if (status.ok()) return;
-  abandon();
   if (status.kind == XfStatus::Kind::no_memory) FAIL_ALLOCATION();
   FAIL_RUN(message + file_name + ": " + status.reason);
-}
-
-// What was written stays under its temporary name; a file without a dataset is removed.
-void XmdfSink::abandon() {
-  if (unit == 0) return;
-  RELEASE_UNIT(std::exchange(unit, 0));
-  std::ignore = XF_CLOSE_GROUP(scalar_dataset);
-  std::ignore = XF_CLOSE_GROUP(vector_dataset);
-  std::ignore = XF_CLOSE_GROUP(folder);
-  std::ignore = XF_CLOSE_FILE(file);
-  if (!has_datasets) std::remove(PART_NAME(file_name).c_str());
 }
 
 }  // namespace quillet

@@ -35,14 +35,12 @@ class XmdfSink : public ResultSink {
                      const char* kind);
   void close_datasets();
   void check(const XfStatus& status, const std::string& message);
-  void abandon();
 
   std::string file_name;
   DatasetNames names;
   RES_TYPE empty_shape;  // counts and vector flag only
   std::int64_t expected_times = 0;
   bool has_datasets = false;  // something was written to the file
-  int unit = 0;
 
   XfFile file;
   XfFolder folder;

@@ -1,7 +1,7 @@
 // Prints the header and the output times of a .dat file and the dataset paths of an XMDF file.
 #include <dat/dat_reader.h>
 #include <fmt/format.h>
-#include <xmdf/xf_file.h>
+#include <xf/xf_file.h>
 
 int main(int, char** arguments) {
   quillet::DatReader reader(arguments[1]);

@@ -1,0 +1,47 @@
+#include "support/interrupt.h"
+
+#include <csignal>
+
+namespace quillet {
+namespace {
+
+#ifdef SIGHUP
+constexpr int noted_signals[] = {SIGINT, SIGTERM, SIGHUP};
+#else
+constexpr int noted_signals[] = {SIGINT, SIGTERM};
+#endif
+
+volatile std::sig_atomic_t noted_signal = 0;
+
+void note(int signal) {
+  noted_signal = signal;
+}
+
+// Waits must notice: reading from the terminal is not taken up again after the signal, and the next
+// signal meets the system's own handling.
+void handle(int signal) {
+  struct sigaction action {};
+  action.sa_handler = note;
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  struct sigaction before {};
+  if (::sigaction(signal, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) return;
+  ::sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+void NOTE_INTERRUPTS() {
+  for (const int signal : noted_signals) handle(signal);
+}
+
+bool INTERRUPTED() {
+  return noted_signal != 0;
+}
+
+void DIE_OF_INTERRUPT() {
+  if (!INTERRUPTED()) return;
+  std::signal(noted_signal, SIG_DFL);
+  std::raise(noted_signal);
+}
+
+}  // namespace quillet

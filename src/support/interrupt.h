@@ -1,0 +1,18 @@
+// Interrupts (Ctrl-C, the end of a batch job, a terminal that closes): the first one asks the run
+// to end, which it does as after any failure, closing what is open; a second one kills it.
+#pragma once
+
+namespace quillet {
+
+// From here on interrupts are noted. Those that whoever started the program had ignored stay
+// ignored.
+void NOTE_INTERRUPTS();
+
+// True once an interrupt has come. Any thread may ask.
+bool INTERRUPTED();
+
+// Ends the process by the interrupt that came, so that a shell's loop ends with it. Does nothing
+// when none came.
+void DIE_OF_INTERRUPT();
+
+}  // namespace quillet
