@@ -7,6 +7,7 @@ namespace quillet::testing {
 
 extern const std::string program_path;
 extern const std::string example_model_path;
+extern const std::string fault_library_path;
 extern const std::string tests_folder;  // without a closing separator
 
 }  // namespace quillet::testing

@@ -47,12 +47,28 @@ void limit(__rlimit_resource resource, rlim_t value) {
   } else {
     ::close(STDIN_FILENO);
   }
-  ::dup2(output, STDOUT_FILENO);
+  if (settings.has_output) {
+    ::dup2(output, STDOUT_FILENO);
+  } else {
+    ::close(STDOUT_FILENO);
+    ::close(STDERR_FILENO);
+  }
   ::signal(SIGXFSZ, SIG_IGN);
   limit(RLIMIT_FSIZE, settings.largest_file);
   if (can_limit_memory) limit(RLIMIT_AS, settings.address_space);
+  for (const std::string& entry : settings.environment) {
+    const auto separator = entry.find('=');
+    ::setenv(entry.substr(0, separator).c_str(), entry.c_str() + separator + 1, 1);
+  }
   ::execv(arguments[0], arguments);
   ::_exit(127);
+}
+
+// Outside the folder, whose names tests look at; each run has its own.
+fs::path output_file_beside(const Workspace& workspace) {
+  static int runs = 0;
+  const fs::path folder = workspace.path().parent_path();
+  return folder.string() + "." + std::to_string(++runs) + ".stdout";
 }
 
 }  // namespace
@@ -112,7 +128,7 @@ int RunResult::count_lines_with(std::string_view start) const {
 
 LiveRun::LiveRun(const Workspace& workspace, std::vector<std::string> arguments,
                  const RunSettings& settings)
-    : output_file(workspace.path().string() + ".stdout"),
+    : output_file(output_file_beside(workspace)),
       deadline(std::chrono::steady_clock::now() + settings.time_limit) {
   arguments.insert(arguments.begin(), program_path);
   std::vector<char*> pointers;
@@ -162,6 +178,10 @@ void LiveRun::type(std::string_view text) {
   std::ignore = ::write(input, text.data(), text.size());
 }
 
+void LiveRun::send(int signal) {
+  ::kill(process, signal);
+}
+
 bool LiveRun::keeps_waiting() {
   std::this_thread::sleep_for(std::chrono::milliseconds(30));
   return !has_ended();
@@ -194,6 +214,17 @@ RunResult LiveRun::finish() {
 RunResult RUN(const Workspace& workspace, const std::vector<std::string>& arguments,
               const RunSettings& settings) {
   return LiveRun(workspace, arguments, settings).finish();
+}
+
+std::vector<std::string> FAULT(const std::string& call, int n, int error,
+                               const fs::path& took_place) {
+  std::vector<std::string> environment{
+      "LD_PRELOAD=" + fault_library_path,
+      // The sanitizer wants to be loaded first; here it need not be.
+      "ASAN_OPTIONS=verify_asan_link_order=0",
+      "QUILLET_FAULT=" + call + ":" + std::to_string(n) + ":" + std::to_string(error)};
+  if (!took_place.empty()) environment.push_back("QUILLET_FAULT_TOOK_PLACE=" + took_place.string());
+  return environment;
 }
 
 std::vector<std::string> WORDS(const std::string& line) {

@@ -33,9 +33,11 @@ class Workspace {
 struct RunSettings {
   std::string input{};  // standard input, then its end
   bool has_input = true;
-  rlim_t largest_file = RLIM_INFINITY;   // bytes; writing past it fails as on a full disk
-  rlim_t address_space = RLIM_INFINITY;  // bytes; not applied under the sanitizers
-  std::chrono::seconds time_limit{30};   // then the run is killed
+  bool has_output = true;                  // standard output and error
+  rlim_t largest_file = RLIM_INFINITY;     // bytes; writing past it fails as on a full disk
+  rlim_t address_space = RLIM_INFINITY;    // bytes; not applied under the sanitizers
+  std::chrono::seconds time_limit{30};     // then the run is killed
+  std::vector<std::string> environment{};  // entries like NAME=value, beside the test's own
 };
 
 struct RunResult {
@@ -62,6 +64,7 @@ class LiveRun {
   // False when the text did not appear on standard output before the run ended or its time was up.
   bool wait_for(std::string_view text);
   void type(std::string_view text);
+  void send(int signal);
   // True when the run still goes on after a while: it waits for input.
   bool keeps_waiting();
   // True when the run ends though standard input is still open.
@@ -83,6 +86,11 @@ class LiveRun {
 
 RunResult RUN(const Workspace& workspace, const std::vector<std::string>& arguments,
               const RunSettings& settings = {});
+
+// The environment of a run whose n-th call (from 1) of a system routine fails with the given error
+// number: see faults/fault_library.cpp. The file `took_place`, when given, exists once it has.
+std::vector<std::string> FAULT(const std::string& call, int n, int error,
+                               const std::filesystem::path& took_place = {});
 
 // The blank-separated words of a command line without quotes.
 std::vector<std::string> WORDS(const std::string& line);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <string_view>
 
 #include "ensight/case_file.h"
@@ -52,7 +53,7 @@ EnsightRun inputs_in_use(const EnsightRun& run) {
 // A case file of an earlier export would point to files of this one.
 void remove_older(const std::string& case_name) {
   while (::unlink(case_name.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) {
-    ASK_TO_TRY_AGAIN(case_name);
+    ASK_TO_TRY_AGAIN(case_name, std::strerror(errno));
   }
 }
 

@@ -52,9 +52,14 @@ void PAUSE() {
   WAIT_AFTER("Press Enter to Continue");
 }
 
-void ASK_TO_TRY_AGAIN(const std::string& file_name) {
+void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason) {
   SAY_APART("ERROR - Could not open file: " + QUOTED(file_name));
+  SAY_HELP(reason);
   if (!WAIT_AFTER("Press Enter to try again")) EXITS();
+}
+
+void SAY_HELP(std::string_view line) {
+  SAY("   " + std::string(line));
 }
 
 void EXITS() {

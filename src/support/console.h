@@ -39,9 +39,13 @@ void PAUSE();
 // Prompts with the given line and waits. False when there is nobody to wait for.
 bool WAIT_AFTER(std::string_view prompt);
 
-// After a file could not be opened: says so, prompts, and waits so that the user can put the file
-// in place and try again. Ends the run when there is nobody to ask.
-void ASK_TO_TRY_AGAIN(const std::string& file_name);
+// After a file could not be opened: says so and why, prompts, and waits so that the user can put
+// the file in place and try again. Ends the run when there is nobody to ask.
+void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason);
+
+// A line that helps with the message before it: the file, what was found, the system's reason, a
+// remedy. Messages that users' scripts look for stand alone on their lines.
+void SAY_HELP(std::string_view line);
 
 // What all of these do: they throw RunEnd, with the last error line as its message.
 

@@ -13,24 +13,30 @@
 namespace quillet {
 namespace {
 
-// Descriptor of the opened file with its size, or -1: only regular files can be read at any
-// position.
+// Only regular files can be read at any position. -1 with errno set otherwise.
 int open_regular_file(const std::string& file_name, std::int64_t& size) {
   const int descriptor = ::open(file_name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return -1;
   struct stat status {};
-  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-    ::close(descriptor);
-    return -1;
+  if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+    size = status.st_size;
+    return descriptor;
   }
-  size = status.st_size;
-  return descriptor;
+  ::close(descriptor);
+  errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+  return -1;
+}
+
+std::string reason_not_opened() {
+  return errno == EINVAL ? "Not a regular file" : std::strerror(errno);
 }
 
 }  // namespace
 
 InputUnit::InputUnit(const std::string& name) : file_name(name) {
-  while ((descriptor = open_regular_file(file_name, file_size)) < 0) ASK_TO_TRY_AGAIN(file_name);
+  while ((descriptor = open_regular_file(file_name, file_size)) < 0) {
+    ASK_TO_TRY_AGAIN(file_name, reason_not_opened());
+  }
 }
 
 InputUnit::InputUnit(InputUnit&& other) noexcept

@@ -4,10 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <tuple>
 #include <utility>
 
@@ -15,35 +13,39 @@
 
 namespace quillet {
 
-std::string PART_NAME(const std::string& file_name) {
-  return file_name + ".part";
-}
-
 void OutputUnit::FreeDeleter::operator()(char* memory) const {
   std::free(memory);
 }
 
 OutputUnit::OutputUnit(const std::string& name, Replace replace)
-    : file_name(name), open_name(replace == Replace::directly ? name : PART_NAME(name)) {
+    : file_name(name), is_direct(replace == Replace::directly) {
   constexpr std::size_t page = 4096;
   buffer.reset(static_cast<char*>(std::aligned_alloc(page, buffer_size)));
   if (!buffer) FAIL_ALLOCATION();
-  while ((descriptor = create()) < 0) ASK_TO_TRY_AGAIN(file_name);
+  for (std::string reason = create(); !reason.empty(); reason = create()) {
+    ASK_TO_TRY_AGAIN(file_name, reason);
+  }
 }
 
-// A folder in the place of the final name is noticed now, not when all the work is done.
-int OutputUnit::create() const {
-  std::error_code error;
-  if (std::filesystem::is_directory(file_name, error)) return -1;
-  return ::open(open_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+std::string OutputUnit::create() {
+  if (!is_direct) {
+    std::string reason = part.create(file_name);
+    descriptor = part.handle();
+    return reason;
+  }
+  descriptor = ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  return descriptor < 0 ? std::strerror(errno) : "";
 }
 
 // What was written stays under its temporary name; a file without a byte is removed.
 OutputUnit::~OutputUnit() {
   if (descriptor < 0) return;
   if (reserved > written) std::ignore = ::ftruncate(descriptor, written);
-  ::close(descriptor);
-  if (written == 0) std::remove(open_name.c_str());
+  if (is_direct) {
+    ::close(descriptor);
+  } else if (written == 0) {
+    part.remove();
+  }
 }
 
 void OutputUnit::expect_size(std::int64_t bytes) {
@@ -94,10 +96,17 @@ void OutputUnit::write_out(const char* data, std::size_t size) {
 
 void OutputUnit::complete() {
   flush();
-  bool done = reserved <= written || ::ftruncate(descriptor, written) == 0;
-  done = ::close(std::exchange(descriptor, -1)) == 0 && done;
-  done = done && (open_name == file_name || std::rename(open_name.c_str(), file_name.c_str()) == 0);
-  if (!done) FAIL_WRITING(file_name, std::strerror(errno));
+  if (reserved > written && ::ftruncate(descriptor, written) != 0) {
+    FAIL_WRITING(file_name, std::strerror(errno));
+  }
+  const int closing = std::exchange(descriptor, -1);
+  std::string reason;
+  if (!is_direct) {
+    reason = part.complete();
+  } else if (::close(closing) != 0) {
+    reason = std::strerror(errno);
+  }
+  if (!reason.empty()) FAIL_WRITING(file_name, reason);
 }
 
 }  // namespace quillet

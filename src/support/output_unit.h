@@ -1,5 +1,4 @@
-// One file being written. It grows under its name + ".part" and gets its final name when it is
-// complete, so a final name means a complete file and a failed run leaves an earlier result alone.
+// One file being written. It grows as a part file and gets its final name when it is complete.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +7,9 @@
 #include <string>
 #include <string_view>
 
-namespace quillet {
+#include "support/part_file.h"
 
-// The name under which an output grows.
-std::string PART_NAME(const std::string& file_name);
+namespace quillet {
 
 class OutputUnit {
  public:
@@ -47,7 +45,7 @@ class OutputUnit {
   void complete();
 
  private:
-  int create() const;
+  std::string create();  // the reason when it cannot be, or empty
   void write_out(const char* data, std::size_t size);
   void flush();
 
@@ -56,8 +54,9 @@ class OutputUnit {
   };
 
   std::string file_name;
-  std::string open_name;
-  int descriptor = -1;
+  bool is_direct = false;
+  PartFile part;
+  int descriptor = -1;  // of the part file or, written directly, of its own
   std::unique_ptr<char, FreeDeleter> buffer;
   std::size_t buffered = 0;
   std::int64_t written = 0;

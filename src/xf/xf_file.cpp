@@ -22,7 +22,8 @@ constexpr float file_version = 2.1F;
 
 XfPropertiesHandle access_properties(bool locking, bool writing) {
   XfPropertiesHandle properties(H5Pcreate(H5P_FILE_ACCESS));
-  H5Pset_file_locking(properties.get(), locking, true);
+  // Who writes a file here holds a lock of its own on it.
+  H5Pset_file_locking(properties.get(), locking && !writing, true);
   if (writing) {
     // Old viewers read the earliest format only.
     H5Pset_libver_bounds(properties.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18);

@@ -50,24 +50,20 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
     : file_name(std::move(output_name)), names(dataset_names) {
   names.group = without_separators(names.group);
   SAY("Output XMDF File: " + file_name);
-  // A folder in the place of the final name is noticed now, not when all the work is done.
-  std::error_code error;
-  const XfStatus status = std::filesystem::is_directory(file_name, error)
-                              ? xf_failure(std::strerror(EISDIR))
-                              : XF_CREATE_FILE(PART_NAME(file_name), file);
-  if (!status.ok()) {
-    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + status.reason);
+  std::string reason = part.create(file_name);
+  if (reason.empty()) reason = XF_CREATE_FILE(part.name(), file).reason;
+  if (!reason.empty()) {
+    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + reason);
   }
 }
 
 // What was written stays under its temporary name; a file without a dataset is removed.
 XmdfSink::~XmdfSink() {
-  const bool is_abandoned = file != nullptr;
   scalar_dataset.reset();
   vector_dataset.reset();
   folder.reset();
   file.reset();
-  if (is_abandoned && !has_datasets) std::remove(PART_NAME(file_name).c_str());
+  if (part.is_open() && !has_datasets) part.remove();
 }
 
 void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
@@ -196,9 +192,8 @@ void XmdfSink::close() {
   close_datasets();
   check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
   check(XF_CLOSE_FILE(file), "ERROR - Closing file [XF_CLOSE_FILE] ");
-  if (std::rename(PART_NAME(file_name).c_str(), file_name.c_str()) != 0) {
-    FAIL_WRITING(file_name, std::strerror(errno));
-  }
+  const std::string reason = part.complete();
+  if (!reason.empty()) FAIL_WRITING(file_name, reason);
   SAY("Done.");
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "results/result_sink.h"
+#include "support/part_file.h"
 #include "xf/xf_writer.h"
 
 namespace quillet {
@@ -42,6 +43,7 @@ class XmdfSink : public ResultSink {
   std::int64_t expected_times = 0;
   bool has_datasets = false;  // something was written to the file
 
+  PartFile part;
   XfFile file;
   XfFolder folder;
   XfDataset scalar_dataset;

@@ -1,10 +1,12 @@
 // What becomes of files: results are complete or absent, inputs are never harmed, what cannot be
 // opened is asked for again.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 
-#include "xmdf_builder.h"
+#include "program/writing_runs.h"
 
 namespace quillet::testing {
 namespace {
@@ -65,21 +67,11 @@ INSTANTIATE_TEST_SUITE_P(All, InputsAsOutputs,
                          ::testing::Values("a_v.dat", "./a_v.dat", "in/../a_v.dat", "in/b_v.dat",
                                            "link.dat", "hard.dat", "mesh.dat", "a_h.dat", "r.dat"));
 
-// Every operation that writes, on either kind of file: arguments and output.
-class Outputs : public ::testing::TestWithParam<std::pair<std::string, std::string>> {
+class Outputs : public ::testing::TestWithParam<WritingRun> {
  protected:
-  Outputs() {
-    const DatShape vectors{2, 1, true};
-    const std::vector<DatTime> times{{0, {1}, {5, -1}}, {1, {1}, {9, 9}}};
-    const std::vector<DatTime> flows{{0, {1}, {5, -1, 2, 3}}};
-    for (const std::string name : {"a_d.dat", "b_d.dat"}) folder.write(name, input);
-    folder.write("a_V.dat", DAT_FILE(vectors, "v", flows));
-    MAKE_XMDF(folder, "x.xmdf",
-              {{"r/Temporal/Depth", shape, times}, {"r/Temporal/Vector Velocity", vectors, flows}});
-  }
-  void expect_failure(const std::string& line) const {
-    const RunResult run =
-        RUN(folder, WORDS("-b -nowetdry " + GetParam().first + " -out " + output));
+  Outputs() { MAKE_INPUTS_OF_WRITING_RUNS(folder); }
+  void expect_failure(const std::string& line, const RunSettings& settings = {}) const {
+    const RunResult run = RUN_WRITING(folder, GetParam(), settings);
     EXPECT_NE(run.output.find("\n\nERROR - " + line + "\n\nPress Enter to Close\n"),
               std::string::npos)
         << run.output;
@@ -87,12 +79,12 @@ class Outputs : public ::testing::TestWithParam<std::pair<std::string, std::stri
   }
 
   Workspace folder;
-  const std::string output = GetParam().second;
+  const std::string output = GetParam().output;
 };
 
 class OutputsAtInputs : public Outputs {};
 TEST_P(OutputsAtInputs, AreRefused) {
-  const std::string last = WORDS(GetParam().first).back(), whole = folder.read(last);
+  const std::string last = WORDS(GetParam().arguments).back(), whole = folder.read(last);
   fs::create_hard_link(folder.path(last), folder.path(output));
   const Names before = folder.names();
   expect_failure("Output file is also an input file: \"" + output + "\"");
@@ -103,32 +95,18 @@ TEST_P(OutputsAtInputs, AreRefused) {
 class OutputsOnFullDisks : public Outputs {};
 TEST_P(OutputsOnFullDisks, LeaveTheEarlierResult) {
   folder.write(output, "an earlier result");
-  fs::create_symlink("/dev/full", folder.path(output + ".part"));
-  expect_failure("Writing file \"" + output + "\": No space left on device");
+  expect_failure("Writing file \"" + output + "\": No space left on device",
+                 {.environment = FAULT("write", 1, ENOSPC)});
   EXPECT_EQ(folder.read(output), "an earlier result");
   EXPECT_FALSE(folder.has(output + ".part"));  // not a byte was written
 }
 
+INSTANTIATE_TEST_SUITE_P(All, OutputsAtInputs, ::testing::ValuesIn(ALL_WRITING_RUNS()),
+                         NAME_OF_WRITING_RUN);
+INSTANTIATE_TEST_SUITE_P(All, OutputsOnFullDisks, ::testing::ValuesIn(runs_written_to_units),
+                         NAME_OF_WRITING_RUN);
+
 using OutputRuns = std::vector<std::pair<std::string, std::string>>;
-const OutputRuns written_to_units{
-    {"-max a_d.dat", "r.dat"},         {"-min -t1 b_d.dat a_d.dat", "r.dat"},
-    {"-dif a_d.dat b_d.dat", "r.dat"}, {"-k1 a_d.dat", "r.dat"},
-    {"-r1 a_d.dat", "r.dat"},          {"-rangeA0 -rangeB9 a_d.dat", "r.dat"},
-    {"-con a_d.dat b_d.dat", "r.dat"}, {"-times a_d.dat", "r.txt"},
-    {"-times -typed x.xmdf", "r.txt"}, {"-dur1 a_d.dat", "r.dat"},
-    {"-toi1 a_d.dat", "r.dat"},        {"-trim1 a_d.dat", "r.dat"},
-    {"-va a_V.dat", "r.dat"},          {"-conv -typed x.xmdf", "r.dat"},
-    {"-xnfo x.xmdf", "r.txt"}};
-const OutputRuns written_otherwise{{"-max -typed x.xmdf", "r.xmdf"},
-                                   {"-dif -typed a_d.dat x.xmdf", "r.xmdf"},
-                                   {"-con -typed x.xmdf a_d.dat", "r.xmdf"},
-                                   {"-va -typeV x.xmdf", "r.xmdf"},
-                                   {"-conv a_d.dat", "r.xmdf"},
-                                   {"-ensight a_d.dat", "r.case"},
-                                   {"-ensight x.xmdf", "r.case"}};
-INSTANTIATE_TEST_SUITE_P(ToUnits, OutputsAtInputs, ::testing::ValuesIn(written_to_units));
-INSTANTIATE_TEST_SUITE_P(Otherwise, OutputsAtInputs, ::testing::ValuesIn(written_otherwise));
-INSTANTIATE_TEST_SUITE_P(All, OutputsOnFullDisks, ::testing::ValuesIn(written_to_units));
 
 // Without -out. Differences and lists of times go to the current folder, all else stands beside the
 // input.
@@ -174,8 +152,10 @@ TEST(OutputNames, FollowFromTheInputs) {
 
 const std::string try_again = "Press Enter to try again\n";
 
-std::string could_not_open(const std::string& name) {
-  return "\nERROR - Could not open file: \"" + name + "\"\n" + try_again;
+const std::string missing = "No such file or directory";
+
+std::string could_not_open(const std::string& name, const std::string& reason = missing) {
+  return "\nERROR - Could not open file: \"" + name + "\"\n   " + reason + "\n" + try_again;
 }
 
 TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
@@ -183,18 +163,31 @@ TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
   folder.write("a_d.dat", input);
   fs::create_directories(folder.path("folder_d.dat"));
   fs::create_directories(folder.path("r.dat.part"));
+  fs::create_symlink("elsewhere", folder.path("s.dat.part"));
+  ASSERT_EQ(::mkfifo(folder.path("fifo_d.dat").c_str(), 0600), 0);
+  ASSERT_EQ(::mkfifo(folder.path("f.dat.part").c_str(), 0600), 0);
   const Names before = folder.names();
-  for (const std::string arguments :
-       {"-max -b missing_d.dat", "-max a_d.dat missing_d.dat", "-max folder_d.dat",
-        "-max a_d.dat/x_d.dat", "-max a_d.dat -out missing/r.dat", "-max a_d.dat -out folder_d.dat",
-        "-max a_d.dat -out r.dat"}) {
+  const std::string is_folder = "Is a directory";
+  for (const auto& [arguments, reason] : std::vector<std::pair<std::string, std::string>>{
+           {"-max -b missing_d.dat", missing},
+           {"-max a_d.dat missing_d.dat", missing},
+           {"-max folder_d.dat", is_folder},
+           {"-max a_d.dat/x_d.dat", "Not a directory"},
+           {"-max fifo_d.dat", "Not a regular file"},
+           {"-max a_d.dat -out missing/r.dat", missing},
+           {"-max a_d.dat -out folder_d.dat", is_folder},
+           {"-max a_d.dat -out r.dat", is_folder},
+           {"-max a_d.dat -out s.dat", "Too many levels of symbolic links"},
+           {"-max a_d.dat -out f.dat", "Not a regular file"}}) {
     const RunResult run = RUN(folder, WORDS(arguments));
-    const std::string end = could_not_open(WORDS(arguments).back()) + "\nPress Enter to Close\n";
+    const std::string end =
+        could_not_open(WORDS(arguments).back(), reason) + "\nPress Enter to Close\n";
     ASSERT_GT(run.output.size(), end.size());
     EXPECT_EQ(run.output.substr(run.output.size() - end.size()), end);
     EXPECT_EQ(folder.names(), before);
     EXPECT_TRUE(run.ended_well());
   }
+  EXPECT_TRUE(folder.read("a_d.dat") == input);
 }
 
 TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
