@@ -12,7 +12,7 @@
 namespace quillet {
 
 // The 40 characters that a header holds of a dataset name, without trailing blanks. Of a longer
-// name the characters before its last one: the last is always lost, as it always has been.
+// name the characters before its last one: the last is lost (docs/compatibility.md).
 std::string DAT_DATASET_NAME(std::string_view name);
 
 class DatWriter {

@@ -8,7 +8,7 @@
 namespace quillet {
 namespace {
 
-// The text does not list every option; that is as users know it.
+// See docs/compatibility.md.
 // clang-format off
 constexpr std::array<std::string_view, 60> usage_text{{
     "Performs various operations on ORVANE .dat files and outputs a new .dat file",

@@ -60,7 +60,7 @@ struct Comparison {
   }
 
   // Moves one input on. When the second run's time is the smaller it is the first input, the one
-  // with the larger time, that moves: users' results depend on that direction.
+  // with the larger time, that moves: see docs/compatibility.md.
   bool skip_unpaired() {
     SAY("WARNING - Inconsistent times were found: " + AREAL(first.record.time) + " " +
         AREAL(second.record.time));

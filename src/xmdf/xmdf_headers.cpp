@@ -49,7 +49,7 @@ void read_counts(const XmdfFileHeader& header, const std::string& kind, Datasets
   }
   datasets.count = info.count;
   datasets.longest_path = info.longest_path;
-  // The label says "scalar" for vectors too; users' scripts look for it.
+  // The label says "scalar" for vectors too; see docs/compatibility.md.
   SAY("Number of scalar datasets: " + AINTEGER(info.count));
   SAY("Maximum character length of dataset names: " + AINTEGER(info.longest_path));
 }

@@ -107,7 +107,7 @@ void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
     scalar_name = XMDF_MAGNITUDE_NAME(own_name);
   }
   SAY("Creating scalar dataset: " + scalar_name);
-  // The message names the vector call for the magnitudes too; scripts look for it.
+  // The message names the vector call for the magnitudes too: see docs/compatibility.md.
   check(XF_CREATE_SCALAR_DATASET(folder, scalar_name, options, scalar_dataset),
         std::string("ERROR - Creating group [XF_CREATE_") + (is_vector ? "VECTOR" : "SCALAR") +
             "_DATASET] ");
