@@ -82,14 +82,14 @@ class QuickValues {
 
     // Appends the digits that follow and returns how many they were. Too many wrap around.
     [[gnu::always_inline]] std::size_t take_digits() {
-      const char* at = place;
+      const char* digit_at = place;
       std::uint64_t value = digits;
-      for (unsigned digit = 0; (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) < 10;
-           ++at) {
+      for (unsigned digit = 0; (digit = static_cast<unsigned char>(*digit_at) - unsigned{'0'}) < 10;
+           ++digit_at) {
         value = value * 10 + digit;
       }
-      const auto count = static_cast<std::size_t>(at - place);
-      place = at;
+      const auto count = static_cast<std::size_t>(digit_at - place);
+      place = digit_at;
       digits = value;
       return count;
     }

@@ -1,12 +1,9 @@
 #include "support/large_array.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <new>
 
-#ifdef __linux__
-#include <sys/mman.h>
-#endif
+#include "support/system_memory.h"
 
 namespace quillet {
 namespace {
@@ -14,27 +11,21 @@ namespace {
 constexpr std::size_t large_page_size = std::size_t{2} << 20;
 constexpr std::size_t smallest_large_size = std::size_t{1} << 20;
 
-void prefer_large_pages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
-#ifdef MADV_HUGEPAGE
-  ::madvise(memory, size, MADV_HUGEPAGE);  // a hint; the system may not have them
-#endif
-}
-
 }  // namespace
 
 void* ALLOCATE_LARGE(std::size_t size) {
   if (size > SIZE_MAX - large_page_size) throw std::bad_alloc();
   const bool is_large = size >= smallest_large_size;
-  const std::size_t rounded = (size + large_page_size - 1) / large_page_size * large_page_size;
-  void* const memory =
-      is_large ? std::aligned_alloc(large_page_size, rounded) : std::malloc(size == 0 ? 1 : size);
+  const std::size_t alignment = is_large ? large_page_size : alignof(std::max_align_t);
+  const std::size_t units = size == 0 ? 1 : (size + alignment - 1) / alignment;
+  void* const memory = ALIGNED_MEMORY(alignment, units * alignment);
   if (memory == nullptr) throw std::bad_alloc();
-  if (is_large) prefer_large_pages(memory, rounded);
+  if (is_large) PREFER_LARGE_PAGES(memory, units * alignment);
   return memory;
 }
 
 void FREE_LARGE(void* memory) {
-  std::free(memory);
+  FREE_ALIGNED_MEMORY(memory);
 }
 
 }  // namespace quillet
