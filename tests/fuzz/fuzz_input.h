@@ -1,0 +1,44 @@
+// What a fuzz target is given, as the files that the readers open.
+#pragma once
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace quillet::fuzz {
+
+// One file in memory, under a name that can be opened any number of times.
+class MemoryFile {
+ public:
+  MemoryFile() : descriptor(::memfd_create("fuzz", MFD_CLOEXEC)) {
+    if (descriptor < 0) std::abort();
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile() { ::close(descriptor); }
+
+  std::string name() const { return "/proc/self/fd/" + std::to_string(descriptor); }
+
+  void set(const std::uint8_t* data, std::size_t size) {
+    const auto length = static_cast<ssize_t>(size);
+    if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, data, size, 0) != length) {
+      std::abort();
+    }
+  }
+
+ private:
+  int descriptor;
+};
+
+inline std::string_view TEXT_OF(const std::uint8_t* data, std::size_t size) {
+  return {reinterpret_cast<const char*>(data), size};
+}
+
+}  // namespace quillet::fuzz
