@@ -1,189 +1,113 @@
 #include "driver/argument_parser.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
+#include "driver/operation_table.h"
+#include "driver/option_row.h"
 #include "results/result_types.h"
 #include "support/console.h"
 #include "support/file_names.h"
-#include "support/numbers.h"
 #include "support/text.h"
 
 namespace quillet {
 namespace {
 
 constexpr std::size_t longest_argument = 1000;
-constexpr std::size_t longest_tag = 100;
 constexpr std::size_t longest_type_code = 4;
 
-[[noreturn]] void fail_value() {
-  SAY("ERROR - Reading time for keep or remove argument, or cutoff depth for duration");
-  END_WITH_PAUSE();
-}
-
-// One option as it stands on the command line. Columns count from 1, the dash being the first.
-struct Option {
-  std::string_view argument;
-
-  std::string_view from_column(std::size_t column) const {
-    return argument.substr(std::min(column - 1, argument.size()));
-  }
-  float real(std::size_t column) const {
-    const auto value = READ_REAL(from_column(column));
-    if (!value) fail_value();
-    return *value;
-  }
-  std::int32_t integer(std::size_t column) const {
-    const auto value = READ_INTEGER(from_column(column));
-    if (!value) fail_value();
-    return *value;
-  }
-  std::string tag() const { return std::string(TRIMF(argument.substr(1)).substr(0, longest_tag)); }
-};
-
-enum class NextArgument { ordinary, output_name, mesh_file };
-
-struct Parser {
-  RunOptions options;
-  NextArgument next = NextArgument::ordinary;
-};
-
-void set_time(RunOptions& options, float time) {
-  options.selected_time = time;
-  options.time_given = true;
-}
-
-void set_tagged(RunOptions& options, Operation operation, const Option& option) {
-  options.add(operation);
-  options.operation_tag = option.tag();
-}
-
-void set_type(RunOptions& options, const Option& option) {
+void set_type(RunOptions& options, const OptionArgument& argument) {
   options.type_given = true;
-  options.type_code = TRIMF(option.from_column(6).substr(0, longest_type_code));
+  options.type_code = TRIMF(argument.from_column(6).substr(0, longest_type_code));
   LOOK_UP_TYPE_NAME(options.type_code, options.type_name);
   if (BLANK(options.type_name)) {
     FAIL_RUN("ERROR - Unable to interpret Map Output Data Type: " + QUOTED(options.type_code));
   }
 }
 
-void set_scalar_id(RunOptions& options, const Option& option) {
+void set_scalar_id(RunOptions& options, const OptionArgument& argument) {
   if (options.scalar_id) {
     FAIL_RUN("ERROR - Only one scalar dataset can be specified with \"-s\" option..");
   }
-  options.scalar_id = option.integer(3);
+  options.scalar_id = argument.integer(3);
 }
 
-void set_vector_id(RunOptions& options, const Option& option) {
+void set_vector_id(RunOptions& options, const OptionArgument& argument) {
   if (options.vector_id) {
     FAIL_RUN("ERROR - Only one vector dataset can be specified with \"-v\" option..");
   }
-  options.vector_id = option.integer(3);
+  options.vector_id = argument.integer(3);
 }
 
-enum class Match { contains, equals };
+void set_path(RunOptions& options, const OptionArgument& argument) {
+  options.dataset_path = REMOVEQUOTES(argument.from_column(6));
+}
 
-// The first row whose key matches decides. What is examined is the slice of the given width that
-// begins after the dash; for most rows that makes it a test of how the option begins.
-struct OptionRow {
-  std::string_view key;
-  std::size_t slice_width;
-  Match match;
-  void (*apply)(Parser& parser, const Option& option);
+void set_time(RunOptions& options, const OptionArgument& argument) {
+  options.time = argument.real(3);
+}
+
+void set_tolerance(RunOptions& options, const OptionArgument& argument) {
+  options.tolerance = argument.real(7);
+}
+
+void set_batch(RunOptions& options, const OptionArgument&) {
+  options.batch = true;
+}
+
+void set_no_wet_dry(RunOptions& options, const OptionArgument&) {
+  options.no_wet_dry = true;
+}
+
+void set_ignore_stored(RunOptions& options, const OptionArgument&) {
+  options.ignore_stored = true;
+}
+
+// The options that are no operations. Those stand with theirs.
+constexpr std::array general_options{
+    OptionRow{.turn = 1, .key = "2dm", .match = Match::equals, .next = NextArgument::mesh_file},
+    OptionRow{.turn = 11, .key = "b", .apply = set_batch},
+    OptionRow{.turn = 13, .key = "out", .next = NextArgument::output_name},
+    OptionRow{.turn = 18, .key = "path", .apply = set_path},
+    OptionRow{.turn = 19, .key = "type", .match = Match::equals, .apply = set_type},
+    OptionRow{.turn = 20, .key = "t", .apply = set_time},
+    OptionRow{.turn = 23, .key = "nowetdry", .apply = set_no_wet_dry},
+    OptionRow{.turn = 25, .key = "dttol", .apply = set_tolerance},
+    OptionRow{.turn = 26, .key = "s", .apply = set_scalar_id},
+    OptionRow{.turn = 27, .key = "v", .apply = set_vector_id},
+    OptionRow{.turn = 28, .key = "ignore_mm", .apply = set_ignore_stored},
 };
 
-constexpr std::array<OptionRow, 28> option_table{{
-    {"2dm", 3, Match::equals,
-     [](Parser& parser, const Option&) { parser.next = NextArgument::mesh_file; }},
-    {"conv", 4, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::conv); }},
-    {"con", 3, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::con); }},
-    {"max", 3, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::max); }},
-    {"min", 3, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::min); }},
-    {"dif", 3, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::dif); }},
-    {"dur", 3, Match::contains,
-     [](Parser& parser, const Option& option) {
-       set_tagged(parser.options, Operation::dur, option);
-       parser.options.cutoff = option.real(5);
-     }},
-    {"ddur", 4, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.add(Operation::ddur);
-       parser.options.cutoff = option.real(6);
-     }},
-    {"trim", 4, Match::contains,
-     [](Parser& parser, const Option& option) {
-       set_tagged(parser.options, Operation::trim, option);
-       parser.options.cutoff = option.real(6);
-     }},
-    // The slice is wider than the key: "-atoi" is -toi too, its value read from the same column.
-    {"toi", 4, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.add(Operation::toi);
-       parser.options.cutoff = option.real(5);
-     }},
-    {"b", 1, Match::contains, [](Parser& parser, const Option&) { parser.options.batch = true; }},
-    {"k", 1, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.add(Operation::keep);
-       set_time(parser.options, option.real(3));
-     }},
-    {"out", 3, Match::contains,
-     [](Parser& parser, const Option&) { parser.next = NextArgument::output_name; }},
-    {"rangeA", 6, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.add(Operation::range);
-       parser.options.range_start = option.real(8);
-     }},
-    {"rangeB", 6, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.range_end_given = true;
-       parser.options.range_end = option.real(8);
-     }},
-    {"r", 1, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.add(Operation::remove);
-       set_time(parser.options, option.real(3));
-     }},
-    {"times", 5, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::times); }},
-    {"path", 4, Match::contains,
-     [](Parser& parser, const Option& option) {
-       parser.options.dataset_path = REMOVEQUOTES(option.from_column(6));
-     }},
-    {"type", 4, Match::equals,
-     [](Parser& parser, const Option& option) { set_type(parser.options, option); }},
-    {"t", 1, Match::contains,
-     [](Parser& parser, const Option& option) { set_time(parser.options, option.real(3)); }},
-    {"va", 2, Match::contains,
-     [](Parser& parser, const Option& option) {
-       set_tagged(parser.options, Operation::va, option);
-     }},
-    {"xnfo", 4, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::xnfo); }},
-    {"nowetdry", 8, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.no_wet_dry = true; }},
-    {"ensight", 8, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.add(Operation::ensight); }},
-    {"dttol", 5, Match::contains,
-     [](Parser& parser, const Option& option) { parser.options.tolerance = option.real(7); }},
-    {"s", 1, Match::contains,
-     [](Parser& parser, const Option& option) { set_scalar_id(parser.options, option); }},
-    {"v", 1, Match::contains,
-     [](Parser& parser, const Option& option) { set_vector_id(parser.options, option); }},
-    {"ignore_mm", 9, Match::contains,
-     [](Parser& parser, const Option&) { parser.options.ignore_stored = true; }},
-}};
+// An option, and the operation that it chooses.
+struct FoundOption {
+  const OptionRow* row = nullptr;
+  const OperationRow* operation = nullptr;
 
-bool matches(const OptionRow& row, std::string_view option_text) {
-  const std::string_view slice = option_text.substr(0, row.slice_width);
-  return row.match == Match::equals ? ASAME(slice, row.key) : FLAGEXISTS(slice, row.key);
+  void consider(const OptionRow& other, const OperationRow* other_operation,
+                std::string_view text_after_dash) {
+    const bool is_earlier = row == nullptr || other.turn < row->turn;
+    if (other.key.empty() || !is_earlier || !other.matches(text_after_dash)) return;
+    row = &other;
+    operation = other.chooses_operation ? other_operation : nullptr;
+  }
+};
+
+FoundOption find_option(std::string_view text_after_dash) {
+  FoundOption found;
+  for (const OptionRow& row : general_options) found.consider(row, nullptr, text_after_dash);
+  for (const OperationRow& operation : OPERATIONS()) {
+    for (const OptionRow& row : operation.options) {
+      found.consider(row, &operation, text_after_dash);
+    }
+  }
+  return found;
 }
+
+struct Parser {
+  RunOptions options;
+  NextArgument next = NextArgument::ordinary;
+};
 
 // Where absolute paths begin with "/", a path must not become an option by a slip of the keyboard.
 bool is_absolute_path(std::string_view argument) {
@@ -200,14 +124,16 @@ bool is_option(std::string_view argument) {
 }
 
 void apply_option(Parser& parser, std::string_view argument) {
-  const auto row =
-      std::find_if(option_table.begin(), option_table.end(),
-                   [&](const auto& candidate) { return matches(candidate, argument.substr(1)); });
-  if (row == option_table.end()) {
+  const FoundOption found = find_option(argument.substr(1));
+  if (found.row == nullptr) {
     SAY_APART("ERROR - Incorrect flag specified: " + QUOTED(argument));
     END_WITH_PAUSE();
   }
-  row->apply(parser, Option{argument});
+  if (found.operation != nullptr && !parser.options.asks_for(*found.operation)) {
+    parser.options.operations.push_back(found.operation);
+  }
+  parser.next = found.row->next;
+  if (found.row->apply != nullptr) found.row->apply(parser.options, OptionArgument{argument});
 }
 
 void take_argument(Parser& parser, std::string_view argument) {
@@ -226,12 +152,13 @@ void take_argument(Parser& parser, std::string_view argument) {
 
 }  // namespace
 
-ParsedArguments PARSE_ARGUMENTS(const std::vector<std::string>& arguments) {
+RunOptions PARSE_ARGUMENTS(const std::vector<std::string>& arguments) {
   Parser parser;
   for (const std::string& argument : arguments) {
     take_argument(parser, std::string_view(argument).substr(0, longest_argument));
   }
-  return {std::move(parser.options), parser.next == NextArgument::output_name};
+  parser.options.output_name_missing = parser.next == NextArgument::output_name;
+  return std::move(parser.options);
 }
 
 }  // namespace quillet

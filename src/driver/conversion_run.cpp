@@ -22,8 +22,7 @@ struct Conversion {
 };
 
 Conversion plan(const RunSetup& setup, std::size_t input) {
-  const RunOptions& options = setup.options;
-  const std::string& name = options.inputs[input];
+  const std::string& name = setup.input_names[input];
   Conversion conversion;
   conversion.source = setup.inputs.sources[input].get();
   conversion.datasets = conversion.source->datasets();
@@ -31,8 +30,8 @@ Conversion plan(const RunSetup& setup, std::size_t input) {
     conversion.target_kind = FileKind::xmdf;
     conversion.targets = {PLAN_XMDF_TARGET(name, setup.inputs.types[input], conversion.datasets)};
   } else {
-    const bool by_itself = options.scalar_id || options.vector_id || options.dataset_path;
-    conversion.targets = PLAN_DAT_TARGETS(name, by_itself, conversion.datasets);
+    conversion.targets =
+        PLAN_DAT_TARGETS(name, setup.options.selects_by_itself(), conversion.datasets);
   }
   const bool has_data = !conversion.targets.empty() && !conversion.targets[0].datasets.empty();
   if (!has_data) FAIL_RUN("ERROR - Nothing to convert in " + QUOTED(name));
@@ -101,7 +100,7 @@ void convert(const Conversion& conversion, RES_TYPE& step) {
 void CONVERT_INPUTS(RunSetup& setup) {
   SAY_APART("Converting files.");
   std::vector<Conversion> conversions;
-  for (std::size_t input = 0; input < setup.options.inputs.size(); ++input) {
+  for (std::size_t input = 0; input < setup.input_names.size(); ++input) {
     conversions.push_back(plan(setup, input));
   }
   const bool named_by_user = apply_output_name(setup.options, conversions);

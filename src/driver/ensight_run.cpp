@@ -16,7 +16,7 @@ void EXPORT_INPUTS_TO_ENSIGHT(RunSetup& setup) {
   std::vector<std::vector<std::unique_ptr<ResultDataset>>> datasets;
   for (std::size_t input = 0; input < setup.inputs.sources.size(); ++input) {
     EnsightInput& exported = run.inputs.emplace_back();
-    exported.name = setup.options.inputs[input];
+    exported.name = setup.input_names[input];
     exported.type = setup.inputs.types[input];
     exported.format =
         setup.input_kinds[input] == FileKind::dat ? EnsightFormat::dat : EnsightFormat::xmdf;

@@ -1,5 +1,7 @@
 #include "driver/input_checks.h"
 
+#include <string>
+
 #include "support/console.h"
 
 namespace quillet {
@@ -25,16 +27,16 @@ void check_counts(const RunSetup& setup) {
 }
 
 void check_vectors(const RunSetup& setup) {
-  if (setup.operation != Operation::va) return;
+  if (!setup.operation.needs_vectors) return;
   for (const auto& source : setup.inputs.sources) {
     if (source->is_vector()) continue;
-    SAY_APART("ERROR - .dat file or xmdf type must be vector data for -va option");
+    SAY_APART("ERROR - .dat file or xmdf type must be vector data for " +
+              std::string(setup.operation.flag) + " option");
     END_WITH_PAUSE();
   }
 }
 
 void check_kinds(const RunSetup& setup) {
-  if (setup.operation == Operation::ensight) return;
   for (const auto& source : setup.inputs.sources) {
     if (source->is_vector() == PRIMARY_INPUT(setup).is_vector()) continue;
     SAY("ERROR - " + source->name() +
@@ -51,10 +53,11 @@ const ResultSource& PRIMARY_INPUT(const RunSetup& setup) {
 }
 
 void CHECK_CONSISTENCY(const RunSetup& setup) {
-  if (setup.operation == Operation::xnfo || setup.operation == Operation::conv) return;
+  const InputsFit fit = setup.operation.inputs_fit;
+  if (fit == InputsFit::each_by_itself) return;
   check_counts(setup);
   check_vectors(setup);
-  check_kinds(setup);
+  if (fit == InputsFit::in_shape) check_kinds(setup);
 }
 
 }  // namespace quillet

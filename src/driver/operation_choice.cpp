@@ -6,19 +6,17 @@
 
 namespace quillet {
 
-Operation CHOOSE_OPERATION(const RunOptions& options) {
+const OperationRow& CHOOSE_OPERATION(const RunOptions& options) {
   SAY_APART("Checking operational flags.");
-  Operation chosen{};
-  for (const OperationName& name : operation_names) {
-    if (!options.has(name.operation)) continue;
-    SAY(fmt::format("Opertational flag {} ({})", name.flag, name.meaning));
-    chosen = name.operation;
+  for (const OperationRow& operation : OPERATIONS()) {
+    if (!options.asks_for(operation)) continue;
+    SAY(fmt::format("Opertational flag {} ({})", operation.flag, operation.meaning));
   }
-  const auto count = options.operations.count();
+  const std::size_t count = options.operations.size();
   if (count > 1) FAIL_RUN("ERROR - Multiple operational flags specified, expecting 1.");
   if (count == 0) FAIL_RUN("ERROR - No operational flags specified.");
   SAY_APART("Found 1 operational flags specified.");
-  return chosen;
+  return *options.operations.front();
 }
 
 }  // namespace quillet

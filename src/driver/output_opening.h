@@ -11,10 +11,10 @@ namespace quillet {
 // one, by whatever name, or would grow under the name of one.
 void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name);
 
-// Opens the output of operations that write one dataset file, under its temporary name.
-void OPEN_OUTPUT(RunSetup& setup);
+// What the output holds; not `by_time`, which the time asked for has settled.
+OutputDataset OUTPUT_DATASET(const RunSetup& setup);
 
-// Names the output of -va, unless the user did, and opens it.
-void OPEN_VELOCITY_ANGLE_OUTPUT(RunSetup& setup);
+// Opens the output, one dataset file that is named by now, under its temporary name.
+void OPEN_OUTPUT(RunSetup& setup);
 
 }  // namespace quillet

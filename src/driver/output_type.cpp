@@ -15,11 +15,6 @@ struct Marks {
   bool dat = false;
 };
 
-bool names_its_own_output(Operation operation) {
-  return operation == Operation::times || operation == Operation::xnfo ||
-         operation == Operation::ensight || operation == Operation::conv;
-}
-
 void mark_by_inputs(const std::vector<FileKind>& input_kinds, Marks& marks) {
   const auto count = [&](FileKind kind) {
     return std::count(input_kinds.begin(), input_kinds.end(), kind);
@@ -55,13 +50,14 @@ void append_extension(std::string_view extension, std::string& name) {
 
 }  // namespace
 
-FileKind SETTLE_OUTPUT_TYPE(Operation operation, const RunOptions& options,
+FileKind SETTLE_OUTPUT_TYPE(OutputKind output, const RunOptions& options,
                             const std::vector<FileKind>& input_kinds, OutputNaming& naming) {
   Marks marks;
-  if (!names_its_own_output(operation)) mark_by_inputs(input_kinds, marks);
+  if (output == OutputKind::own) return FileKind::text;
+  if (output == OutputKind::results) mark_by_inputs(input_kinds, marks);
   if (options.output_name) mark_by_name(*options.output_name, marks);
   const FileKind kind = marks.xmdf ? FileKind::xmdf : marks.dat ? FileKind::dat : FileKind::text;
-  if (operation == Operation::conv) return kind;
+  if (output == OutputKind::conversion) return kind;
 
   if (kind == FileKind::xmdf) {
     SAY_APART("Using XMDF for output type");

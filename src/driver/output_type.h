@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "driver/operation_table.h"
 #include "driver/output_naming.h"
 #include "driver/run_options.h"
 
@@ -12,8 +13,8 @@ namespace quillet {
 enum class FileKind { dat, xmdf, text };
 
 // Prints what decides. `input_kinds` has one entry per input. Appends the extension to the base
-// file name. Not for -conv, which names its outputs itself but prints what -out says.
-FileKind SETTLE_OUTPUT_TYPE(Operation operation, const RunOptions& options,
+// file name, where the operation does not name its outputs itself.
+FileKind SETTLE_OUTPUT_TYPE(OutputKind output, const RunOptions& options,
                             const std::vector<FileKind>& input_kinds, OutputNaming& naming);
 
 }  // namespace quillet

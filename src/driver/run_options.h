@@ -1,31 +1,31 @@
-// The parsed command line: filled once, read by every later step.
+// The parsed command line: filled once by the parser, changed by no later step.
 #pragma once
 
-#include <bitset>
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "operations/operation.h"
-
 namespace quillet {
+
+struct OperationRow;
 
 struct RunOptions {
   std::vector<std::string> inputs;         // in the order given
   std::optional<std::string> output_name;  // -out
+  bool output_name_missing = false;        // -out was the last argument
   std::optional<std::string> mesh_file;    // -2dm
 
-  std::bitset<operation_names.size()> operations;  // by Operation; more than one is an error
-  std::string operation_tag;                       // the option without its dash, for naming
-  float cutoff = 0.1F;                             // -dur, -ddur, -trim, -toi
+  std::vector<const OperationRow*> operations;  // each once; more than one is an error
+  std::string operation_tag;                    // the option without its dash, for naming
+  float cutoff = 0.1F;                          // -dur, -ddur, -trim, -toi
 
-  float selected_time = 0;  // hours: the last of -k, -r and -t
-  bool time_given = false;
-  float range_start = 0;  // hours
-  float range_end = 0;    // hours
-  bool range_end_given = false;
-  std::optional<float> tolerance;  // hours, -dttol
+  // Hours.
+  std::optional<float> time;         // the last of -k, -r and -t
+  std::optional<float> range_start;  // -rangeA
+  std::optional<float> range_end;    // -rangeB
+  std::optional<float> tolerance;    // -dttol
 
   // The result type asked for. The name starts as NUL characters, which no dataset's name holds,
   // and stays so for an unknown code.
@@ -41,8 +41,12 @@ struct RunOptions {
   bool no_wet_dry = false;     // -nowetdry
   bool ignore_stored = false;  // -ignore_mm
 
-  bool has(Operation operation) const { return operations[static_cast<std::size_t>(operation)]; }
-  void add(Operation operation) { operations.set(static_cast<std::size_t>(operation)); }
+  bool asks_for(const OperationRow& operation) const {
+    return std::find(operations.begin(), operations.end(), &operation) != operations.end();
+  }
+  // The dataset is chosen by its path or its place in the list, not by its type.
+  bool selects_by_itself() const { return dataset_path || scalar_id || vector_id; }
+  bool selects_dataset() const { return type_given || selects_by_itself(); }
 };
 
 }  // namespace quillet

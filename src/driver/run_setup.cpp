@@ -20,10 +20,17 @@ namespace {
 
 constexpr float default_tolerance = 0.0001F;
 
+// A third name of two is the output's.
+void take_inputs(RunSetup& setup) {
+  setup.time = setup.options.time;
+  setup.input_names = setup.options.inputs;
+  if (setup.operation.inputs == InputCount::two) setup.input_names.resize(2);
+}
+
 // Replaces a .sup file by the results that it names. Its entries stand beside it unless they are
 // absolute.
 void expand_sup(RunSetup& setup) {
-  std::vector<std::string>& inputs = setup.options.inputs;
+  std::vector<std::string>& inputs = setup.input_names;
   if (FILEEXT(inputs.front()) != ".sup") return;
   if (inputs.size() > 1) {
     FAIL_RUN("ERROR - If using .sup file, there must be only one input file.");
@@ -42,17 +49,17 @@ void expand_sup(RunSetup& setup) {
   if (inputs.empty()) FAIL_RUN("ERROR - No input files specified.");
 }
 
-void announce_inputs(const RunOptions& options) {
+void announce_inputs(const RunSetup& setup) {
   SAY_APART("Allocating arrays for processing " +
-            AINTEGER(static_cast<std::int64_t>(options.inputs.size())) + " files.");
+            AINTEGER(static_cast<std::int64_t>(setup.input_names.size())) + " files.");
   SAY("   Done.");
 }
 
-// Switched off for good: users of the operation keep an earlier version.
-void refuse_duration_difference(Operation operation) {
-  if (operation != Operation::ddur) return;
-  SAY_APART("Error - Difference in duration (-ddur) not yet implemented for xmdf files.");
-  SAY("    For .dat files, a previous version of the utility can be used.");
+void refuse_withdrawn(const OperationRow& operation) {
+  const auto& [first_line, second_line] = operation.withdrawn;
+  if (first_line.empty()) return;
+  SAY_APART(first_line);
+  SAY(second_line);
   EXITS();
 }
 
@@ -66,7 +73,7 @@ FileKind kind_of_input(const std::string& name) {
 void classify_inputs(RunSetup& setup) {
   SAY_APART("ORVANE Results Files:");
   int number = 0;
-  for (const std::string& name : setup.options.inputs) {
+  for (const std::string& name : setup.input_names) {
     SAY(fmt::format("   File{:3}: {}", ++number, name));
     setup.input_kinds.push_back(kind_of_input(name));
   }
@@ -91,13 +98,8 @@ bool has_input(const RunSetup& setup, FileKind kind) {
 }
 
 void check_selection(const RunSetup& setup) {
-  const RunOptions& options = setup.options;
-  const bool takes_everything = setup.operation == Operation::xnfo ||
-                                setup.operation == Operation::conv ||
-                                setup.operation == Operation::ensight;
-  const bool selects =
-      options.type_given || options.dataset_path || options.scalar_id || options.vector_id;
-  if (!has_input(setup, FileKind::xmdf) || takes_everything || selects) return;
+  const bool must_select = setup.operation.selection == XmdfSelection::one_dataset;
+  if (!has_input(setup, FileKind::xmdf) || !must_select || setup.options.selects_dataset()) return;
   SAY_APART("ERROR - Must specify an output type to be processed if using xmdf files.");
   SAY("   Use -type<output type> to use a specific output type.");
   SAY("   Output types should be as specified in the .ocf eg. h, V, q, or d");
@@ -105,17 +107,14 @@ void check_selection(const RunSetup& setup) {
   EXITS();
 }
 
-void refuse_minimum_at_time(const RunSetup& setup) {
-  const bool is_at_time = setup.operation == Operation::min && setup.options.time_given;
-  if (is_at_time && has_input(setup, FileKind::xmdf)) {
-    FAIL_RUN("ERROR - Min not yet enabled for xmdf files.");
-  }
+void refuse_time_in_xmdf(const RunSetup& setup) {
+  const std::string_view message = setup.operation.no_time_in_xmdf;
+  if (!message.empty() && setup.time && has_input(setup, FileKind::xmdf)) FAIL_RUN(message);
 }
 
-void warn_of_ensight(const RunSetup& setup) {
-  if (setup.operation == Operation::ensight && has_input(setup, FileKind::dat)) {
-    SAY_APART("WARNING - Ensight conversion not fully supported for .dat files.");
-  }
+void warn_of_dat(const RunSetup& setup) {
+  const std::string_view warning = setup.operation.warning_of_dat;
+  if (!warning.empty() && has_input(setup, FileKind::dat)) SAY_APART(warning);
 }
 
 // The headers of all XMDF inputs are read before any .dat input is opened.
@@ -127,7 +126,7 @@ void open_inputs(RunSetup& setup) {
       setup.inputs.sources.push_back(std::make_unique<XmdfSource>(setup.xmdf_files[xmdf_inputs++]));
       continue;
     }
-    auto source = std::make_unique<DatSource>(setup.options.inputs[input]);
+    auto source = std::make_unique<DatSource>(setup.input_names[input]);
     setup.dat_sources.push_back(source.get());
     setup.inputs.sources.push_back(std::move(source));
   }
@@ -147,7 +146,7 @@ void read_dat_headers(RunSetup& setup) {
 
 InputType type_of_input(const RunSetup& setup, std::size_t input) {
   const RunOptions& options = setup.options;
-  const std::string& name = options.inputs[input];
+  const std::string& name = setup.input_names[input];
   const bool is_dat = setup.input_kinds[input] == FileKind::dat;
   InputType type = is_dat ? TYPE_OF_DAT_INPUT(name) : TYPE_OF_XMDF_INPUT(options.type_code);
   const std::string by_name = is_dat ? DEFAULT_MESH_OF_DAT(name) : DEFAULT_MESH_OF_XMDF(name);
@@ -156,14 +155,14 @@ InputType type_of_input(const RunSetup& setup, std::size_t input) {
 }
 
 void identify_inputs(RunSetup& setup) {
-  for (std::size_t input = 0; input < setup.options.inputs.size(); ++input) {
+  for (std::size_t input = 0; input < setup.input_names.size(); ++input) {
     setup.inputs.types.push_back(type_of_input(setup, input));
   }
 }
 
 // Whether the inputs are levels themselves is decided by the first. Nothing is opened yet.
 void choose_water_levels(RunSetup& setup) {
-  if (setup.operation != Operation::dif || !setup.wet_dry_test) return;
+  if (!setup.operation.needs_water_levels || !setup.wet_dry_test) return;
   std::size_t xmdf_inputs = 0;
   for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
     const bool is_xmdf = setup.input_kinds[input] == FileKind::xmdf;
@@ -173,7 +172,7 @@ void choose_water_levels(RunSetup& setup) {
     } else if (is_xmdf) {
       levels = std::make_unique<XmdfWaterLevels>(setup.xmdf_files[xmdf_inputs], setup.tolerance);
     } else {
-      levels = std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.options.inputs[input]));
+      levels = std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.input_names[input]));
     }
     if (is_xmdf) ++xmdf_inputs;
     setup.inputs.water_levels.push_back(std::move(levels));
@@ -193,22 +192,24 @@ void take_shape(RunSetup& setup) {
 }  // namespace
 
 void SET_UP_RUN(RunSetup& setup) {
+  const OperationRow& operation = setup.operation;
   setup.wet_dry_test = !setup.options.no_wet_dry;
+  take_inputs(setup);
   expand_sup(setup);
-  announce_inputs(setup.options);
-  refuse_duration_difference(setup.operation);
+  announce_inputs(setup);
+  refuse_withdrawn(operation);
   classify_inputs(setup);
-  refuse_minimum_at_time(setup);
+  refuse_time_in_xmdf(setup);
   settle_tolerance(setup);
   setup.output_kind =
-      SETTLE_OUTPUT_TYPE(setup.operation, setup.options, setup.input_kinds, setup.naming);
+      SETTLE_OUTPUT_TYPE(operation.output, setup.options, setup.input_kinds, setup.naming);
   check_selection(setup);
-  warn_of_ensight(setup);
+  warn_of_dat(setup);
 
   open_inputs(setup);
   identify_inputs(setup);
-  if (setup.operation == Operation::xnfo) return;
-  OPEN_OUTPUT(setup);
+  if (operation.selection == XmdfSelection::none) return;
+  if (!operation.opens_output_itself) OPEN_OUTPUT(setup);
   read_dat_headers(setup);
   CHOOSE_XMDF_DATASETS(setup);
   CHECK_CONSISTENCY(setup);
@@ -216,9 +217,24 @@ void SET_UP_RUN(RunSetup& setup) {
   choose_water_levels(setup);
   take_shape(setup);
   const std::int32_t known_cells = std::max(setup.cell_count, 0);
-  ALLOCATE_WORK_ARRAYS(
-      {setup.operation, setup.node_count, known_cells, setup.is_vector, setup.wet_dry_test},
-      setup.work);
+  ALLOCATE_WORK_ARRAYS(operation.arrays,
+                       {setup.node_count, known_cells, setup.is_vector, setup.wet_dry_test},
+                       setup.work);
+}
+
+OperationRun OPERATION_RUN(RunSetup& setup) {
+  OperationRun run{.inputs = setup.inputs, .output = *setup.output, .work = setup.work};
+  run.node_count = setup.node_count;
+  run.cell_count = setup.cell_count;
+  run.is_vector = setup.is_vector;
+  run.wet_dry_test = setup.wet_dry_test;
+  run.time = setup.time;
+  run.tolerance = setup.tolerance;
+  run.cutoff = setup.options.cutoff;
+  run.range_start = setup.options.range_start.value_or(0);
+  run.range_end = setup.options.range_end.value_or(0);
+  run.ignore_stored = setup.options.ignore_stored;
+  return run;
 }
 
 }  // namespace quillet

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "dat/dat_source.h"
+#include "driver/operation_table.h"
 #include "driver/output_naming.h"
 #include "driver/output_type.h"
 #include "driver/run_options.h"
-#include "operations/work_arrays.h"
+#include "operations/operation_run.h"
 #include "results/result_sink.h"
 #include "results/run_inputs.h"
 #include "xmdf/xmdf_file_header.h"
@@ -20,20 +21,22 @@
 namespace quillet {
 
 struct RunSetup {
-  Operation operation = Operation::max;
-  RunOptions options;
-  OutputNaming naming;
+  const OperationRow& operation;
+  const RunOptions& options;
+  OutputNaming naming{};
 
-  std::optional<std::string> sup_mesh;  // the mesh that a .sup file names
-  std::vector<FileKind> input_kinds;    // one per input
+  std::vector<std::string> input_names{};  // what is opened
+  std::optional<std::string> sup_mesh{};   // the mesh that a .sup file names
+  std::vector<FileKind> input_kinds{};     // one per input
   FileKind output_kind = FileKind::dat;
-  float tolerance = 0;  // hours
+  float tolerance = 0;          // hours
+  std::optional<float> time{};  // hours; the output time asked for
 
-  RunInputs inputs;
-  std::vector<DatSource*> dat_sources;     // those of the inputs that are .dat files, in order
-  std::vector<XmdfFileHeader> xmdf_files;  // those that are XMDF files, in order
-  std::unique_ptr<ResultSink> output;      // none for operations that open theirs themselves
-  WorkArrays work;
+  RunInputs inputs{};
+  std::vector<DatSource*> dat_sources{};     // those of the inputs that are .dat files, in order
+  std::vector<XmdfFileHeader> xmdf_files{};  // those that are XMDF files, in order
+  std::unique_ptr<ResultSink> output{};      // none for operations that open theirs themselves
+  WorkArrays work{};
 
   // Of the mesh that all inputs share.
   std::int32_t node_count = 0;
@@ -43,7 +46,11 @@ struct RunSetup {
   bool wet_dry_test = true;
 };
 
-// Prints every step; the first that fails ends the run. The operation and the options are set.
+// Prints every step; the first that fails ends the run. The operation, the options and the naming
+// are set.
 void SET_UP_RUN(RunSetup& setup);
+
+// What an operation over output times is given. The output is open.
+OperationRun OPERATION_RUN(RunSetup& setup);
 
 }  // namespace quillet

@@ -29,12 +29,11 @@ void select_by_id(RunSetup& setup, bool vectors, std::int32_t id) {
 
 // A dataset of times of peak has one output, at time 0, and no maximum of its own.
 void ask_peaks_for_time_zero(RunSetup& setup) {
-  RunOptions& options = setup.options;
   const bool has_peak =
       std::any_of(setup.xmdf_files.begin(), setup.xmdf_files.end(), IsXmdfPeakTime);
-  if (!has_peak || !options.time_given || options.selected_time != stored_maximum_time) return;
+  if (!has_peak || setup.time != stored_maximum_time) return;
   SAY("Maximum timestep does not exist for Time of Peak datasets, using time 0");
-  options.selected_time = 0;
+  setup.time = 0;
 }
 
 void search(RunSetup& setup) {
@@ -52,10 +51,6 @@ void search(RunSetup& setup) {
   ask_peaks_for_time_zero(setup);
 }
 
-bool selects(const RunOptions& options) {
-  return options.type_given || options.dataset_path || options.scalar_id || options.vector_id;
-}
-
 void read_times(RunSetup& setup) {
   for (XmdfFileHeader& header : setup.xmdf_files) {
     ReadXmdfTimeCount(header);
@@ -69,7 +64,7 @@ void read_times(RunSetup& setup) {
 void OPEN_XMDF_INPUTS(RunSetup& setup) {
   for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
     if (setup.input_kinds[input] != FileKind::xmdf) continue;
-    setup.xmdf_files.emplace_back().file_name = setup.options.inputs[input];
+    setup.xmdf_files.emplace_back().file_name = setup.input_names[input];
   }
   if (setup.xmdf_files.empty()) return;
   ReadXmdfHeaders(setup.xmdf_files);
@@ -85,7 +80,7 @@ void CHOOSE_XMDF_DATASETS(RunSetup& setup) {
   }
   ReadXmdfDatasetNames(setup.xmdf_files);
   ReadXmdfSizes(setup.xmdf_files);
-  const bool chooses = selects(setup.options);
+  const bool chooses = setup.options.selects_dataset();
   if (chooses) search(setup);
   for (XmdfFileHeader& header : setup.xmdf_files) ReadXmdfChosenCellCount(header);
   if (chooses) read_times(setup);

@@ -89,7 +89,6 @@ void write_result(OperationRun& run) {
 }  // namespace
 
 void RUN_DURATION(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -dur option");
   SAY_APART("Processing duration above " + AREAL(run.cutoff));
   fold_output_times(run, [&](const Interval& interval) {
     ADD_DURATION_ABOVE(run.work.result.node_count, interval.from.data(), interval.to.data(),
@@ -99,7 +98,6 @@ void RUN_DURATION(OperationRun& run) {
 }
 
 void RUN_TIME_OF_INCREASE(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -toi option");
   SAY_APART("Processing time of increase by " + AREAL(run.cutoff));
   std::fill(run.work.hours.begin(), run.work.hours.end(), never);
   fold_output_times(run, [&](const Interval& interval) {

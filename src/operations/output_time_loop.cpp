@@ -11,10 +11,6 @@ void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
   SAY_APART(run.time ? std::string(one_time) + AREAL(*run.time) : std::string(all_times));
 }
 
-void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning) {
-  if (run.inputs.sources.size() > 1) SAY_APART(warning);
-}
-
 std::string_view WHY_NOT_ORDINARY(float time) {
   if (time > last_ordinary_time) return "Skipping times above 99,998, time found: ";
   if (time == stored_minimum_time) return "Skipping stored minimum, time found: ";

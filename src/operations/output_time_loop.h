@@ -12,10 +12,6 @@ namespace quillet {
 void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
                            std::string_view all_times);
 
-// Warns when more than one input is there (a .sup file may have brought them): only the first is
-// used.
-void WARN_OF_FURTHER_INPUTS(const OperationRun& run, std::string_view warning);
-
 // What is said of an output time that is none of the simulation (stored maxima and minima); empty
 // for ordinary ones.
 std::string_view WHY_NOT_ORDINARY(float time);

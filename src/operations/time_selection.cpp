@@ -35,14 +35,12 @@ int copy_output_times(OperationRun& run, ResultSource& source, const ReasonToSki
 }  // namespace
 
 void RUN_KEEP(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -k option");
   SAY_APART("Keeping data at time " + AREAL(*run.time));
   REWRITE_OUTPUT_TIMES(run, run.work.step, [](RES_TYPE&) {});
   CLOSE_FILES_AND_EXIT(run);
 }
 
 void RUN_REMOVE(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -r option");
   SAY_APART("Removing data at time " + AREAL(*run.time));
   ResultSource& source = *run.inputs.sources.front();
   run.output.prepare(run.work.step, source.likely_time_count());
@@ -55,7 +53,6 @@ void RUN_REMOVE(OperationRun& run) {
 }
 
 void RUN_RANGE(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -range option");
   SAY_APART("Keeping data from time " + AREAL(run.range_start) + " to time " +
             AREAL(run.range_end));
   ResultSource& source = *run.inputs.sources.front();

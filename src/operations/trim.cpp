@@ -17,7 +17,6 @@ void trim(RES_TYPE& step, float limit) {
 }  // namespace
 
 void RUN_TRIM(OperationRun& run) {
-  WARN_OF_FURTHER_INPUTS(run, "WARNING - Only one file for -trim option");
   ANNOUNCE_OUTPUT_TIMES(run, "Trimming values at time at ", "Trimming values at all times.");
   REWRITE_OUTPUT_TIMES(run, run.work.step, [&](RES_TYPE& step) { trim(step, run.cutoff); });
   CLOSE_FILES_AND_EXIT(run);

@@ -3,9 +3,7 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
-#include "operations/operation.h"
 #include "results/extreme_kernels.h"
 #include "results/results_record.h"
 
@@ -22,17 +20,33 @@ struct WorkArrays {
   LargeArray<double> hours;              // a duration or a time
 };
 
+// How the output time being read is held: not at all, with its vectors as they stand in files (for
+// passing them on, or changing them where they stand), or with their components apart.
+enum class StepForm { none, pairs, components };
+
+enum class ResultForm { none, scalar, like_step_with_sources };
+
+// Which of the arrays an operation works in.
+struct ArrayUse {
+  StepForm step = StepForm::none;
+  bool second_step = false;
+  bool bed = false;  // where dry nodes are told from wet ones
+  bool previous = false;
+  bool initial = false;
+  bool hours = false;
+  ResultForm result = ResultForm::none;
+  bool file = false;
+};
+
 // What the arrays are sized for.
 struct WorkShape {
-  Operation operation = Operation::max;
   std::int32_t node_count = 0;
   std::int32_t cell_count = 0;
   bool is_vector = false;
   bool wet_dry_test = true;
 };
 
-// Announces every array and sizes those that the operation uses. Ends the run when memory does not
-// suffice.
-void ALLOCATE_WORK_ARRAYS(const WorkShape& shape, WorkArrays& work);
+// Announces every array and sizes those in use. Ends the run when memory does not suffice.
+void ALLOCATE_WORK_ARRAYS(const ArrayUse& use, const WorkShape& shape, WorkArrays& work);
 
 }  // namespace quillet

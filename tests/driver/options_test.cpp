@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "driver/argument_parser.h"
+#include "driver/operation_table.h"
 #include "program_runner.h"
 
 namespace quillet {
@@ -109,15 +110,15 @@ TEST(OptionReport, NamesEveryOperationInItsOrderHoweverItIsSpelt) {
 }
 
 RunOptions parsed(const std::vector<std::string>& arguments) {
-  return PARSE_ARGUMENTS(arguments).options;
+  return PARSE_ARGUMENTS(arguments);
 }
 
 TEST(OptionValues, StandAfterTheirKeys) {
   const RunOptions options =
       parsed({"-k99999", "-t5", "-rangeA-1.5", "-rangeB 2,3", "-dttol1D-2", "-s3", "-batch"});
-  EXPECT_TRUE(options.has(Operation::keep));
-  EXPECT_TRUE(options.time_given);
-  EXPECT_EQ(options.selected_time, 5.0F);
+  EXPECT_EQ(options.operations.size(), 2);
+  EXPECT_EQ(options.operations.front()->flag, "-k");
+  EXPECT_EQ(options.time, 5.0F);
   EXPECT_EQ(options.range_start, -1.5F);
   EXPECT_EQ(options.range_end, 2.0F);
   EXPECT_EQ(options.tolerance, 0.01F);
@@ -128,11 +129,11 @@ TEST(OptionValues, StandAfterTheirKeys) {
 TEST(OptionValues, NamesFollowTheirOptionsWhateverTheyLookLike) {
   const RunOptions max_as_name = parsed({"-out", "-max", "a.dat"});
   EXPECT_EQ(max_as_name.output_name, "-max");
-  EXPECT_TRUE(max_as_name.operations.none());
+  EXPECT_TRUE(max_as_name.operations.empty());
 
   EXPECT_EQ(parsed({"-2dm", "-out", "x"}).mesh_file, "-out");
   EXPECT_FALSE(parsed({"x", "-2dm"}).mesh_file);
-  EXPECT_FALSE(PARSE_ARGUMENTS({"-out", "-out"}).output_name_missing);
+  EXPECT_FALSE(parsed({"-out", "-out"}).output_name_missing);
 }
 
 TEST(OptionValues, TypesAndPaths) {
