@@ -47,6 +47,7 @@ void limit(__rlimit_resource resource, rlim_t value) {
   } else {
     ::close(STDIN_FILENO);
   }
+  if (settings.error_output >= 0) ::dup2(settings.error_output, STDERR_FILENO);
   if (settings.has_output) {
     ::dup2(output, STDOUT_FILENO);
   } else {

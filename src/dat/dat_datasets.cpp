@@ -6,6 +6,7 @@
 
 #include "results/special_times.h"
 #include "support/file_names.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -23,7 +24,10 @@ class DatDataset : public ResultDataset {
   DatasetKind kind() const override { return output_kind; }
   bool is_vector() const override { return reader.header().is_vector; }
   const std::vector<double>& times() const override { return hours; }
-  void read(std::size_t output, RES_TYPE& record) override { reader.load(steps[output], record); }
+  void read(std::size_t output, RES_TYPE& record) override {
+    reader.load(steps[output], record);
+    NOTE_TIME_READ();
+  }
 
   void add(const DatStep& step) {
     steps.push_back(step);

@@ -8,6 +8,7 @@
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -91,6 +92,7 @@ void SCAN_FOR_EXTREME(DatReader& reader, Extreme extreme, bool ignore_stored, RE
       }
     }
     current = READ_TIME_STEP(reader);
+    NOTE_TIME_READ();
   }
 
   if (takes_stored) {

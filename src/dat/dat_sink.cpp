@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "results/written_values.h"
 #include "support/console.h"
 #include "support/file_names.h"
 
@@ -47,10 +48,12 @@ void DatSink::write(float time, const RES_TYPE& record) {
 
 void DatSink::write_time(const RES_TYPE& record) {
   write(record.time, record);
+  NOTE_WRITTEN(record.time, record);
 }
 
 void DatSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   write(map.marker_time, record);
+  if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
   if (header_says_vector && !record.is_vector && !std::exchange(warned_of_maps, true)) {
     SAY("WARNING - Source and time maps in a vector .dat file cannot be read by other programs, "
         "use an .xmdf output.");

@@ -6,6 +6,7 @@
 #include "dat/dat_extreme_scan.h"
 #include "support/console.h"
 #include "support/numbers.h"
+#include "support/run_tally.h"
 
 namespace quillet {
 
@@ -22,6 +23,7 @@ void DatSource::read_next(RES_TYPE& record) {
   if (reader.at_end()) return;
   SAY("Call ReadDatFile.");
   reader.load(READ_TIME_STEP(reader), record);
+  NOTE_TIME_READ();
   SAY("Done.");
   note_end(record);
 }
@@ -41,6 +43,7 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
   read_header();
   while (!reader.at_end()) {
     const DatStep step = READ_TIME_STEP(reader);
+    NOTE_TIME_PASSED();
     if (tolerance > std::fabs(step.time - time)) {
       reader.load(step, record);
       SAY("...Found time " + AREAL(time) + " in dat file.");

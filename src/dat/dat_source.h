@@ -5,6 +5,7 @@
 
 #include "dat/dat_reader.h"
 #include "results/result_source.h"
+#include "support/run_tally.h"
 
 namespace quillet {
 
@@ -25,7 +26,10 @@ class DatSource : public ResultSource {
   bool at_end() const override { return reader.at_end(); }
   float next_time() override { return reader.next_time(); }
   void read_next(RES_TYPE& record) override;
-  void pass_next() override { reader.advance(); }
+  void pass_next() override {
+    reader.advance();
+    NOTE_TIME_PASSED();
+  }
   // As read_next, with fewer words: for files whose values go with those of another.
   void read_values(RES_TYPE& record);
 

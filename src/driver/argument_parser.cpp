@@ -6,6 +6,7 @@
 
 #include "driver/operation_table.h"
 #include "driver/option_row.h"
+#include "driver/own_options.h"
 #include "results/result_types.h"
 #include "support/console.h"
 #include "support/file_names.h"
@@ -123,15 +124,20 @@ bool is_option(std::string_view argument) {
          !is_absolute_path(argument);
 }
 
+[[noreturn]] void fail_on_flag(std::string_view argument) {
+  SAY_APART("ERROR - Incorrect flag specified: " + QUOTED(argument));
+  SAY_HELP("quillet --help shows all options.");
+  END_WITH_PAUSE();
+}
+
 void apply_option(Parser& parser, std::string_view argument) {
+  if (IS_OWN_OPTION(argument)) {
+    if (!APPLY_OWN_OPTION(argument, parser.options)) fail_on_flag(argument);
+    return;
+  }
   const FoundOption found = find_option(argument.substr(1));
-  if (found.row == nullptr) {
-    SAY_APART("ERROR - Incorrect flag specified: " + QUOTED(argument));
-    END_WITH_PAUSE();
-  }
-  if (found.operation != nullptr && !parser.options.asks_for(*found.operation)) {
-    parser.options.operations.push_back(found.operation);
-  }
+  if (found.row == nullptr) fail_on_flag(argument);
+  if (found.operation != nullptr) parser.options.choose(*found.operation);
   parser.next = found.row->next;
   if (found.row->apply != nullptr) found.row->apply(parser.options, OptionArgument{argument});
 }
@@ -151,6 +157,12 @@ void take_argument(Parser& parser, std::string_view argument) {
 }
 
 }  // namespace
+
+bool TAKES_NEXT_ARGUMENT(std::string_view argument) {
+  if (!is_option(argument) || IS_OWN_OPTION(argument)) return false;
+  const FoundOption found = find_option(argument.substr(1));
+  return found.row != nullptr && found.row->next != NextArgument::ordinary;
+}
 
 RunOptions PARSE_ARGUMENTS(const std::vector<std::string>& arguments) {
   Parser parser;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "driver/run_options.h"
@@ -12,5 +13,8 @@ namespace quillet {
 // of a hyphen) are options, all others input files. An unknown option or an option value that
 // cannot be read ends the run.
 RunOptions PARSE_ARGUMENTS(const std::vector<std::string>& arguments);
+
+// True for an option whose value is the argument after it: -out, -2dm.
+bool TAKES_NEXT_ARGUMENT(std::string_view argument);
 
 }  // namespace quillet

@@ -7,7 +7,6 @@
 #include "support/standard_console.h"
 #include "support/standard_handles.h"
 
-// The exit status is always 0: users' scripts look at the console.
 int main(int argc, char** argv) {
   quillet::OPEN_STANDARD_HANDLES();
   // A console that goes away must not stop a run that is writing a file, and a file that becomes
@@ -16,6 +15,8 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
   quillet::NOTE_INTERRUPTS();
   quillet::StandardConsole console;
-  quillet::RUN_QUILLET(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), console);
+  const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  const int status = quillet::RUN_QUILLET(arguments, console);
   quillet::DIE_OF_INTERRUPT();
+  return status;
 }

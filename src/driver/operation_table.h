@@ -8,6 +8,7 @@
 
 #include "driver/option_row.h"
 #include "driver/output_naming.h"
+#include "driver/own_options.h"
 #include "driver/run_options.h"
 #include "operations/work_arrays.h"
 
@@ -62,6 +63,8 @@ struct OperationRow {
   std::string_view flag;               // as the report names the operation
   std::string_view meaning;            // likewise
   std::array<OptionRow, 2> options{};  // the second is seldom there
+  OwnOptionRow own_option{};           // of an operation that has one with two dashes instead
+  std::string_view page{};             // of the manual, in docs/operations
   InputCount inputs = InputCount::any;
   bool needs_time = false;  // -t
 

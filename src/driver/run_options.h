@@ -41,6 +41,14 @@ struct RunOptions {
   bool no_wet_dry = false;     // -nowetdry
   bool ignore_stored = false;  // -ignore_mm
 
+  // Our own options.
+  std::optional<bool> progress;  // --progress, --no-progress
+  bool summary = false;          // --summary
+
+  // More than one is an error, which is told later.
+  void choose(const OperationRow& operation) {
+    if (!asks_for(operation)) operations.push_back(&operation);
+  }
   bool asks_for(const OperationRow& operation) const {
     return std::find(operations.begin(), operations.end(), &operation) != operations.end();
   }

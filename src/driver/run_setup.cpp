@@ -12,6 +12,7 @@
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/numbers.h"
+#include "support/run_tally.h"
 #include "xmdf/xmdf_source.h"
 #include "xmdf/xmdf_water_levels.h"
 
@@ -189,6 +190,19 @@ void take_shape(RunSetup& setup) {
   }
 }
 
+// What the run will walk through, for whoever asks how far it is.
+void announce_walk(const RunSetup& setup) {
+  constexpr std::int64_t value_size = sizeof(float);
+  RunTally& tally = RUN_TALLY();
+  tally.bytes_per_time =
+      setup.node_count * value_size * (setup.is_vector ? 2 : 1) + std::max(setup.cell_count, 0);
+  const bool takes_first_only = !setup.operation.warning_of_further_inputs.empty();
+  for (const auto& source : setup.inputs.sources) {
+    tally.times_to_pass += source->likely_time_count();
+    if (takes_first_only) return;
+  }
+}
+
 }  // namespace
 
 void SET_UP_RUN(RunSetup& setup) {
@@ -220,6 +234,7 @@ void SET_UP_RUN(RunSetup& setup) {
   ALLOCATE_WORK_ARRAYS(operation.arrays,
                        {setup.node_count, known_cells, setup.is_vector, setup.wet_dry_test},
                        setup.work);
+  announce_walk(setup);
 }
 
 OperationRun OPERATION_RUN(RunSetup& setup) {

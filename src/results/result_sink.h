@@ -13,7 +13,7 @@ namespace quillet {
 // several datasets gives each its own, with the dataset time; one that holds a single dataset tells
 // them apart by marker times.
 struct ResultMap {
-  std::string_view dataset_name;  // empty: the output's own
+  std::string_view dataset_name;  // empty: the output's own, which holds the values themselves
   float dataset_time = 0;
   float marker_time = 0;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/interrupt.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -16,7 +17,12 @@ std::string& last_error() {
 }
 
 void show(std::string_view line) {
-  if (line.starts_with("ERROR") || line.starts_with("Error")) last_error() = line;
+  if (line.starts_with("ERROR") || line.starts_with("Error")) {
+    last_error() = line;
+    ++RUN_TALLY().errors;
+  } else if (line.starts_with("WARNING") || line.starts_with("Warning")) {
+    ++RUN_TALLY().warnings;
+  }
   if (current_console != nullptr) current_console->say(line);
 }
 
@@ -27,7 +33,6 @@ void show(std::string_view line) {
 }  // namespace
 
 Console* USE_CONSOLE(Console* console) {
-  last_error().clear();
   return std::exchange(current_console, console);
 }
 

@@ -27,6 +27,18 @@ class Console {
 // Makes this the console of the program; null for none. Returns the one before.
 Console* USE_CONSOLE(Console* console);
 
+// Makes a console that of the program for as long as the object lives.
+class ConsoleInUse {
+ public:
+  explicit ConsoleInUse(Console& console) : before(USE_CONSOLE(&console)) {}
+  ConsoleInUse(const ConsoleInUse&) = delete;
+  ConsoleInUse& operator=(const ConsoleInUse&) = delete;
+  ~ConsoleInUse() { USE_CONSOLE(before); }
+
+ private:
+  Console* before;
+};
+
 // One line. Where an interrupt has come, ends the run instead, as waits do.
 void SAY(std::string_view line);
 

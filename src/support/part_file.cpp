@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "support/console.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -78,6 +79,7 @@ std::string PartFile::complete() {
   if (second < 0 || ::close(second) != 0) return reason_of(errno);
   if (std::rename(part_name.c_str(), final_name.c_str()) != 0) return reason_of(errno);
   close();
+  RUN_TALLY().completed_outputs.push_back(final_name);
   return "";
 }
 

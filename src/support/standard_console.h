@@ -14,4 +14,15 @@ class StandardConsole : public Console {
   bool wait_for_enter() override;
 };
 
+// For scripts: another console on which nobody is waited for and nothing is read.
+class UnattendedConsole : public Console {
+ public:
+  explicit UnattendedConsole(Console& shown_on) : console(shown_on) {}
+  void say(std::string_view line) override { console.say(line); }
+  bool wait_for_enter() override { return false; }
+
+ private:
+  Console& console;
+};
+
 }  // namespace quillet

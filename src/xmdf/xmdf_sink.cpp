@@ -11,6 +11,7 @@
 #include <tuple>
 #include <utility>
 
+#include "results/written_values.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/interleave.h"
@@ -118,12 +119,14 @@ void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
 void XmdfSink::write_time(const RES_TYPE& record) {
   if (!has_datasets) start_dataset(names.folder, names.dataset, record, expected_times);
   write(record.time, record);
+  NOTE_WRITTEN(record.time, record);
 }
 
 void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   const std::string dataset(map.dataset_name.empty() ? names.dataset : map.dataset_name);
   start_dataset(names.folder, dataset, record, 1);
   write(map.dataset_time, record);
+  if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
 }
 
 void XmdfSink::write(float time, const RES_TYPE& record) {

@@ -2,6 +2,7 @@
 
 #include "results/special_times.h"
 #include "support/console.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 #include "xmdf/xmdf_datasets.h"
 #include "xmdf/xmdf_values.h"
@@ -33,6 +34,7 @@ void XmdfSource::read_next(RES_TYPE& record) {
   ReadXmdfData(header, is_vector(), static_cast<std::int32_t>(output), !group_is_open, is_last,
                record);
   group_is_open = !is_last;
+  NOTE_TIME_READ();
   record.end_of_file = is_last;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "results/result_source.h"
+#include "support/run_tally.h"
 #include "xmdf/xmdf_file_header.h"
 
 namespace quillet {
@@ -23,7 +24,10 @@ class XmdfSource : public ResultSource {
   bool at_end() const override;
   float next_time() override;
   void read_next(RES_TYPE& record) override;
-  void pass_next() override { ++outputs_passed; }
+  void pass_next() override {
+    ++outputs_passed;
+    NOTE_TIME_PASSED();
+  }
 
   // The output that FindXmdfTime chose.
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;

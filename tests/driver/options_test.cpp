@@ -29,13 +29,14 @@ void expect_console(const std::string& text, const std::vector<std::string>& com
 }
 
 const std::string pause = "Press Enter to Continue\n";
+const std::string see_help = "   quillet --help shows all options.\n" + pause;
 const std::string exits = "\nPress Enter to Close\n";
 const std::string multiple =
     "\nERROR - Multiple operational flags specified, expecting 1.\n" + exits;
 
 TEST(OptionMessages, OfUnknownOptionsAndValues) {
   for (const std::string option : {"-x", "-", "-2d", "-ensigh", "/y"}) {
-    expect_console("\nERROR - Incorrect flag specified: \"" + option + "\"\n" + pause, {option});
+    expect_console("\nERROR - Incorrect flag specified: \"" + option + "\"\n" + see_help, {option});
   }
   // -atoi is taken for -toi, but the value stands one column further on.
   expect_console(
@@ -158,7 +159,7 @@ TEST(OptionValues, ArgumentsEndAfter1000Characters) {
   EXPECT_EQ(parsed({"-path" + name}).dataset_path, name.substr(0, 995));
   EXPECT_EQ(parsed({"-trim2 " + name}).operation_tag, ("trim2 " + name).substr(0, 100));
   EXPECT_EQ(console_of({"-" + name}),
-            "\nERROR - Incorrect flag specified: \"-" + name.substr(0, 999) + "\"\n" + pause);
+            "\nERROR - Incorrect flag specified: \"-" + name.substr(0, 999) + "\"\n" + see_help);
 }
 
 // A mistyped absolute path is a missing file, not an option that happens to match.

@@ -1,0 +1,124 @@
+#include "driver/own_options.h"
+
+#include <array>
+#include <charconv>
+#include <optional>
+#include <system_error>
+
+#include "driver/argument_parser.h"
+#include "driver/operation_table.h"
+#include "support/console.h"
+#include "support/text.h"
+
+namespace quillet {
+namespace {
+
+constexpr std::string_view help_option = "--help";
+constexpr std::string_view version_option = "--version";
+constexpr std::string_view strict_option = "--strict";
+
+bool note_nothing(RunOptions&, std::string_view) {
+  return true;  // found before the command line is parsed
+}
+
+bool set_strict(RunOptions& options, std::string_view) {
+  options.batch = true;
+  return true;
+}
+
+bool set_progress(RunOptions& options, std::string_view) {
+  options.progress = true;
+  return true;
+}
+
+bool set_no_progress(RunOptions& options, std::string_view) {
+  options.progress = false;
+  return true;
+}
+
+bool set_summary(RunOptions& options, std::string_view) {
+  options.summary = true;
+  return true;
+}
+
+constexpr std::array own_options{
+    OwnOptionRow{help_option, "", "shows this help", note_nothing},
+    OwnOptionRow{version_option, "", "shows the version", note_nothing},
+    OwnOptionRow{strict_option, "",
+                 "for scripts: as -b, never waits or reads standard input, exit status 1 after an "
+                 "error",
+                 set_strict},
+    OwnOptionRow{"--progress", "", "shows on standard error how far the run is", set_progress},
+    OwnOptionRow{"--no-progress", "", "does not, on a terminal either", set_no_progress},
+    OwnOptionRow{"--summary", "", "says at the end, on standard error, what the run did",
+                 set_summary},
+};
+
+// "--threads=4" is "--threads" and "4"; without "=" there is no value, not even an empty one.
+struct OwnArgument {
+  std::string_view name;
+  std::optional<std::string_view> value;
+};
+
+OwnArgument split(std::string_view argument) {
+  const auto equals = argument.find('=');
+  if (equals == std::string_view::npos) return {argument, std::nullopt};
+  return {argument.substr(0, equals), argument.substr(equals + 1)};
+}
+
+[[noreturn]] void fail_on_value(std::string_view argument) {
+  SAY_APART("ERROR - Reading value of option: " + QUOTED(argument));
+  END_WITH_PAUSE();
+}
+
+void apply(const OwnOptionRow& row, const OwnArgument& parts, std::string_view argument,
+           RunOptions& options) {
+  const bool takes_value = !row.value.empty();
+  const bool has_value = parts.value && !parts.value->empty();
+  if (takes_value ? !has_value : parts.value.has_value()) fail_on_value(argument);
+  if (row.apply != nullptr && !row.apply(options, parts.value.value_or(""))) {
+    fail_on_value(argument);
+  }
+}
+
+}  // namespace
+
+std::span<const OwnOptionRow> OWN_OPTIONS() {
+  return own_options;
+}
+
+bool IS_OWN_OPTION(std::string_view argument) {
+  return argument.starts_with("--");
+}
+
+bool APPLY_OWN_OPTION(std::string_view argument, RunOptions& options) {
+  const OwnArgument parts = split(argument);
+  for (const OwnOptionRow& row : own_options) {
+    if (row.name != parts.name) continue;
+    apply(row, parts, argument, options);
+    return true;
+  }
+  for (const OperationRow& operation : OPERATIONS()) {
+    if (operation.own_option.name.empty() || operation.own_option.name != parts.name) continue;
+    options.choose(operation);
+    apply(operation.own_option, parts, argument, options);
+    return true;
+  }
+  return false;
+}
+
+EarlyOptions FIND_EARLY_OPTIONS(const std::vector<std::string>& arguments) {
+  EarlyOptions early;
+  bool is_value = false;  // of -out or -2dm, as the parser takes them
+  for (const std::string& argument : arguments) {
+    const bool is_taken = is_value;
+    is_value = !is_taken && TAKES_NEXT_ARGUMENT(argument);
+    if (is_taken) continue;
+    early.help = early.help || argument == help_option;
+    early.version = early.version || argument == version_option;
+    early.strict = early.strict || argument == strict_option;
+  }
+  return early;
+}
+
+}  // namespace quillet

@@ -1,0 +1,29 @@
+// What the results that a run writes hold, for its summary.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "results/results_record.h"
+
+namespace quillet {
+
+// Of all output times written so far. Values are those of scalars and the magnitudes of vectors;
+// what is not a number is passed over.
+struct WrittenValues {
+  bool are_wanted = false;  // taking them costs a look at every value
+  float smallest = std::numeric_limits<float>::infinity();
+  float largest = -std::numeric_limits<float>::infinity();
+  std::int64_t largest_node = 0;  // from 1; the first with the largest value
+  float largest_time = 0;         // hours
+  std::int64_t most_wet_cells = 0;
+  std::int64_t cell_count = 0;
+};
+
+WrittenValues& WRITTEN_VALUES();
+
+// Counts the output time in the tally of the run, and looks at its values where they are wanted.
+// Not for maps that tell of values (their sources, their times).
+void NOTE_WRITTEN(float time, const RES_TYPE& record);
+
+}  // namespace quillet
