@@ -6,7 +6,6 @@
 
 #include "support/file_names.h"
 #include "support/text.h"
-#include "xmdf/xmdf_group_reader.h"
 
 namespace quillet {
 namespace {
@@ -25,16 +24,16 @@ DatasetKind kind_of(const XmdfPath& path) {
 
 class XmdfDataset : public ResultDataset {
  public:
-  XmdfDataset(XmdfFileHeader& file_header, const XmdfDatasets& datasets, std::int32_t position,
+  XmdfDataset(XmdfDatasetReader& file_reader, const XmdfDatasets& datasets, std::int32_t position,
               bool holds_vectors)
-      : header(file_header),
+      : reader(file_reader),
         path(datasets.path(position)),
         split(datasets.split_paths[static_cast<std::size_t>(position) - 1]),
         vectors(holds_vectors) {
-    text = BLANK(split.dataset) ? FILENAME(header.file_name) : split.dataset;
-    OPEN_XMDF_GROUP(header, path);
-    hours = header.group_times;
-    CLOSE_XMDF_GROUP(header);
+    text = BLANK(split.dataset) ? FILENAME(reader.file().file_name) : split.dataset;
+    reader.open(path, vectors);
+    hours = reader.times();
+    reader.close();
   }
 
   const std::string& name() const override { return split.dataset; }
@@ -44,13 +43,13 @@ class XmdfDataset : public ResultDataset {
   const std::vector<double>& times() const override { return hours; }
 
   void read(std::size_t output, RES_TYPE& record) override {
-    if (!header.group || header.group_path != path) OPEN_XMDF_GROUP(header, path);
-    READ_XMDF_OUTPUT(header, path, "data", vectors, static_cast<std::int32_t>(output) + 1, record);
-    if (output + 1 == hours.size()) CLOSE_XMDF_GROUP(header);
+    if (!reader.is_open() || reader.path() != path) reader.open(path, vectors);
+    reader.read(static_cast<std::int32_t>(output) + 1, "data", record);
+    if (output + 1 == hours.size()) reader.close();
   }
 
  private:
-  XmdfFileHeader& header;
+  XmdfDatasetReader& reader;
   std::string path;
   XmdfPath split;
   bool vectors;
@@ -80,12 +79,13 @@ std::vector<std::int32_t> wanted_positions(const XmdfFileHeader& header,
 
 }  // namespace
 
-std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfFileHeader& header) {
+std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfDatasetReader& reader) {
+  const XmdfFileHeader& header = reader.file();
   std::vector<std::unique_ptr<ResultDataset>> list;
   for (const bool vectors : {false, true}) {
     const XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
     for (const std::int32_t position : wanted_positions(header, datasets)) {
-      list.push_back(std::make_unique<XmdfDataset>(header, datasets, position, vectors));
+      list.push_back(std::make_unique<XmdfDataset>(reader, datasets, position, vectors));
     }
   }
   return list;

@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "results/result_dataset.h"
-#include "xmdf/xmdf_file_header.h"
+#include "xmdf/xmdf_dataset_reader.h"
 
 namespace quillet {
 
-// All datasets, scalars first, or only those selected when there was a selection. A dataset whose
-// times cannot be read ends the run.
-std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfFileHeader& header);
+// All datasets of the reader's file, scalars first, or only those selected when there was a
+// selection. They read through the reader, one dataset at a time. A dataset whose times cannot be
+// read ends the run.
+std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfDatasetReader& reader);
 
 }  // namespace quillet

@@ -18,7 +18,6 @@ void FAIL_XMDF(std::string_view text, const std::string& file_name, const std::s
 
 void CLOSE_XMDF_INPUT(XmdfFileHeader& header) {
   SAY("Closing .xmdf file: " + header.file_name);
-  std::ignore = XF_CLOSE_GROUP(header.group);
   std::ignore = XF_CLOSE_FILE(header.file);
 }
 

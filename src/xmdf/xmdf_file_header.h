@@ -1,4 +1,5 @@
-// What the program knows of one XMDF input. Positions in lists count from 1; 0 means none.
+// What was read of one XMDF input before its values, and which datasets of it were selected.
+// Positions in lists count from 1; 0 means none.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +8,6 @@
 #include <vector>
 
 #include "results/result_source.h"
-#include "xf/xf_dataset_reader.h"
 #include "xf/xf_file.h"
 
 namespace quillet {
@@ -49,7 +49,7 @@ struct XmdfDatasets {
   std::int32_t minimums = 0;
   std::int32_t temporal = 0;
   std::int32_t times = 0;
-  // The dataset of the current read.
+  // The dataset that was named by its position or its path.
   std::int32_t selected = 0;
 
   bool found() const { return maximums + minimums + temporal + times + selected > 0; }
@@ -68,12 +68,7 @@ struct XmdfFileHeader {
   XmdfDatasets scalars;
   XmdfDatasets vectors;
 
-  std::int32_t selected_time = 0;  // output time within the selected dataset
-  std::vector<double> times;       // hours, of the Temporal dataset
-
-  XfGroup group;  // open between reads of one dataset
-  std::string group_path;
-  std::vector<double> group_times;  // hours, of the open dataset
+  std::vector<double> times;  // hours, of the Temporal dataset
 
   // Where scalars and vectors both have the requested type, the vectors are used, and they alone.
   bool uses_vectors() const { return vectors.found(); }

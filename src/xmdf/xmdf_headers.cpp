@@ -8,6 +8,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xf/xf_dataset_reader.h"
 #include "xf/xf_trial.h"
 #include "xmdf/xmdf_times_outputs.h"
 

@@ -8,6 +8,7 @@
 #include "support/console.h"
 #include "support/output_unit.h"
 #include "support/text.h"
+#include "xf/xf_dataset_reader.h"
 #include "xmdf/xmdf_headers.h"
 
 namespace quillet {

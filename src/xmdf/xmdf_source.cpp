@@ -28,24 +28,22 @@ float XmdfSource::next_time() {
 
 void XmdfSource::read_next(RES_TYPE& record) {
   if (at_end()) return;
-  header.datasets().selected = header.datasets().temporal;
-  const std::size_t output = ++outputs_passed;
-  const bool is_last = output == header.times.size();
-  ReadXmdfData(header, is_vector(), static_cast<std::int32_t>(output), !group_is_open, is_last,
-               record);
-  group_is_open = !is_last;
+  const XmdfOutput output{header.datasets().temporal, static_cast<std::int32_t>(++outputs_passed)};
+  const bool is_last = outputs_passed == header.times.size();
+  ReadXmdfData(reader, output, !reader.is_open(), is_last, record);
   NOTE_TIME_READ();
   record.end_of_file = is_last;
 }
 
-void XmdfSource::read_at_time(float time, float, RES_TYPE& record) {
-  if (header.selected_time == 0 && time == stored_maximum_time) {
+void XmdfSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
+  const XmdfOutput output = XMDF_OUTPUT_AT(header, time, tolerance);
+  if (output.dataset == 0 && time == stored_maximum_time) {
     FAIL_RUN("ERROR - No stored maximum found in " + QUOTED(name()));
   }
-  if (header.selected_time == 0 && time == stored_minimum_time) {
+  if (output.dataset == 0 && time == stored_minimum_time) {
     FAIL_RUN("ERROR - No stored minimum found in " + QUOTED(name()));
   }
-  ReadXmdfData(header, is_vector(), 0, true, true, record);
+  ReadXmdfData(reader, output, true, true, record);
 }
 
 void XmdfSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
@@ -64,10 +62,11 @@ void XmdfSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& ste
 }
 
 std::vector<std::unique_ptr<ResultDataset>> XmdfSource::datasets() {
-  return LIST_XMDF_DATASETS(header);
+  return LIST_XMDF_DATASETS(reader);
 }
 
 void XmdfSource::close() {
+  reader.abandon();
   CLOSE_XMDF_INPUT(header);
 }
 

@@ -5,6 +5,7 @@
 
 #include "results/result_source.h"
 #include "support/run_tally.h"
+#include "xmdf/xmdf_dataset_reader.h"
 #include "xmdf/xmdf_file_header.h"
 
 namespace quillet {
@@ -13,7 +14,7 @@ class XmdfSource : public ResultSource {
  public:
   // The header stays where it is for the whole run; its dataset is chosen before anything is asked
   // for.
-  explicit XmdfSource(XmdfFileHeader& file_header) : header(file_header) {}
+  explicit XmdfSource(XmdfFileHeader& file_header) : header(file_header), reader(file_header) {}
 
   const std::string& name() const override { return header.file_name; }
   std::int32_t node_count() const override { return header.node_count; }
@@ -29,7 +30,6 @@ class XmdfSource : public ResultSource {
     NOTE_TIME_PASSED();
   }
 
-  // The output that FindXmdfTime chose.
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
   void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
                     FileExtreme& file) override;
@@ -38,8 +38,8 @@ class XmdfSource : public ResultSource {
 
  private:
   XmdfFileHeader& header;
+  XmdfDatasetReader reader;
   std::size_t outputs_passed = 0;  // of the time series
-  bool group_is_open = false;
 };
 
 }  // namespace quillet

@@ -58,34 +58,23 @@ void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
   } else {
     SAY("Using /Temporal/ folder.");
     open_dataset(temporal);
-    read_output(NearestXmdfTime(times, requestTime, timeTolerance));
+    read_output(NearestXmdfTime(reader.times(), requestTime, timeTolerance));
   }
 }
 
 // The dataset stays open from one output time to the next.
 void XmdfWaterLevels::open_dataset(std::int32_t position) {
-  if (position == opened && position != 0) return;
   if (position == 0) FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
   const std::string& path = header.scalars.path(position);
-  XfStatus status = XF_OPEN_GROUP(header.file, path, group);
-  if (status.ok()) status = XF_GET_DATASET_TIMES(group, times);
-  if (!status.ok()) {
-    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP] ", header.file_name, path, status);
-  }
-  opened = position;
+  if (!reader.is_open() || reader.path() != path) reader.open(path, false);
 }
 
 void XmdfWaterLevels::read_output(std::int32_t output) {
-  const std::string& path = header.scalars.path(opened);
   SAY("Getting data from: " + header.file_name);
-  SAY("Getting data from group: " + path);
+  SAY("Getting data from group: " + reader.path());
   SAY("Opening Group.");
   SAY("Reading scalar data at timestep " + AINTEGER(output));
-  const XfStatus status = XF_READ_SCALAR_VALUES_TIMESTEP(group, output, step.nd.x);
-  if (!status.ok()) {
-    FAIL_XMDF("ERROR - Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading ",
-              header.file_name, path, status);
-  }
+  reader.read_values(output, "data", step);
   SAY("Processing final timestep... closing group");
   SAY("Finished getting water level data");
 }

@@ -4,14 +4,15 @@
 #include <cstdint>
 
 #include "results/water_levels.h"
+#include "xmdf/xmdf_dataset_reader.h"
 #include "xmdf/xmdf_file_header.h"
 
 namespace quillet {
 
 class XmdfWaterLevels : public WaterLevels {
  public:
-  XmdfWaterLevels(XmdfFileHeader& file_header, float search_tolerance)
-      : header(file_header), tolerance(search_tolerance) {}
+  XmdfWaterLevels(const XmdfFileHeader& file_header, float search_tolerance)
+      : header(file_header), tolerance(search_tolerance), reader(file_header) {}
 
   // Finds the datasets of water levels. A file without any ends the run.
   void open(const RES_TYPE& shape) override;
@@ -26,14 +27,12 @@ class XmdfWaterLevels : public WaterLevels {
   void open_dataset(std::int32_t position);
   void read_output(std::int32_t output);
 
-  XmdfFileHeader& header;
+  const XmdfFileHeader& header;
   float tolerance;
   // Positions in the header's list of scalar datasets, kept apart from those of the data's type.
   std::int32_t maximums = 0;
   std::int32_t temporal = 0;
-  std::int32_t opened = 0;
-  XfGroup group;
-  std::vector<double> times;  // hours, of the opened dataset
+  XmdfDatasetReader reader;
   RES_TYPE step;
 };
 

@@ -1,0 +1,74 @@
+#include "xmdf/xmdf_dataset_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <span>
+
+namespace quillet {
+namespace {
+
+XfStatus read_record_values(const XfGroup& group, bool is_vector, std::int32_t output,
+                            RES_TYPE& record) {
+  const auto count = static_cast<std::size_t>(record.node_count);
+  ND_RES_TYPE& nodes = record.nd;
+  if (!is_vector) {
+    return XF_READ_SCALAR_VALUES_TIMESTEP(group, output, std::span(nodes.x).first(count));
+  }
+  if (record.holds_pairs) return XF_READ_VECTOR_VALUES_TIMESTEP(group, output, nodes.x);
+  return XF_READ_VECTOR_VALUES_TIMESTEP(group, output, nodes.x, nodes.y);
+}
+
+}  // namespace
+
+void XmdfDatasetReader::open(const std::string& dataset_path, bool holds_vectors) {
+  opened_path = dataset_path;
+  is_vector = holds_vectors;
+  flag_count = unknown_count;
+  XfStatus status = XF_OPEN_GROUP(header.file, opened_path, group);
+  if (status.ok()) status = XF_GET_DATASET_TIMES(group, output_times);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP] ", header.file_name, opened_path,
+              status);
+  }
+}
+
+void XmdfDatasetReader::close() {
+  const XfStatus status = XF_CLOSE_GROUP(group);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Closing group [XF_CLOSE_GROUP] ", header.file_name, "", status);
+  }
+}
+
+void XmdfDatasetReader::read_values(std::int32_t output, std::string_view what, RES_TYPE& record) {
+  const XfStatus status = read_record_values(group, is_vector, output, record);
+  if (!status.ok()) {
+    FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
+                          is_vector ? "VECTOR" : "SCALAR"),
+              header.file_name, opened_path, status);
+  }
+  record.is_vector = is_vector;
+  record.time = static_cast<float>(output_times[static_cast<std::size_t>(output) - 1]);
+}
+
+// Every cell of a dataset without activity counts as wet, whatever other datasets of the file have.
+XfStatus XmdfDatasetReader::read_activity(std::int32_t output, LargeArray<std::int8_t>& statuses) {
+  if (flag_count == unknown_count) {
+    XfStatus status = XF_GET_DATASET_NUMACTIVE(group, flag_count);
+    if (!status.ok()) return status;
+  }
+  if (flag_count > 0) return XF_READ_ACTIVITY_TIMESTEP(group, output, statuses);
+  std::fill(statuses.begin(), statuses.end(), std::int8_t{1});
+  return {};
+}
+
+void XmdfDatasetReader::read(std::int32_t output, std::string_view what, RES_TYPE& record) {
+  read_values(output, what, record);
+  const XfStatus status = read_activity(output, record.cell.status);
+  if (!status.ok()) {
+    FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
+              header.file_name, opened_path, status);
+  }
+}
+
+}  // namespace quillet
