@@ -39,3 +39,12 @@ if(NOT QUILLET_HDF5_LIBRARIES)
   message(STATUS "No static HDF5 that links: every run pays for loading the shared one")
   set(QUILLET_HDF5_LIBRARIES ${HDF5_C_LIBRARIES})
 endif()
+find_library(QUILLET_DEFLATE NAMES libdeflate.a deflate REQUIRED)
+find_path(QUILLET_DEFLATE_INCLUDE libdeflate.h REQUIRED)
+
+# By these names, and not by their places, the installed package asks for the libraries.
+add_library(quillet::hdf5 INTERFACE IMPORTED)
+set_target_properties(quillet::hdf5 PROPERTIES INTERFACE_LINK_LIBRARIES
+                                               "${QUILLET_HDF5_LIBRARIES}")
+add_library(quillet::deflate INTERFACE IMPORTED)
+set_target_properties(quillet::deflate PROPERTIES INTERFACE_LINK_LIBRARIES "${QUILLET_DEFLATE}")
