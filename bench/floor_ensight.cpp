@@ -103,6 +103,13 @@ std::string real_text(double value) {
   return {text, sizeof text};
 }
 
+std::string extent_text(double extent) {
+  char text[1 + quillet::e12_5_width] = {' '};
+  quillet::WRITE_COORDINATE(extent, text + 1);
+  const bool is_full = text[1] != ' ';
+  return real_text(0) + std::string(text + (is_full ? 0 : 1), text + sizeof text) + '\n';
+}
+
 std::string count_text(std::int64_t value) {
   char text[quillet::i10_line_width];
   end_line(quillet::WRITE_I10(static_cast<std::int32_t>(value), text));
@@ -130,8 +137,8 @@ void write_text_geometry(const Mesh& mesh, const std::string& name) {
   out.text(
       "Converted from ORVANE .2dm file.\nStandard Resolution Output\nnode id given\n"
       "element id given\nextents\n");
-  out.text(real_text(0) + real_text(mesh.x_max - mesh.x_min) + '\n');
-  out.text(real_text(0) + real_text(mesh.y_max - mesh.y_min) + '\n');
+  out.text(extent_text(mesh.x_max - mesh.x_min));
+  out.text(extent_text(mesh.y_max - mesh.y_min));
   out.text(real_text(mesh.z_min) + real_text(mesh.z_max) + '\n');
   out.text("part\n" + count_text(1) + "2D ORVANE Elements\ncoordinates\n" +
            count_text(mesh.node_count));
@@ -139,10 +146,10 @@ void write_text_geometry(const Mesh& mesh, const std::string& name) {
     return end_line(quillet::WRITE_I10(static_cast<std::int32_t>(i + 1), at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].x - mesh.x_min, at));
+    return end_line(quillet::WRITE_COORDINATE(mesh.nodes[i].x - mesh.x_min, at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].y - mesh.y_min, at));
+    return end_line(quillet::WRITE_COORDINATE(mesh.nodes[i].y - mesh.y_min, at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
     return end_line(quillet::WRITE_E12_5(mesh.nodes[i].z, at));

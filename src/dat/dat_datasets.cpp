@@ -3,9 +3,12 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 #include "results/special_times.h"
+#include "support/console.h"
 #include "support/file_names.h"
+#include "support/numbers.h"
 #include "support/run_tally.h"
 #include "support/text.h"
 
@@ -24,6 +27,10 @@ class DatDataset : public ResultDataset {
   DatasetKind kind() const override { return output_kind; }
   bool is_vector() const override { return reader.header().is_vector; }
   const std::vector<double>& times() const override { return hours; }
+  std::string time_text(std::size_t output) const override {
+    return PLAIN_DECIMAL(steps[output].time);
+  }
+  bool shares_name() const override { return true; }
   void read(std::size_t output, RES_TYPE& record) override {
     reader.load(steps[output], record);
     NOTE_TIME_READ();
@@ -42,12 +49,37 @@ class DatDataset : public ResultDataset {
   std::vector<double> hours;
 };
 
-DatasetKind kind_of(float time) {
+// A .dat file cannot hold negative times, so that -min marks its minima as maxima are marked: only
+// the name that it gives its outputs tells.
+bool holds_minima(const std::string& file_name) {
+  constexpr std::string_view ending = "(minmin)";
+  const std::string name = FILENAME(file_name);
+  return name.size() >= ending.size() && ASAME(name.substr(name.size() - ending.size()), ending);
+}
+
+DatasetKind kind_of(float time, bool marked_are_minima) {
   const auto is = [&](float special) { return std::fabs(time - special) < 0.01F; };
+  if (is(maximum_marker_time)) {
+    return marked_are_minima ? DatasetKind::minimum : DatasetKind::maximum;
+  }
   if (is(stored_maximum_time)) return DatasetKind::maximum;
-  if (is(stored_minimum_time)) return DatasetKind::minimum;
+  if (is(stored_minimum_time) || is(minimum_marker_time)) return DatasetKind::minimum;
   if (is(stored_when_time)) return DatasetKind::special_times;
   return DatasetKind::series;
+}
+
+// The output times that hold results.
+std::vector<DatStep> results_of(DatReader& reader) {
+  std::vector<DatStep> steps;
+  while (!reader.at_end()) {
+    const DatStep step = reader.advance();
+    if (IS_MARKER_MAP(step.time)) {
+      SAY("Skipping marker time, time found: " + AREAL(step.time));
+    } else {
+      steps.push_back(step);
+    }
+  }
+  return steps;
 }
 
 }  // namespace
@@ -55,14 +87,14 @@ DatasetKind kind_of(float time) {
 std::vector<std::unique_ptr<ResultDataset>> LIST_DAT_DATASETS(DatReader& reader) {
   constexpr std::array kinds{DatasetKind::series, DatasetKind::maximum, DatasetKind::minimum,
                              DatasetKind::special_times};
-  std::vector<DatStep> steps;
-  while (!reader.at_end()) steps.push_back(reader.advance());
+  const std::vector<DatStep> steps = results_of(reader);
+  const bool marked_are_minima = holds_minima(reader.name());
 
   std::vector<std::unique_ptr<ResultDataset>> datasets;
   for (const DatasetKind kind : kinds) {
     auto dataset = std::make_unique<DatDataset>(reader, kind);
     for (const DatStep& step : steps) {
-      if (kind_of(step.time) == kind) dataset->add(step);
+      if (kind_of(step.time, marked_are_minima) == kind) dataset->add(step);
     }
     if (!dataset->times().empty()) datasets.push_back(std::move(dataset));
   }

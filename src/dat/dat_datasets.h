@@ -1,5 +1,7 @@
-// A .dat file taken apart: its ordinary output times are a series; stored maxima (99999), minima
-// (-99999) and times of maxima (99999.1) stand beside it.
+// A .dat file taken apart: its ordinary output times are a series; maxima (99999, or 111111 as -max
+// marks its own), minima (-99999, -111111, or 111111 in a file called "...(minmin).dat") and times
+// of maxima (99999.1) stand beside it. The maps of sources and times (222222, 333333) are no
+// results.
 #pragma once
 
 #include <memory>
@@ -11,7 +13,7 @@
 namespace quillet {
 
 // Walks the heads of all output times from the reader's place. Only kinds that are there are
-// listed. The datasets read through the reader.
+// listed; maps that are passed over are announced. The datasets read through the reader.
 std::vector<std::unique_ptr<ResultDataset>> LIST_DAT_DATASETS(DatReader& reader);
 
 }  // namespace quillet

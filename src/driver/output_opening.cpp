@@ -46,13 +46,21 @@ OutputDataset OUTPUT_DATASET(const RunSetup& setup) {
   return OutputDataset::series;
 }
 
-void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name) {
+std::vector<std::string> FILES_READ(const RunSetup& setup) {
+  std::vector<std::string> files;
+  const std::string& first = setup.options.inputs.front();
+  if (FILEEXT(first) == ".sup") files.push_back(first);
   for (std::size_t input = 0; input < setup.input_names.size(); ++input) {
     const std::string& name = setup.input_names[input];
-    refuse(name, output_name);
-    refuse(setup.inputs.types[input].mesh_file, output_name);
-    if (setup.input_kinds[input] == FileKind::dat) refuse(WATER_LEVEL_FILE(name), output_name);
+    files.push_back(name);
+    files.push_back(setup.inputs.types[input].mesh_file);
+    if (setup.input_kinds[input] == FileKind::dat) files.push_back(WATER_LEVEL_FILE(name));
   }
+  return files;
+}
+
+void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name) {
+  for (const std::string& file : FILES_READ(setup)) refuse(file, output_name);
 }
 
 void OPEN_OUTPUT(RunSetup& setup) {

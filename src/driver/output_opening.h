@@ -2,10 +2,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "driver/run_setup.h"
 
 namespace quillet {
+
+// The files that the run reads, as far as they are there: the .sup file, the inputs, their meshes
+// and water levels, those too that the operation makes no use of.
+std::vector<std::string> FILES_READ(const RunSetup& setup);
 
 // Ends the run when the output is the same file as an input, as the mesh or as the water levels of
 // one, by whatever name, or would grow under the name of one.

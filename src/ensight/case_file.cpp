@@ -6,7 +6,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "ensight/item_writer.h"
+#include "ensight/ensight_names.h"
+#include "support/numbers.h"
 
 namespace quillet {
 namespace {
@@ -34,31 +35,6 @@ std::array<double, 4> calendar_parts(double hours) {
           whole_units(total, milliseconds_per_minute, milliseconds_per_hour), seconds};
 }
 
-// A negative number fills its field and needs a blank before it.
-std::string separated(double value) {
-  const std::string text = E12_5_TEXT(value);
-  return text.front() == ' ' ? text : ' ' + text;
-}
-
-std::string constant_lines(std::string_view name, const std::vector<double>& values) {
-  constexpr std::size_t longest_line = 254;
-  const std::string keyword = fmt::format("{}1 {}", constant_keyword, name);
-  std::string lines;
-  std::string line = keyword;
-  int count = 0;
-  for (const double value : values) {
-    const std::string text = separated(value);
-    if (count == constants_per_line || line.size() + text.size() > longest_line) {
-      lines += line + '\n';
-      line = keyword;
-      count = 0;
-    }
-    line += text;
-    ++count;
-  }
-  return lines + line + '\n';
-}
-
 }  // namespace
 
 std::string CASE_HEAD(std::string_view geometry_name) {
@@ -71,34 +47,54 @@ std::string CASE_VARIABLE_LINE(const CaseVariable& variable) {
                      variable.output_name, variable.file_name);
 }
 
-std::string CASE_CALENDAR_LINES(const std::vector<double>& times) {
-  constexpr std::array<std::string_view, 4> names{"day", "hrs", "min", "sec"};
-  std::string lines;
-  for (std::size_t part = 0; part < names.size(); ++part) {
-    std::vector<double> values;
-    for (const double time : times) values.push_back(calendar_parts(time)[part]);
-    lines += constant_lines(names[part], values);
+std::size_t LONGEST_FILE_BASE(std::size_t variable_name_length) {
+  constexpr std::string_view longest_start = "vector per element: 1  ";
+  constexpr std::string_view wildcard = ".****";
+  return longest_case_line - longest_start.size() - wildcard.size() - variable_name_length;
+}
+
+bool CalendarConstant::fits_line() const {
+  constexpr std::size_t values_per_line = 18;
+  return values.size() <= values_per_line && line().size() <= longest_case_line + 1;
+}
+
+std::string CalendarConstant::line() const {
+  return fmt::format("{}1 {} {}\n", constant_keyword, name, fmt::join(values, " "));
+}
+
+std::string CalendarConstant::line_naming(std::string_view file_name) const {
+  return fmt::format("constant per case file: 1 {} {}\n", name, file_name);
+}
+
+std::string CalendarConstant::file_text() const {
+  return fmt::format("{}\n", fmt::join(values, "\n"));
+}
+
+std::array<CalendarConstant, 4> CALENDAR_CONSTANTS(const std::vector<double>& times) {
+  std::array<CalendarConstant, 4> constants{{{"day", {}}, {"hrs", {}}, {"min", {}}, {"sec", {}}}};
+  for (const double time : times) {
+    const auto parts = calendar_parts(time);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      constants[i].values.push_back(PLAIN_DECIMAL(parts[i]));
+    }
   }
-  return lines;
+  return constants;
 }
 
 std::string CASE_REFERENCE_LINES(double x_shift, double y_shift) {
-  return fmt::format("{}Xref  {}\n{}Yref  {}\n", constant_keyword, E12_5_TEXT(x_shift),
-                     constant_keyword, E12_5_TEXT(y_shift));
+  return fmt::format("{0}Xref  {1:.5f}\n{0}Yref  {2:.5f}\n", constant_keyword, x_shift, y_shift);
 }
 
-std::string CASE_TIME_SECTION(const std::vector<double>& times) {
-  std::string section =
+std::string CASE_TIME_SECTION(const std::vector<std::string>& times) {
+  return fmt::format(
       "TIME\n"
       "time set:               1\n"
-      "number of steps: " +
-      I10_TEXT(static_cast<std::int32_t>(times.size())) +
-      "\n"
+      "number of steps: {:10}\n"
       "filename start number:  1\n"
       "filename increment:     1\n"
-      "time values:\n";
-  for (const double time : times) section += E12_5_TEXT(time) + '\n';
-  return section;
+      "time values:\n"
+      "{}\n",
+      times.size(), fmt::join(times, "\n"));
 }
 
 }  // namespace quillet

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <string_view>
 
 #include "ensight/ensight_names.h"
@@ -29,13 +30,15 @@ std::size_t position_in(const std::vector<double>& run_times, double time, std::
 void plan_series(const std::vector<double>& times, const std::vector<double>& run_times,
                  double tolerance, DatasetPlan& plan) {
   std::vector<bool> is_there(run_times.size());
+  std::size_t likely = 0;
   for (std::size_t output = 0; output < times.size(); ++output) {
-    const std::size_t position = position_in(run_times, times[output], output, tolerance);
+    const std::size_t position = position_in(run_times, times[output], likely, tolerance);
     if (position == run_times.size() || is_there[position]) {
       ++plan.unexpected_outputs;
       continue;
     }
     is_there[position] = true;
+    likely = position + 1;
     if (position >= largest_ensight_number) {
       plan.has_too_many = true;
     } else {
@@ -114,7 +117,7 @@ bool name_dataset(const EnsightRun& run, const EnsightInput& input, const Result
   plan.description = dataset.description();
   plan.output_name = std::string(prefix_of(dataset.kind())) + name;
   plan.file_ending = "_" + plan.output_name;
-  if (input.format == EnsightFormat::xmdf) return true;
+  if (!dataset.shares_name()) return true;
   switch (dataset.kind()) {
     case DatasetKind::maximum:
       name_extreme(run, "Max", plan);
@@ -144,15 +147,28 @@ const ResultDataset* first_dataset(const std::vector<EnsightInput>& inputs, Data
 
 }  // namespace
 
-std::vector<double> RUN_TIMES(const std::vector<EnsightInput>& inputs) {
-  const ResultDataset* dataset = first_dataset(inputs, DatasetKind::series, 1);
-  if (dataset == nullptr) dataset = first_dataset(inputs, DatasetKind::other, 2);
-  return dataset == nullptr ? std::vector<double>{} : dataset->times();
+bool RunTimes::ascend() const {
+  return std::adjacent_find(hours.begin(), hours.end(), std::greater_equal<>()) == hours.end();
 }
 
-DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input,
-                         const ResultDataset& dataset, const std::vector<double>& run_times) {
+RunTimes RUN_TIMES(const std::vector<EnsightInput>& inputs) {
+  const ResultDataset* dataset = first_dataset(inputs, DatasetKind::series, 1);
+  if (dataset == nullptr) dataset = first_dataset(inputs, DatasetKind::other, 2);
+  RunTimes run_times;
+  if (dataset == nullptr) return run_times;
+  for (std::size_t output = 0; output < dataset->times().size(); ++output) {
+    const double time = dataset->times()[output];
+    if (!std::isfinite(time)) continue;
+    run_times.hours.push_back(time);
+    run_times.texts.push_back(dataset->time_text(output));
+  }
+  return run_times;
+}
+
+DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input, ResultDataset& dataset,
+                         const std::vector<double>& run_times) {
   DatasetPlan plan;
+  plan.dataset = &dataset;
   if (!name_dataset(run, input, dataset, plan)) return plan;
   switch (dataset.kind()) {
     case DatasetKind::series:

@@ -16,9 +16,10 @@ struct PlannedOutput {
 };
 
 struct DatasetPlan {
+  ResultDataset* dataset = nullptr;
   bool is_series = false;
-  std::string file_ending;              // of the file base; made fit for a file name
-  std::string output_name;              // wanted; made distinct later
+  std::string file_ending;              // of the file base; made fit for a file name later
+  std::string output_name;              // wanted; made fit and distinct later
   std::string title;                    // shown on the console: "Time of Peak h"
   std::string description;              // first line of the files
   std::vector<PlannedOutput> outputs;   // none: the dataset is passed over
@@ -26,14 +27,22 @@ struct DatasetPlan {
   bool has_too_many = false;            // outputs; those past the largest number are left out
 };
 
-// The output times of the run, hours: those of its first series. Where no input has a series they
-// are those of the first dataset with several outputs in a folder that says nothing.
-std::vector<double> RUN_TIMES(const std::vector<EnsightInput>& inputs);
+// The output times of the run.
+struct RunTimes {
+  std::vector<double> hours;
+  std::vector<std::string> texts;
+
+  bool ascend() const;
+};
+
+// Those of its first series. Where no input has a series they are those of the first dataset with
+// several outputs in a folder that says nothing. A time that is not a number is none.
+RunTimes RUN_TIMES(const std::vector<EnsightInput>& inputs);
 
 // A series has a file for every output time of the run, or it is passed over: a case file must not
 // point to what is not there. Its other outputs are left out. Of a dataset that does not change
 // with time the last output counts.
-DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input,
-                         const ResultDataset& dataset, const std::vector<double>& run_times);
+DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input, ResultDataset& dataset,
+                         const std::vector<double>& run_times);
 
 }  // namespace quillet

@@ -11,11 +11,8 @@
 
 namespace quillet {
 
-enum class EnsightFormat { dat, xmdf };
-
 struct EnsightInput {
   std::string name;
-  EnsightFormat format = EnsightFormat::dat;
   InputType type;                        // tells what times of maxima in a .dat file are of
   std::vector<ResultDataset*> datasets;  // in the order in which they are to be written
 };
@@ -24,6 +21,7 @@ struct EnsightRun {
   std::string output_base;  // as the naming of outputs left it
   std::string mesh_file;
   std::vector<EnsightInput> inputs;        // at least one
+  std::vector<std::string> files_read;     // by the run: none is replaced
   std::int32_t node_count = 0;             // values of a scalar output
   std::optional<std::int32_t> cell_count;  // none when no input tells
   bool is_finite_volume = false;
@@ -32,10 +30,10 @@ struct EnsightRun {
 
 // Reads the mesh and writes both geometry files, a variable file per dataset and output time, and
 // the case file, with console lines. The case file gets its name last, when all it points to is
-// there; an older one is removed first. Of XMDF inputs only the first is taken.
+// there; an older one is removed first.
 //
-// Ends the run when .dat and XMDF inputs are mixed, when an output would replace an input, when the
-// mesh does not belong to the results, and when a file cannot be read or written.
+// Ends the run when an output would replace a file that is read, when the mesh does not belong to
+// the results, and when a file cannot be read or written.
 void EXPORT_ENSIGHT(const EnsightRun& run);
 
 }  // namespace quillet

@@ -1,5 +1,6 @@
 #include "ensight/ensight_mesh.h"
 
+#include <array>
 #include <new>
 
 #include "support/console.h"
@@ -7,16 +8,10 @@
 namespace quillet {
 namespace {
 
-constexpr std::array triangle_slots{0, 1, 2};
-constexpr std::array quad4_slots{0, 1, 2, 3};
-constexpr std::array quad8_slots{0, 4, 1, 5, 2, 6, 3, 7};  // corner, mid-side, corner, ...
-
 constexpr std::array<ElementShape, 3> shapes{{
-    {"tria3", 3, triangle_slots, 1, "Writing triangles (tria3)...", "Done writing triangles"},
-    {"quad4", 4, quad4_slots, 1, "Writing four node quadrilaterals (quad4)...",
-     "Done writing quad4"},
-    {"quad8", 9, quad8_slots, 2, "Writing eight node quadrilaterals (quad8)...",
-     "Done writing quad8"},
+    {"tria3", 3, 3, 3, "Writing triangles (tria3)...", "Done writing triangles"},
+    {"quad4", 4, 4, 4, "Writing four node quadrilaterals (quad4)...", "Done writing quad4"},
+    {"quad8", 9, 4, 8, "Writing eight node quadrilaterals (quad8)...", "Done writing quad8"},
 }};
 
 void take_nodes(LargeArray<MESH_NODE_TYPE> nodes, EnsightMesh& mesh) {
@@ -34,17 +29,15 @@ ElementBlock empty_block(const ElementShape& shape, std::int32_t count) {
   const auto expected = static_cast<std::size_t>(count);
   ElementBlock block{&shape, {}, {}, {}};
   block.ids.reserve(expected);
-  block.nodes.reserve(expected * shape.slots.size());
+  block.nodes.reserve(expected * static_cast<std::size_t>(shape.written_nodes));
   if (shape.mesh_nodes == 9) block.centres.reserve(expected);
   return block;
 }
 
-template <const auto& slots>
+template <std::size_t count>
 void add_element(std::int32_t id, const MESH_ELEMENT_TYPE& element, ElementBlock& block) {
   block.ids.push_back(id);
-  for (const int slot : slots) {
-    block.nodes.push_back(element.nodes[static_cast<std::size_t>(slot)]);
-  }
+  for (std::size_t slot = 0; slot < count; ++slot) block.nodes.push_back(element.nodes[slot]);
 }
 
 void take_elements(const MESH_TYPE& source, EnsightMesh& mesh) {
@@ -55,10 +48,10 @@ void take_elements(const MESH_TYPE& source, EnsightMesh& mesh) {
   for (const MESH_ELEMENT_TYPE& element : source.elements) {
     ++id;
     const int nodes = NODE_COUNT_OF(element);
-    if (nodes == 3) add_element<triangle_slots>(id, element, triangles);
-    if (nodes == 4) add_element<quad4_slots>(id, element, quads);
+    if (nodes == 3) add_element<3>(id, element, triangles);
+    if (nodes == 4) add_element<4>(id, element, quads);
     if (nodes != 9) continue;
-    add_element<quad8_slots>(id, element, high_quads);
+    add_element<8>(id, element, high_quads);
     high_quads.centres.push_back(element.nodes[8]);
   }
   for (ElementBlock* block : {&triangles, &quads, &high_quads}) {

@@ -2,9 +2,7 @@
 // a shape, by id.
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -14,10 +12,10 @@
 namespace quillet {
 
 struct ElementShape {
-  std::string_view name;          // of the block: "tria3"
-  int mesh_nodes;                 // nodes of the element in the mesh
-  std::span<const int> slots;     // of them those that are written, in the order in which they are
-  int corner_step;                // every such node from the first on is a corner
+  std::string_view name;  // of the block: "tria3"
+  int mesh_nodes;         // nodes of the element in the mesh
+  int corners;
+  int written_nodes;              // corners, then mid-sides; never the centre
   std::string_view begin_report;  // console lines around the writing
   std::string_view end_report;
 };
@@ -25,8 +23,8 @@ struct ElementShape {
 struct ElementBlock {
   const ElementShape* shape = nullptr;
   LargeArray<std::int32_t> ids;      // ascending, from 1
-  LargeArray<std::int32_t> nodes;    // from 1; as many per element as the shape has slots
-  LargeArray<std::int32_t> centres;  // from 1; of 9-node quadrilaterals, whose centre is no slot
+  LargeArray<std::int32_t> nodes;    // from 1; as many per element as are written
+  LargeArray<std::int32_t> centres;  // from 1; of 9-node quadrilaterals
 
   std::int32_t count() const { return static_cast<std::int32_t>(ids.size()); }
 };

@@ -233,6 +233,49 @@ inline char* write_e12_5(double value, char* out) {
   return write_parts(bits != magnitude, digits, row->exponent, out);
 }
 
+// ---- Coordinates ----
+
+constexpr double first_plain = 1000.0;
+constexpr double end_of_plain = 1000000.0;
+constexpr std::uint64_t hundred_thousand = 100000;
+
+// The value times 10^5, rounded from its exact expansion, half to even; first_plain <= value <
+// end_of_plain. So the product is below 2^53 * 2^17, and 33 to 43 of its bits stand behind the
+// point.
+inline std::uint64_t hundred_thousandths(double value) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  const std::uint64_t significand = (bits & (smallest_normal - 1)) | smallest_normal;
+  const int point = exponent_bias + 52 - static_cast<int>(bits >> 52);
+  const auto product = static_cast<unsigned __int128>(significand) * hundred_thousand;
+  const auto fraction = static_cast<std::uint64_t>(product) & ((1ULL << point) - 1);
+  const auto whole = static_cast<std::uint64_t>(product >> point);
+  const std::uint64_t half = 1ULL << (point - 1);
+  return whole +
+         static_cast<std::uint64_t>(fraction > half || (fraction == half && whole % 2 == 1));
+}
+
+// A number of 9 to 11 digits, the last five behind the point.
+inline char* write_plain(std::uint64_t number, char* out) {
+  const auto whole = static_cast<std::uint32_t>(number / hundred_thousand);
+  const auto decimals = static_cast<std::uint32_t>(number % hundred_thousand);
+  constexpr std::uint64_t zero_to_blank = '0' ^ ' ';
+  const std::uint64_t first_three = three_digits[decimals / 100];
+  const std::uint64_t last_two = three_digits[decimals % 100] >> 8;
+  std::uint64_t text = three_digits[whole / 1000] | std::uint64_t{three_digits[whole % 1000]} << 24;
+  if (whole < 100000) text ^= zero_to_blank;
+  if (whole < 10000) text ^= zero_to_blank << 8;
+  store(text | std::uint64_t{'.'} << 48 | first_three << 56, out);
+  store(static_cast<std::uint32_t>(first_three >> 8 | last_two << 16), out + 8);
+  return out + e12_5_width;
+}
+
+inline char* write_coordinate(double value, char* out) {
+  if (!(value >= first_plain && value < end_of_plain)) return write_e12_5(value, out);
+  const std::uint64_t number = hundred_thousandths(value);
+  constexpr auto first_too_long = static_cast<std::uint64_t>(end_of_plain) * hundred_thousand;
+  return number < first_too_long ? write_plain(number, out) : write_e12_5(value, out);
+}
+
 // ---- I10 ----
 
 // Other than 0 to 99999999.
@@ -267,6 +310,10 @@ char* WRITE_E12_5(float value, char* out) {
 
 char* WRITE_E12_5(double value, char* out) {
   return write_e12_5(value, out);
+}
+
+char* WRITE_COORDINATE(double value, char* out) {
+  return write_coordinate(value, out);
 }
 
 char* WRITE_E12_5_LINES(const float* values, std::int64_t count, char* out) {

@@ -20,7 +20,12 @@ constexpr int i10_line_width = i10_width + 1;
 char* WRITE_E12_5(float value, char* out);
 char* WRITE_E12_5(double value, char* out);
 
-// The same, one value to a line: 13 bytes per value.
+// The same 12 characters for a coordinate: from 1,000 on, as far as it fits, a plain decimal with
+// five digits after the point ("120000.37000"), rounded in the same way. Five digits in all would
+// let neighbouring nodes fall together.
+char* WRITE_COORDINATE(double value, char* out);
+
+// The same as WRITE_E12_5, one value to a line: 13 bytes per value.
 char* WRITE_E12_5_LINES(const float* values, std::int64_t count, char* out);
 
 // I10: 10 characters, right-aligned; ten asterisks below -999999999, which do not fit.

@@ -60,7 +60,11 @@ class BinaryGeometry {
     text(block.shape->name);
     number(block.count());
     array(block.ids);
-    array(block.nodes);
+    if (block.shape->corners == block.shape->written_nodes) {
+      array(block.nodes);
+    } else {
+      write_around(block);
+    }
   }
 
  private:
@@ -88,6 +92,20 @@ class BinaryGeometry {
   template <typename Value>
   void array(const LargeArray<Value>& values) {
     out.write(values.data(), values.size() * sizeof(Value));
+  }
+
+  // Corner, mid-side, corner, ... as one goes round an element.
+  void write_around(const ElementBlock& block) {
+    const int corners = block.shape->corners;
+    const int nodes = block.shape->written_nodes;
+    WRITE_ITEMS(out, block.count(), nodes * static_cast<int>(sizeof(std::int32_t)),
+                [corners, nodes, node = block.nodes.data()](std::int64_t i, char* at) {
+                  const std::int32_t* const corner = node + i * nodes;
+                  for (int k = 0; k < corners; ++k) {
+                    at = store(corner[k + corners], store(corner[k], at));
+                  }
+                  return at;
+                });
   }
 
   void write_shifted(std::span<const double> values, double shift) {

@@ -60,8 +60,7 @@ std::int64_t MESH_BODY_SIZE(const EnsightMesh& mesh, std::int64_t per_node,
                             std::int64_t per_element, std::int64_t per_element_node) {
   std::int64_t size = mesh.node_count * per_node;
   for (const ElementBlock& block : mesh.blocks) {
-    const auto nodes = static_cast<std::int64_t>(block.shape->slots.size());
-    size += block.count() * (per_element + nodes * per_element_node);
+    size += block.count() * (per_element + block.shape->written_nodes * per_element_node);
   }
   return size;
 }

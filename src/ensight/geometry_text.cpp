@@ -46,37 +46,30 @@ class TextGeometry {
   void write_coordinates() {
     line("coordinates");
     line(I10_TEXT(mesh.node_count));
-    WRITE_ITEMS(out, mesh.node_count, i10_line_width, [](std::int64_t i, char* at) {
-      return end_line(WRITE_I10(static_cast<std::int32_t>(i + 1), at));
+    WRITE_LINES(out, mesh.node_count, i10_line_width, [](std::int64_t i, char* at) {
+      return WRITE_I10(static_cast<std::int32_t>(i + 1), at);
     });
     write_shifted(mesh.x, mesh.x_minimum);
     write_shifted(mesh.y, mesh.y_minimum);
-    WRITE_ITEMS(
-        out, mesh.node_count, e12_5_line_width,
-        [z = mesh.z.data()](std::int64_t i, char* at) { return end_line(WRITE_E12_5(z[i], at)); });
+    WRITE_LINES(out, mesh.node_count, e12_5_line_width,
+                [z = mesh.z.data()](std::int64_t i, char* at) { return WRITE_E12_5(z[i], at); });
   }
 
   void write_block(const ElementBlock& block) {
     line(block.shape->name);
     line(I10_TEXT(block.count()));
-    WRITE_ITEMS(out, block.count(), i10_line_width,
-                [ids = block.ids.data()](std::int64_t i, char* at) {
-                  return end_line(WRITE_I10(ids[i], at));
-                });
-    const auto nodes = static_cast<std::int64_t>(block.shape->slots.size());
-    WRITE_ITEMS(out, block.count(), static_cast<int>(nodes) * i10_width + 1,
+    WRITE_LINES(
+        out, block.count(), i10_line_width,
+        [ids = block.ids.data()](std::int64_t i, char* at) { return WRITE_I10(ids[i], at); });
+    const int nodes = block.shape->written_nodes;
+    WRITE_LINES(out, block.count(), nodes * i10_width + 1,
                 [nodes, node = block.nodes.data()](std::int64_t i, char* at) {
-                  for (std::int64_t k = 0; k < nodes; ++k) at = WRITE_I10(node[i * nodes + k], at);
-                  return end_line(at);
+                  for (int k = 0; k < nodes; ++k) at = WRITE_I10(node[i * nodes + k], at);
+                  return at;
                 });
   }
 
  private:
-  static char* end_line(char* at) {
-    *at = '\n';
-    return at + 1;
-  }
-
   void line(std::string_view text) {
     out.write(text);
     out.write("\n");
@@ -84,15 +77,21 @@ class TextGeometry {
 
   void write_extents() {
     line("extents");
-    line(E12_5_TEXT(0.0) + E12_5_TEXT(mesh.x_maximum - mesh.x_minimum));
-    line(E12_5_TEXT(0.0) + E12_5_TEXT(mesh.y_maximum - mesh.y_minimum));
+    line(extent_from_zero(mesh.x_maximum - mesh.x_minimum));
+    line(extent_from_zero(mesh.y_maximum - mesh.y_minimum));
     line(E12_5_TEXT(mesh.z_minimum) + E12_5_TEXT(mesh.z_maximum));
   }
 
+  // A plain decimal can fill its columns and would run into the zero.
+  static std::string extent_from_zero(double extent) {
+    const std::string end = COORDINATE_TEXT(extent);
+    return E12_5_TEXT(0.0) + (end.front() == ' ' ? "" : " ") + end;
+  }
+
   void write_shifted(std::span<const double> values, double shift) {
-    WRITE_ITEMS(out, mesh.node_count, e12_5_line_width,
+    WRITE_LINES(out, mesh.node_count, e12_5_line_width,
                 [shift, value = values.data()](std::int64_t i, char* at) {
-                  return end_line(WRITE_E12_5(value[i] - shift, at));
+                  return WRITE_COORDINATE(value[i] - shift, at);
                 });
   }
 

@@ -10,24 +10,48 @@
 
 namespace quillet {
 
-// Calls write(index, at), which returns the end of what it wrote, for every index from 0. Every
-// item is `width` bytes long.
-template <typename WriteItem>
-void WRITE_ITEMS(OutputUnit& out, std::int64_t count, int width, WriteItem write) {
+// Writes `count` items of `width` bytes in pieces. format(first, end, at) puts the items from
+// `first` to before `end` into the memory at `at`; it touches nothing else, so that pieces depend
+// neither on each other nor on their order.
+template <typename Format>
+void WRITE_PIECES(OutputUnit& out, std::int64_t count, int width, Format format) {
   constexpr std::int64_t piece_size = 64 * 1024;
   const std::int64_t piece = piece_size / width;
   for (std::int64_t first = 0; first < count; first += piece) {
     const std::int64_t end = std::min(first + piece, count);
     const auto bytes = static_cast<std::size_t>((end - first) * width);
-    char* at = out.room(bytes);
-    for (std::int64_t i = first; i < end; ++i) at = write(i, at);
+    format(first, end, out.room(bytes));
     out.keep(bytes);
   }
+}
+
+// Calls write(index, at), which returns the end of what it wrote, for every index from 0.
+template <typename WriteItem>
+void WRITE_ITEMS(OutputUnit& out, std::int64_t count, int width, WriteItem write) {
+  WRITE_PIECES(out, count, width, [write](std::int64_t first, std::int64_t end, char* at) {
+    for (std::int64_t i = first; i < end; ++i) at = write(i, at);
+  });
+}
+
+// The same for texts that end in a line feed; `width` counts it.
+template <typename WriteText>
+void WRITE_LINES(OutputUnit& out, std::int64_t count, int width, WriteText write) {
+  WRITE_ITEMS(out, count, width, [write](std::int64_t i, char* at) {
+    at = write(i, at);
+    *at = '\n';
+    return at + 1;
+  });
 }
 
 inline std::string E12_5_TEXT(double value) {
   std::string text(e12_5_width, ' ');
   WRITE_E12_5(value, text.data());
+  return text;
+}
+
+inline std::string COORDINATE_TEXT(double value) {
+  std::string text(e12_5_width, ' ');
+  WRITE_COORDINATE(value, text.data());
   return text;
 }
 

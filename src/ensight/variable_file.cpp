@@ -12,18 +12,17 @@
 namespace quillet {
 namespace {
 
-// Values formatted at once: few enough to stay in the processor's first cache.
-constexpr std::int32_t values_per_piece = 1024;
+constexpr std::int64_t values_per_piece = 1024;
 
-template <int corners>
+template <std::size_t corners>
 void mark_corners(const ElementBlock& block, const std::int8_t* status, std::uint8_t* wet) {
   const std::int32_t* node = block.nodes.data();
-  const std::size_t step = static_cast<std::size_t>(block.shape->corner_step);
+  const int nodes = block.shape->written_nodes;
   for (const std::int32_t id : block.ids) {
     if (status[id - 1] == 1) {
-      for (std::size_t i = 0; i < corners; ++i) wet[node[i * step] - 1] = 1;
+      for (std::size_t i = 0; i < corners; ++i) wet[node[i] - 1] = 1;
     }
-    node += block.shape->slots.size();
+    node += nodes;
   }
 }
 
@@ -41,7 +40,7 @@ LargeArray<std::uint8_t> wet_nodes(const EnsightMesh& mesh, const RES_TYPE& reco
 
 float mean_of_corners(const ElementBlock& block, std::size_t element,
                       std::span<const float> component) {
-  const std::size_t corners = block.shape->slots.size();
+  const auto corners = static_cast<std::size_t>(block.shape->corners);
   double sum = 0;
   for (std::size_t i = 0; i < corners; ++i) {
     sum += component[static_cast<std::size_t>(block.nodes[element * corners + i]) - 1];
@@ -55,23 +54,25 @@ float centre_value(const ElementBlock& block, std::size_t element,
   return component[static_cast<std::size_t>(block.centres[element]) - 1];
 }
 
-// Writes `count` values; take(first, piece) fills a piece with those from `first` on.
+// Writes `count` values; take(first, values) fills in those from `first` on. Few enough are
+// formatted at once to stay in the processor's first cache.
 template <typename Take>
 void write_values(OutputUnit& out, std::int32_t count, Take take) {
-  std::array<float, values_per_piece> values;
-  for (std::int32_t first = 0; first < count; first += values_per_piece) {
-    const std::int32_t at_once = std::min(values_per_piece, count - first);
-    take(first, std::span(values.data(), static_cast<std::size_t>(at_once)));
-    const auto bytes = static_cast<std::size_t>(at_once) * e12_5_line_width;
-    WRITE_E12_5_LINES(values.data(), at_once, out.room(bytes));
-    out.keep(bytes);
-  }
+  WRITE_PIECES(out, count, e12_5_line_width, [&](std::int64_t first, std::int64_t end, char* at) {
+    std::array<float, values_per_piece> values;
+    while (first < end) {
+      const std::int64_t at_once = std::min<std::int64_t>(values_per_piece, end - first);
+      take(first, std::span(values.data(), static_cast<std::size_t>(at_once)));
+      at = WRITE_E12_5_LINES(values.data(), at_once, at);
+      first += at_once;
+    }
+  });
 }
 
 void write_node_values(OutputUnit& out, std::span<const float> component,
                        std::span<const std::uint8_t> wet) {
   const auto count = static_cast<std::int32_t>(wet.size());
-  write_values(out, count, [&](std::int32_t first, std::span<float> piece) {
+  write_values(out, count, [&](std::int64_t first, std::span<float> piece) {
     const float* const value = component.data() + first;
     const std::uint8_t* const is_wet = wet.data() + first;
     for (std::size_t i = 0; i < piece.size(); ++i) piece[i] = is_wet[i] != 0 ? value[i] : 0.0F;
@@ -81,7 +82,7 @@ void write_node_values(OutputUnit& out, std::span<const float> component,
 template <typename ValueOf>
 void write_cell_values(OutputUnit& out, const ElementBlock& block,
                        std::span<const std::int8_t> status, ValueOf value_of) {
-  write_values(out, block.count(), [&](std::int32_t first, std::span<float> piece) {
+  write_values(out, block.count(), [&](std::int64_t first, std::span<float> piece) {
     auto element = static_cast<std::size_t>(first);
     for (float& value : piece) {
       const auto cell = static_cast<std::size_t>(block.ids[element]) - 1;
@@ -144,9 +145,10 @@ std::int64_t main_size(const EnsightMesh& mesh, ValuePlace place, bool is_vector
 
 ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
                            std::int32_t value_count) {
-  if (is_finite_volume && (mesh.fv_mesh || mesh.node_count != value_count)) {
+  if (mesh.fv_mesh && (is_finite_volume || value_count == mesh.element_count)) {
     return ValuePlace::cells;
   }
+  if (is_finite_volume && mesh.node_count != value_count) return ValuePlace::cells;
   return mesh.high_resolution && !mesh.fv_mesh ? ValuePlace::centres : ValuePlace::nodes;
 }
 

@@ -16,8 +16,9 @@ enum class ValuePlace {
   centres,  // one per cell, at its centre: 9-node meshes
 };
 
-// For results of `value_count` values. They stand in the cells when they are those of a
-// finite-volume run, unless the mesh is no finite-volume mesh and has as many nodes.
+// For results of `value_count` values. They stand in the cells of a finite-volume mesh when the run
+// is a finite-volume run or there are as many values as elements, and in those of any other mesh
+// when they are those of a finite-volume run and not as many as its nodes.
 ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
                            std::int32_t value_count);
 

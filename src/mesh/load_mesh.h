@@ -15,8 +15,11 @@ namespace quillet {
 //
 // `expected_nodes` is not given for finite-volume results, which have a value per cell, and
 // `expected_cells` not where the results do not tell. Ends the run when a count differs, and as the
-// parts of the scan and READ_2DM do.
+// parts of the scan and READ_2DM do. With ValuesPer::node_or_fv_element a mesh of the finite-volume
+// form may have the expected number of nodes in elements instead.
+enum class ValuesPer { node, node_or_fv_element };
 void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expected_nodes,
-               std::optional<std::int32_t> expected_cells, MESH_TYPE& mesh);
+               std::optional<std::int32_t> expected_cells, MESH_TYPE& mesh,
+               ValuesPer values = ValuesPer::node);
 
 }  // namespace quillet

@@ -30,6 +30,14 @@ class ResultDataset {
   virtual bool is_vector() const = 0;
   virtual const std::vector<double>& times() const = 0;  // hours, one per output
 
+  // The time of an output as the file has it, a 32-bit or a 64-bit number: the shortest plain
+  // decimal that reads back to it.
+  virtual std::string time_text(std::size_t output) const = 0;
+
+  // True where the input has one name for all its datasets (.dat), so that only their kinds tell
+  // them apart.
+  virtual bool shares_name() const = 0;
+
   // Reads one output (from 0) into a record sized for the input's mesh, with y components when the
   // dataset is a vector; sets its time and vector flag. Cheapest from the first to the last.
   // Whatever cannot be read ends the run.

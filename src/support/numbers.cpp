@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -45,6 +46,15 @@ std::optional<Real> read_real(std::string_view text) {
   return value;
 }
 
+template <typename Real>
+std::string plain_decimal(Real value) {
+  std::array<char, 400> text;  // the least and the largest 64-bit reals have more than 300 digits
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), value + Real{0},
+                                 std::chars_format::fixed)
+                       .ptr;
+  return {text.data(), end};
+}
+
 // The digits of "d.ddde+xx" moved to fixed notation.
 std::string fixed_notation(bool negative, std::string digits, int exponent) {
   std::string text = negative ? "-" : "";
@@ -73,6 +83,14 @@ std::string AREAL(float value) {
   std::string digits = shortest.substr(negative ? 1 : 0, exponent_mark - (negative ? 1 : 0));
   if (digits.size() > 1) digits.erase(1, 1);
   return fixed_notation(negative, digits, std::stoi(shortest.substr(exponent_mark + 1)));
+}
+
+std::string PLAIN_DECIMAL(float value) {
+  return plain_decimal(value);
+}
+
+std::string PLAIN_DECIMAL(double value) {
+  return plain_decimal(value);
 }
 
 std::string AREALD(double value, int decimals) {

@@ -15,6 +15,11 @@ std::string AINTEGER(std::int64_t value);
 // below 1e16 (and for 0), in exponent form outside (0.0001, 99999.1, 1e-07).
 std::string AREAL(float value);
 
+// The shortest decimal that reads back to the same real, without an exponent (0.1, 350006.25); "0"
+// for negative zero too. What is not finite is "inf", "-inf" or "nan".
+std::string PLAIN_DECIMAL(float value);
+std::string PLAIN_DECIMAL(double value);
+
 // Fixed notation with the given number of decimals, no blanks (99999.000).
 std::string AREALD(double value, int decimals);
 

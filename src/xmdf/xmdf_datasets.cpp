@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/file_names.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -41,6 +42,8 @@ class XmdfDataset : public ResultDataset {
   DatasetKind kind() const override { return kind_of(split); }
   bool is_vector() const override { return vectors; }
   const std::vector<double>& times() const override { return hours; }
+  std::string time_text(std::size_t output) const override { return PLAIN_DECIMAL(hours[output]); }
+  bool shares_name() const override { return false; }
 
   void read(std::size_t output, RES_TYPE& record) override {
     if (!reader.is_open() || reader.path() != path) reader.open(path, vectors);

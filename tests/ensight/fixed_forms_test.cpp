@@ -107,6 +107,46 @@ TEST(FixedForms, LinesAgreeWithTheCLibrary) {
   }
 }
 
+std::string coordinate(double value) {
+  std::string text(14, '#');
+  EXPECT_EQ(WRITE_COORDINATE(value, text.data() + 1), text.data() + 13);
+  EXPECT_EQ(text.front(), '#');
+  EXPECT_EQ(text.back(), '#');
+  return text.substr(1, 12);
+}
+
+TEST(FixedForms, CoordinatesAsWrittenByHand) {
+  const Example examples[] = {{0.0, " 0.00000E+00"},
+                              {999.9999, " 0.10000E+04"},
+                              {1000.0, "  1000.00000"},
+                              {9999.99999, "  9999.99999"},
+                              {12345.678, " 12345.67800"},
+                              {120000.37, "120000.37000"},
+                              {999999.99999, "999999.99999"},
+                              {999999.999996, " 0.10000E+07"},
+                              {1234567.0, " 0.12346E+07"},
+                              {-1234.5, "-0.12345E+04"},
+                              // Exactly half-way: to the even digit.
+                              {2000.5 + 0x1p-6, "  2000.51562"},
+                              {2000.5 + 0x3p-6, "  2000.54688"}};
+  for (const Example& example : examples) {
+    EXPECT_EQ(coordinate(example.value), example.text) << example.value;
+  }
+}
+
+TEST(FixedForms, CoordinatesAgreeWithTheCLibrary) {
+  std::mt19937_64 random(9);
+  for (int i = 0; i < 200000; ++i) {
+    const double size = std::exp2(10 + static_cast<double>(i % 10));
+    double value = size * (1 + static_cast<double>(random() >> 12) * 0x1p-52);
+    if (i % 3 == 0) value = std::floor(value * 64) / 64;  // many ties
+    if (value >= 999999.999) continue;
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), "%12.5f", value);
+    ASSERT_EQ(coordinate(value), text.data()) << value;
+  }
+}
+
 TEST(FixedForms, Integers) {
   constexpr auto least = std::numeric_limits<std::int32_t>::min();
   // clang-format off

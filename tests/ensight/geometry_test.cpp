@@ -110,6 +110,47 @@ TEST(EnsightGeometry, BinaryFileByteByByte) {
   EXPECT_TRUE(folder.has("g.geo.log"));
 }
 
+// Viewers draw around the corners of a "quad8" and know its mid-sides by their place behind them.
+TEST(EnsightGeometry, CornersOfNineNodeQuadrilateralsStandFirstInTheTextFormAlone) {
+  const std::string mesh = test::header_line(83) +
+                           "E9Q 1 1 2 3 4 5 6 7 8 9 1 0 0 0\n"
+                           "E9Q 2 3 12 13 14 15 16 5 4 17 1 0 0 0\n" +
+                           [] {
+                             std::string nodes;
+                             for (int id = 1; id <= 17; ++id) {
+                               nodes += "ND " + std::to_string(id) + " 0 0 0 0 0 0 0\n";
+                             }
+                             return nodes;
+                           }();
+  const Workspace folder;
+  written(mesh, folder, WRITE_ENSIGHT_GEO_TEXT);
+  const std::string text = folder.read("g.geo");
+  EXPECT_EQ(text.substr(text.find("quad8")),
+            "quad8\n         2\n         1\n         2\n"
+            "         1         3         5         7         2         4         6         8\n"
+            "         3        13        15         5        12        14        16         4\n");
+  written(mesh, folder, WRITE_ENSIGHT_GEO_BINARY);
+  Bytes around;
+  around.text("quad8").numbers({2, 1, 2, 1, 2, 3, 4, 5, 6, 7, 8, 3, 12, 13, 14, 15, 16, 5, 4});
+  EXPECT_TRUE(folder.read("g.geo").ends_with(around.all()));
+}
+
+TEST(EnsightGeometry, CoordinatesFromAKilometreOnKeepTheirDecimals) {
+  const Workspace folder;
+  written(test::header_line(83) +
+              "ND 1 100.0 7000000.0 -5 0 0 0 0\nND 2 1099.99 7001000.0 -2.5 0 0 0 0\n"
+              "ND 3 120100.37 7999999.5 -3 0 0 0 0\nND 4 1000.0 8000000.0 -3 0 0 0 0\n",
+          folder, WRITE_ENSIGHT_GEO_TEXT);
+  const std::string text = folder.read("g.geo");
+  EXPECT_NE(text.find("extents\n 0.00000E+00 120000.37000\n 0.00000E+00 0.10000E+07\n"
+                      "-0.50000E+01-0.25000E+01\npart\n"),
+            std::string::npos);
+  EXPECT_NE(text.find("\n 0.00000E+00\n 0.99999E+03\n120000.37000\n 0.90000E+03\n"
+                      " 0.00000E+00\n  1000.00000\n999999.50000\n 0.10000E+07\n"),
+            std::string::npos)
+      << text;
+}
+
 // A 9-node card where none may turns the element before it into one of kind 9 and counts as one
 // that is never read.
 TEST(EnsightGeometry, FiniteVolumeElementsOfKind9WithoutNineNodesAreDrawnByTheirCorners) {

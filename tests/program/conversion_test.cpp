@@ -53,6 +53,28 @@ TEST(DatToXmdf, SortsOutputTimesIntoFolders) {
       << peak.output;
 }
 
+// What -max and -min write: the extremes marked in their way, and maps that are no results.
+TEST(DatToXmdf, TakesMarkedExtremesForWhatTheyAreAndOfSeveralTheLast) {
+  const Workspace folder;
+  const DatTime marked{111111, {1, 1}, {4, 3}};
+  const DatTime sources{222222, {1, 1}, {1, 2}};
+  folder.write("a_d(maxmax).dat", DAT_FILE(shape, "d", {stored, marked, sources}));
+  folder.write("b_d(minmin).dat", DAT_FILE(shape, "d", {marked, sources}));
+  folder.write("c_d.dat", DAT_FILE(shape, "d", {{-111111, {1, 1}, {4, 3}}, sources}));
+  const RunResult run = RUN(folder, WORDS("-conv -b a_d(maxmax).dat b_d(minmin).dat c_d.dat"));
+  EXPECT_EQ(run.count_lines_with("Skipping marker time, time found: 222222"), 3);
+  const auto expect = [&](const char* file, const std::string& extremes, const char* time) {
+    const std::string text = XMDF_TEXT(folder.path(file));
+    EXPECT_NE(text.find('/' + extremes + " GENERIC\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(std::string("  Times float64 1: ") + time + "\n"), std::string::npos);
+    EXPECT_NE(text.find("  Values float32 1x2: 4 3\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("Temporal"), std::string::npos) << text;
+  };
+  expect("a_d(maxmax).xmdf", "Maximums", "111111");
+  expect("b_d(minmin).xmdf", "Minimums", "111111");
+  expect("c_d.xmdf", "Minimums", "-111111");
+}
+
 TEST(DatToXmdf, NamesVectorsByTheirTypeAndUnknownsByTheirFile) {
   const Workspace folder;
   folder.write("a_V.dat", DAT_FILE({1, 0, true}, "v", {{2, {}, {3, -4}}}));
