@@ -115,7 +115,8 @@ class EnsightExport {
     ResultDataset& dataset = *planned.plan.dataset;
     SIZE_RECORD(record, run.node_count, mesh.element_count, dataset.is_vector());
     for (const PlannedOutput& output : planned.plan.outputs) {
-      read_output(dataset, output.output);
+      SIZE_STATUSES(record, mesh.element_count);  // those that the dataset does not have are wet
+      dataset.read(output.output, record);
       WRITE_ENSIGHT_VARIABLE(mesh, place, record,
                              ENSIGHT_NUMBER_SUFFIX(planned.file_base, output.number),
                              planned.plan.description);
@@ -125,16 +126,6 @@ class EnsightExport {
       SAY("ERROR - Ensight output name only support 9999 outputs, please contact " +
           std::string(support_email));
     }
-  }
-
-  // Statuses that a dataset does not have count as wet. A map of single values that stands among
-  // vectors has them in x.
-  void read_output(ResultDataset& dataset, std::size_t output) {
-    SIZE_STATUSES(record, mesh.element_count);
-    dataset.read(output, record);
-    if (!dataset.is_vector() || record.is_vector) return;
-    record.is_vector = true;
-    SIZE_ARRAY(record.nd.y, run.node_count);
   }
 
   void write_constants_and_times(OutputUnit& case_file) {

@@ -11,7 +11,9 @@ namespace quillet {
 // Find the extents of the mesh, which stay in it, and write the mesh moved by its x and y minimum,
 // and the log file. End the run when a file cannot be written.
 //
-// The text form is the one that case files name. The binary form is a stream without record
+// The text form is the one that case files name. In it x and y from 1,000 m on are plain decimals,
+// and the corners of a 9-node quadrilateral stand before its mid-sides, as viewers draw it. The
+// binary form goes round an element, corner, mid-side, corner, ... It is a stream without record
 // markers: texts of 80 bytes, 32-bit integers, x and y as 64-bit and z as 32-bit reals, all
 // little-endian. Those mixed widths, and the part without a number, are what its readers expect;
 // general readers of EnSight Gold do not take it.
