@@ -94,10 +94,13 @@ void REMOVE_LEFT_OVER_FILES(const OlderExport& older, const std::string& case_na
                             const std::function<bool(const std::string&)>& is_kept) {
   if (older.series.empty() && older.files.empty()) return;
   const std::string folder = FILEFOLDERPATH(case_name);
+  std::error_code error;
+  const auto made = fs::last_write_time(case_name, error);
+  if (error) return;
   for (const std::string& name : regular_files_in(folder)) {
     if (!older.points_to(name) || is_kept(name)) continue;
-    std::error_code error;
-    fs::remove(folder + name, error);
+    const bool is_older = fs::last_write_time(folder + name, error) <= made;
+    if (!error && is_older) fs::remove(folder + name, error);
   }
 }
 

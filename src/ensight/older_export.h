@@ -19,8 +19,9 @@ struct OlderExport {
 // Nothing when there is no such file, it is no regular file, or it cannot be read.
 OlderExport READ_OLDER_EXPORT(const std::string& case_name);
 
-// Removes the regular files beside the case file that the older export points to, except those that
-// are to be kept (told by their names without the folder). What cannot be removed stays.
+// Removes the regular files beside the new case file that the older export points to, except those
+// that are to be kept (told by their names without the folder) and those that are younger than the
+// new case file: another run may have begun since. What cannot be removed stays.
 void REMOVE_LEFT_OVER_FILES(const OlderExport& older, const std::string& case_name,
                             const std::function<bool(const std::string&)>& is_kept);
 

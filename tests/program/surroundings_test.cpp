@@ -62,6 +62,8 @@ TEST_P(OutputsOfOtherRuns, AreLeftAlone) {
 
 INSTANTIATE_TEST_SUITE_P(Units, OutputsOfOtherRuns, ::testing::ValuesIn(runs_written_to_units),
                          NAME_OF_WRITING_RUN);
+INSTANTIATE_TEST_SUITE_P(FileSets, OutputsOfOtherRuns,
+                         ::testing::ValuesIn(runs_written_to_file_sets), NAME_OF_WRITING_RUN);
 INSTANTIATE_TEST_SUITE_P(All, Surroundings, ::testing::ValuesIn(ALL_WRITING_RUNS()),
                          NAME_OF_WRITING_RUN);
 

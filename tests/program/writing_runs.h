@@ -45,20 +45,25 @@ inline const std::vector<WritingRun> runs_written_to_units{
     {"ConvXmdf", "-conv -typed x.xmdf", "r.dat"},
     {"Xnfo", "-xnfo x.xmdf", "r.txt"}};
 
-// ... and what HDF5 writes, or several files.
+// ... what HDF5 writes ...
 inline const std::vector<WritingRun> runs_written_otherwise{
     {"MaxXmdf", "-max -typed x.xmdf", "r.xmdf"},
     {"DifXmdf", "-dif -typed a_d.dat x.xmdf", "r.xmdf"},
     {"ConXmdf", "-con -typed x.xmdf a_d.dat", "r.xmdf"},
     {"VaXmdf", "-va -typeV x.xmdf", "r.xmdf"},
     {"TrimVectorsXmdf", "-trim1 -typeV x.xmdf", "r.xmdf"},
-    {"ConvDat", "-conv a_d.dat", "r.xmdf"},
+    {"ConvDat", "-conv a_d.dat", "r.xmdf"}};
+
+// ... and several files, of which the last says that all are there.
+inline const std::vector<WritingRun> runs_written_to_file_sets{
     {"EnsightDat", "-ensight a_d.dat", "r.case"},
     {"EnsightXmdf", "-ensight -2dm a.2dm x.xmdf", "r.case"}};
 
 inline std::vector<WritingRun> ALL_WRITING_RUNS() {
   std::vector<WritingRun> all = runs_written_to_units;
-  all.insert(all.end(), runs_written_otherwise.begin(), runs_written_otherwise.end());
+  for (const auto& others : {runs_written_otherwise, runs_written_to_file_sets}) {
+    all.insert(all.end(), others.begin(), others.end());
+  }
   return all;
 }
 
