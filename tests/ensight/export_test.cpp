@@ -389,6 +389,10 @@ TEST_F(EnsightExport, NoInputIsReplacedEvenWhereItIsNotExported) {
     EXPECT_EQ(folder.read("b.xmdf"), input);
     fs::remove(folder.path(output));
   }
+  write("a_h.dat", "h", {{0, all_wet, ones}});
+  folder.write("m.sup", "SUPER\nMESH2D \"m.2dm\"\nDATA \"a_h.dat\"\n");
+  fs::create_hard_link(folder.path("m.sup"), folder.path("out_h.0001"));
+  EXPECT_EQ(count_of(exported("m.sup"), "ERROR - Output file is also an input file"), 1);
 }
 
 TEST_F(EnsightExport, WithoutOutputTimesThereIsNoTimeSet) {
