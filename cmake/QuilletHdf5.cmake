@@ -1,7 +1,12 @@
 # QUILLET_HDF5_LIBRARIES: HDF5's C library, statically where a program links with it: loading the
 # shared one, with all that it draws in, takes longer than a run on a small .dat file.
-find_package(HDF5 REQUIRED COMPONENTS C)
 include(CheckCSourceCompiles)
+if(CMAKE_CROSSCOMPILING)
+  # CMake's own search asks the HDF5 of the machine at hand.
+  find_path(HDF5_C_INCLUDE_DIRS hdf5.h PATH_SUFFIXES hdf5/serial REQUIRED)
+else()
+  find_package(HDF5 REQUIRED COMPONENTS C)
+endif()
 
 set(folders ${HDF5_LIBRARY_DIRS})
 foreach(library IN LISTS HDF5_C_LIBRARIES)
@@ -17,7 +22,7 @@ set(QUILLET_HDF5_LIBRARIES)
 
 # Takes the libraries given, when all were found and a program links with them.
 function(quillet_try_hdf5 description)
-  string(MAKE_C_IDENTIFIER "QUILLET_HDF5_LINKS_${description}" result)
+  string(MAKE_C_IDENTIFIER "QUILLET_HDF5_IS_${description}" result)
   if(QUILLET_HDF5_LIBRARIES OR "${ARGN}" MATCHES "NOTFOUND")
     return()
   endif()
@@ -36,6 +41,9 @@ quillet_try_hdf5("static" ${QUILLET_HDF5_STATIC} ${QUILLET_Z_STATIC})
 quillet_try_hdf5("static_with_szip" ${QUILLET_HDF5_STATIC} ${QUILLET_SZ_STATIC}
                  ${QUILLET_AEC_STATIC} ${QUILLET_Z_STATIC})
 if(NOT QUILLET_HDF5_LIBRARIES)
+  if(CMAKE_CROSSCOMPILING)
+    message(FATAL_ERROR "No static HDF5 that links")
+  endif()
   message(STATUS "No static HDF5 that links: every run pays for loading the shared one")
   set(QUILLET_HDF5_LIBRARIES ${HDF5_C_LIBRARIES})
 endif()

@@ -1,10 +1,6 @@
 #include "ensight/ensight_export.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <string_view>
 
 #include "ensight/case_file.h"
@@ -19,6 +15,7 @@
 #include "support/file_names.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
+#include "support/system_files.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -26,9 +23,7 @@ namespace {
 
 // A case file of an earlier export would point to files of this one.
 void remove_older(const std::string& case_name) {
-  while (::unlink(case_name.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) {
-    ASK_TO_TRY_AGAIN(case_name, std::strerror(errno));
-  }
+  while (!REMOVE_FILE(case_name)) ASK_TO_TRY_AGAIN(case_name, SYSTEM_REASON());
 }
 
 class EnsightExport {

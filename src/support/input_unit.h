@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "support/system_files.h"
+
 namespace quillet {
 
 class InputUnit {
@@ -32,7 +34,7 @@ class InputUnit {
 
  private:
   std::string file_name;
-  int descriptor = -1;
+  SystemFile file = no_file;
   std::int64_t file_size = 0;
 };
 

@@ -49,15 +49,15 @@ class OutputUnit {
   void write_out(const char* data, std::size_t size);
   void flush();
 
-  struct FreeDeleter {
+  struct Freer {
     void operator()(char* memory) const;
   };
 
   std::string file_name;
   bool is_direct = false;
   PartFile part;
-  int descriptor = -1;  // of the part file or, written directly, of its own
-  std::unique_ptr<char, FreeDeleter> buffer;
+  SystemFile file = no_file;  // of the part file or, written directly, of its own
+  std::unique_ptr<char, Freer> buffer;
   std::size_t buffered = 0;
   std::int64_t written = 0;
   std::int64_t reserved = 0;

@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "support/system_files.h"
+
 namespace quillet {
 
 std::string PART_NAME(const std::string& file_name);
@@ -23,8 +25,8 @@ class PartFile {
   // Ends the run when another run is writing this output.
   std::string create(const std::string& final_name);
 
-  bool is_open() const { return descriptor >= 0; }
-  int handle() const { return descriptor; }
+  bool is_open() const { return file != no_file; }
+  SystemFile handle() const { return file; }
   const std::string& name() const { return part_name; }
 
   // Closes the file and gives it its final name. Returns the system's reason when that fails.
@@ -39,7 +41,7 @@ class PartFile {
 
   std::string final_name;
   std::string part_name;
-  int descriptor = -1;
+  SystemFile file = no_file;
 };
 
 }  // namespace quillet

@@ -1,12 +1,11 @@
 #include "xf/xf_file.h"
 
-#include <fcntl.h>
-
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <system_error>
 
+#include "support/system_files.h"
 #include "xf/xf_errors.h"
 #include "xf/xf_file_state.h"
 #include "xf/xf_table.h"
@@ -163,8 +162,7 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
   return {};
 }
 
-void XF_EXPECT_SIZE([[maybe_unused]] const XfFile& file, [[maybe_unused]] std::int64_t bytes) {
-#ifdef __linux__
+void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {
   hsize_t size = 0;
   void* descriptor = nullptr;  // behind HDF5's usual file driver
   if (bytes <= 0 || H5Fget_filesize(file->id.get(), &size) < 0 ||
@@ -172,11 +170,10 @@ void XF_EXPECT_SIZE([[maybe_unused]] const XfFile& file, [[maybe_unused]] std::i
     return;
   }
   // The file must not look longer than what HDF5 has written.
-  const bool reserved = ::fallocate(*static_cast<const int*>(descriptor), FALLOC_FL_KEEP_SIZE,
-                                    static_cast<off_t>(size), bytes) == 0;
+  const bool reserved = RESERVE_BEYOND_END(*static_cast<const SystemFile*>(descriptor),
+                                           static_cast<std::int64_t>(size), bytes);
   // What a full disk could give is given back: the guess may be too high.
   if (!reserved) give_back_reserve(file->created_name);
-#endif
 }
 
 XfStatus XF_CLOSE_FILE(XfFile& file) {

@@ -1,15 +1,11 @@
-#include "support/interrupt.h"
-
 #include <csignal>
+
+#include "support/interrupt.h"
 
 namespace quillet {
 namespace {
 
-#ifdef SIGHUP
 constexpr int noted_signals[] = {SIGINT, SIGTERM, SIGHUP};
-#else
-constexpr int noted_signals[] = {SIGINT, SIGTERM};
-#endif
 
 volatile std::sig_atomic_t noted_signal = 0;
 

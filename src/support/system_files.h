@@ -1,0 +1,66 @@
+// Files, as the system is asked for them. Here alone the platforms differ: names are UTF-8,
+// positions and sizes are 64-bit bytes, nothing is translated. A routine that fails tells why by
+// SYSTEM_REASON, asked right after it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace quillet {
+
+// An open file; no_file stands for none.
+using SystemFile = int;
+constexpr SystemFile no_file = -1;
+
+// Why the last of these routines failed: "No space left on device".
+std::string SYSTEM_REASON();
+
+// Opens a regular file for reading and tells its length; no_file and the reason for anything else
+// (a folder, a pipe, a device). Other programs may read, write, rename and remove it meanwhile.
+SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::string& reason);
+
+// Opens a file for writing, made when it is not there and otherwise left as it is; no_file and the
+// reason also for a link and for anything but a regular file.
+SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason);
+
+// Creates the file or empties the one that is there, for writing.
+SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason);
+
+// Locks the file until it is closed. False when another process has locked it; a file system that
+// has no locks counts as done.
+bool LOCK_SYSTEM_FILE(SystemFile file);
+
+// True when the name leads to this file itself: another process may have renamed or removed it.
+bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file);
+
+// False when the system tells only now that it could not write something. The file stays open.
+bool SYSTEM_FILE_IS_WRITTEN(SystemFile file);
+
+// False when the system could not write what it held back.
+bool CLOSE_SYSTEM_FILE(SystemFile file);
+
+// One read or write at the most that the system takes at a time: how many bytes, or -1. The read
+// leaves the file's position alone and gives 0 at its end.
+std::int64_t READ_SOME_AT(SystemFile file, std::int64_t position, void* destination,
+                          std::int64_t count);
+std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count);
+
+// Room on the disk for a file that will have `bytes` bytes; its length may become that already.
+// False when the system has no such thing or not the room, of which it may have given a part.
+bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes);
+
+// The same from `size` on for one that grows by `bytes` and keeps its length; `file` is behind a
+// library's own descriptor.
+bool RESERVE_BEYOND_END(SystemFile file, std::int64_t size, std::int64_t bytes);
+
+// Cuts the file to `bytes` bytes and gives back what was reserved beyond.
+bool CUT_FILE(SystemFile file, std::int64_t bytes);
+
+// Gives the file its other name, in the place of the one that has it. It may be open here.
+bool RENAME_FILE(const std::string& from, const std::string& to);
+
+// Removes a file, not a folder. True also when there is none. It may be open here.
+bool REMOVE_FILE(const std::string& name);
+
+}  // namespace quillet

@@ -1,0 +1,122 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "support/system_files.h"
+
+namespace quillet {
+
+namespace {
+
+// The file when it is a regular one; else it is closed.
+SystemFile regular_only(int file, struct stat& status, std::string& reason) {
+  if (file < 0 || ::fstat(file, &status) != 0) {
+    reason = SYSTEM_REASON();
+  } else if (S_ISREG(status.st_mode)) {
+    return file;
+  } else {
+    reason = S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "Not a regular file";
+  }
+  if (file >= 0) ::close(file);
+  return no_file;
+}
+
+}  // namespace
+
+std::string SYSTEM_REASON() {
+  return std::strerror(errno);
+}
+
+SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::string& reason) {
+  struct stat status {};
+  const int file =
+      regular_only(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK), status, reason);
+  size = status.st_size;
+  return file;
+}
+
+SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason) {
+  constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  struct stat status {};
+  return regular_only(::open(name.c_str(), flags, 0666), status, reason);
+}
+
+SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason) {
+  const int file = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (file < 0) reason = SYSTEM_REASON();
+  return file;
+}
+
+bool LOCK_SYSTEM_FILE(SystemFile file) {
+  return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file) {
+  struct stat opened {};
+  struct stat named {};
+  return ::fstat(file, &opened) == 0 && ::lstat(name.c_str(), &named) == 0 &&
+         named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
+// Told at a close, so a second descriptor is closed.
+bool SYSTEM_FILE_IS_WRITTEN(SystemFile file) {
+  const int second = ::dup(file);
+  return second >= 0 && ::close(second) == 0;
+}
+
+bool CLOSE_SYSTEM_FILE(SystemFile file) {
+  return ::close(file) == 0;
+}
+
+std::int64_t READ_SOME_AT(SystemFile file, std::int64_t position, void* destination,
+                          std::int64_t count) {
+  for (;;) {
+    const auto got = ::pread(file, destination, static_cast<std::size_t>(count), position);
+    if (got >= 0 || errno != EINTR) return got;
+  }
+}
+
+std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count) {
+  for (;;) {
+    const auto put = ::write(file, data, static_cast<std::size_t>(count));
+    if (put >= 0 || errno != EINTR) return put;
+  }
+}
+
+// The plain system call: the library's fallback would write every block.
+#ifdef __linux__
+bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes) {
+  return ::fallocate(file, 0, 0, bytes) == 0;
+}
+
+bool RESERVE_BEYOND_END(SystemFile file, std::int64_t size, std::int64_t bytes) {
+  return ::fallocate(file, FALLOC_FL_KEEP_SIZE, size, bytes) == 0;
+}
+#else
+bool RESERVE_FILE_ROOM(SystemFile, std::int64_t) {
+  return false;
+}
+
+bool RESERVE_BEYOND_END(SystemFile, std::int64_t, std::int64_t) {
+  return false;
+}
+#endif
+
+bool CUT_FILE(SystemFile file, std::int64_t bytes) {
+  return ::ftruncate(file, bytes) == 0;
+}
+
+bool RENAME_FILE(const std::string& from, const std::string& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool REMOVE_FILE(const std::string& name) {
+  return ::unlink(name.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
+}
+
+}  // namespace quillet

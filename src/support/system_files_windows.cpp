@@ -1,0 +1,254 @@
+#include <windows.h>
+// windows.h comes first: the others need its types.
+#include <fcntl.h>
+#include <io.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "support/system_files.h"
+
+namespace quillet {
+namespace {
+
+// Without long paths a name has room for 259 characters, and the system calls a longer one a path
+// that it cannot find.
+constexpr std::size_t longest_plain_name = 259;
+
+std::wstring wide(const std::string& name) {
+  const int size = static_cast<int>(name.size());
+  const int length = ::MultiByteToWideChar(CP_UTF8, 0, name.data(), size, nullptr, 0);
+  std::wstring result(static_cast<std::size_t>(length), L'\0');
+  ::MultiByteToWideChar(CP_UTF8, 0, name.data(), size, result.data(), length);
+  return result;
+}
+
+bool is_long(const std::wstring& name) {
+  return ::GetFullPathNameW(name.c_str(), 0, nullptr, nullptr) > longest_plain_name;
+}
+
+// The nearest of the numbers that POSIX systems have.
+int error_number(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_DRIVE:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+      return ENOENT;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_USER_MAPPED_FILE:
+      return EBUSY;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_CURRENT_DIRECTORY:
+      return EACCES;
+    case ERROR_WRITE_PROTECT:
+      return EROFS;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return ENOSPC;
+    case ERROR_FILE_TOO_LARGE:
+      return EFBIG;
+    case ERROR_NOT_ENOUGH_MEMORY:
+    case ERROR_OUTOFMEMORY:
+      return ENOMEM;
+    case ERROR_TOO_MANY_OPEN_FILES:
+      return EMFILE;
+    case ERROR_FILENAME_EXCED_RANGE:
+    case ERROR_BUFFER_OVERFLOW:
+      return ENAMETOOLONG;
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+      return EINVAL;
+    default:
+      return EIO;
+  }
+}
+
+bool note_error(DWORD error) {
+  errno = error_number(error);
+  return false;
+}
+
+bool note_error_of(const std::wstring& name) {
+  note_error(::GetLastError());
+  if (errno == ENOENT && is_long(name)) errno = ENAMETOOLONG;
+  return false;
+}
+
+HANDLE handle_of(SystemFile file) {
+  return reinterpret_cast<HANDLE>(::_get_osfhandle(file));
+}
+
+DWORD piece(std::int64_t count) {
+  constexpr std::int64_t most_at_a_time = std::int64_t{1} << 30;
+  return static_cast<DWORD>(std::min(count, most_at_a_time));
+}
+
+// Reserved names lead to devices whatever folder and extension they have.
+bool is_on_disk(HANDLE handle) {
+  BY_HANDLE_FILE_INFORMATION about{};
+  if (::GetFileType(handle) != FILE_TYPE_DISK || !::GetFileInformationByHandle(handle, &about)) {
+    return false;
+  }
+  return (about.dwFileAttributes &
+          (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT)) == 0;
+}
+
+constexpr const char* not_regular = "Not a regular file";
+constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// Opens what is a regular file: no folder, no device and, when asked so, no link.
+SystemFile open_on_disk(const std::string& name, DWORD access, DWORD disposition, DWORD flags,
+                        std::string& reason) {
+  const std::wstring wide_name = wide(name);
+  const HANDLE handle =
+      ::CreateFileW(wide_name.c_str(), access, share_all, nullptr, disposition, flags, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    note_error_of(wide_name);
+    const DWORD attributes = ::GetFileAttributesW(wide_name.c_str());
+    const bool is_folder =
+        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    reason = is_folder ? std::strerror(EISDIR) : SYSTEM_REASON();
+    return no_file;
+  }
+  if (!is_on_disk(handle)) {
+    ::CloseHandle(handle);
+    reason = not_regular;
+    return no_file;
+  }
+  return ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_BINARY | _O_NOINHERIT);
+}
+
+bool identity_of(HANDLE handle, BY_HANDLE_FILE_INFORMATION& identity) {
+  return handle != INVALID_HANDLE_VALUE && ::GetFileInformationByHandle(handle, &identity) != 0;
+}
+
+}  // namespace
+
+std::string SYSTEM_REASON() {
+  switch (errno) {
+    case EBUSY:
+      return "another program holds the file open";
+    case ENAMETOOLONG:
+      return "File name too long";
+    case EINVAL:
+      return "Windows does not allow this name for a file";
+    case EFBIG:
+      return "File too large";
+    default:
+      return std::strerror(errno);
+  }
+}
+
+SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::string& reason) {
+  const SystemFile file = open_on_disk(name, GENERIC_READ, OPEN_EXISTING, 0, reason);
+  LARGE_INTEGER length{};
+  if (file == no_file) return no_file;
+  if (!::GetFileSizeEx(handle_of(file), &length)) {
+    note_error(::GetLastError());
+    reason = SYSTEM_REASON();
+    ::_close(file);
+    return no_file;
+  }
+  size = length.QuadPart;
+  return file;
+}
+
+SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason) {
+  return open_on_disk(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT,
+                      reason);
+}
+
+SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason) {
+  return open_on_disk(name, GENERIC_WRITE, CREATE_ALWAYS, 0, reason);
+}
+
+// One byte far beyond the end of any file: a lock keeps others from what it covers, and nobody is
+// to be kept from the data.
+bool LOCK_SYSTEM_FILE(SystemFile file) {
+  OVERLAPPED where{};
+  where.OffsetHigh = 0x40000000;
+  constexpr DWORD at_once = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+  return ::LockFileEx(handle_of(file), at_once, 0, 1, 0, &where) ||
+         (::GetLastError() != ERROR_LOCK_VIOLATION && ::GetLastError() != ERROR_IO_PENDING);
+}
+
+bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file) {
+  const HANDLE named = ::CreateFileW(wide(name).c_str(), 0, share_all, nullptr, OPEN_EXISTING,
+                                     FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+  BY_HANDLE_FILE_INFORMATION a{};
+  BY_HANDLE_FILE_INFORMATION b{};
+  const bool both = identity_of(named, a) && identity_of(handle_of(file), b);
+  if (named != INVALID_HANDLE_VALUE) ::CloseHandle(named);
+  return both && a.dwVolumeSerialNumber == b.dwVolumeSerialNumber &&
+         a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
+}
+
+// Every write tells at once.
+bool SYSTEM_FILE_IS_WRITTEN(SystemFile) {
+  return true;
+}
+
+bool CLOSE_SYSTEM_FILE(SystemFile file) {
+  return ::_close(file) == 0;
+}
+
+std::int64_t READ_SOME_AT(SystemFile file, std::int64_t position, void* destination,
+                          std::int64_t count) {
+  OVERLAPPED where{};
+  where.Offset = static_cast<DWORD>(position & 0xFFFFFFFF);
+  where.OffsetHigh = static_cast<DWORD>(position >> 32);
+  DWORD got = 0;
+  if (::ReadFile(handle_of(file), destination, piece(count), &got, &where)) return got;
+  if (::GetLastError() == ERROR_HANDLE_EOF) return 0;
+  note_error(::GetLastError());
+  return -1;
+}
+
+std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count) {
+  DWORD put = 0;
+  if (!::WriteFile(handle_of(file), data, piece(count), &put, nullptr)) {
+    note_error(::GetLastError());
+    return -1;
+  }
+  if (put == 0 && count > 0) {
+    errno = ENOSPC;
+    return -1;
+  }
+  return put;
+}
+
+bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes) {
+  FILE_ALLOCATION_INFO room{};
+  room.AllocationSize.QuadPart = bytes;
+  return ::SetFileInformationByHandle(handle_of(file), FileAllocationInfo, &room, sizeof room) ||
+         note_error(::GetLastError());
+}
+
+bool RESERVE_BEYOND_END(SystemFile file, std::int64_t size, std::int64_t bytes) {
+  return RESERVE_FILE_ROOM(file, size + bytes);
+}
+
+bool CUT_FILE(SystemFile file, std::int64_t bytes) {
+  FILE_END_OF_FILE_INFO end{};
+  end.EndOfFile.QuadPart = bytes;
+  return ::SetFileInformationByHandle(handle_of(file), FileEndOfFileInfo, &end, sizeof end) ||
+         note_error(::GetLastError());
+}
+
+bool RENAME_FILE(const std::string& from, const std::string& to) {
+  const std::wstring new_name = wide(to);
+  return ::MoveFileExW(wide(from).c_str(), new_name.c_str(), MOVEFILE_REPLACE_EXISTING) ||
+         note_error_of(new_name);
+}
+
+// A file that is still open, here or elsewhere, goes when it is closed.
+bool REMOVE_FILE(const std::string& name) {
+  const std::wstring wide_name = wide(name);
+  return ::DeleteFileW(wide_name.c_str()) || note_error_of(wide_name) || errno == ENOENT;
+}
+
+}  // namespace quillet
