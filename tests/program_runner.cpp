@@ -55,6 +55,8 @@ void limit(__rlimit_resource resource, rlim_t value) {
     ::close(STDERR_FILENO);
   }
   ::signal(SIGXFSZ, SIG_IGN);
+  // Whatever started the tests, a script in the background for one, may have had these ignored.
+  for (const int interrupt : {SIGINT, SIGTERM, SIGHUP}) ::signal(interrupt, SIG_DFL);
   limit(RLIMIT_FSIZE, settings.largest_file);
   if (can_limit_memory) limit(RLIMIT_AS, settings.address_space);
   for (const std::string& entry : settings.environment) {

@@ -4,6 +4,7 @@
 #include <io.h>
 
 #include <cstdlib>
+#include <initializer_list>
 
 #include "support/system_process.h"
 

@@ -1,7 +1,7 @@
-#include "support/terminal.h"
-
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "support/terminal.h"
 
 namespace quillet {
 
