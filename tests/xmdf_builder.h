@@ -46,7 +46,7 @@ inline XfGroupHandle XMDF_GROUP(hid_t file, const std::string& path, const XmdfF
     make_group(file, folder.c_str(), form.has_group_types ? "GENERIC" : nullptr);
   }
   XfGroupHandle group = make_group(file, path.c_str(), form.has_group_types ? group_type : nullptr);
-  EXPECT_TRUE(xf_write_text_attribute(group.get(), "TimeUnits", form.time_units));
+  EXPECT_EQ(xf_write_text_attribute(group.get(), "TimeUnits", form.time_units).reason, "");
   return group;
 }
 

@@ -61,17 +61,6 @@ XfStatus check_file_type(hid_t file) {
                           : "an HDF5 file but not an XMDF file, it has no File Type");
 }
 
-bool write_version(hid_t file) {
-  const hsize_t extent = 1;
-  const XfSpaceHandle space(H5Screate_simple(1, &extent, nullptr));
-  const XfPropertiesHandle properties(H5Pcreate(H5P_DATASET_CREATE));
-  H5Pset_obj_track_times(properties.get(), false);
-  const XfDatasetHandle dataset(H5Dcreate2(file, file_version_name, H5T_IEEE_F32LE, space.get(),
-                                           H5P_DEFAULT, properties.get(), H5P_DEFAULT));
-  return dataset.valid() && H5Dwrite(dataset.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT,
-                                     &file_version) >= 0;
-}
-
 XfFileHandle create_file(const std::string& name, XfLastError& error) {
   const XfPropertiesHandle creation(H5Pcreate(H5P_FILE_CREATE));
   // Equal runs give equal bytes: no times in the file.
@@ -84,6 +73,16 @@ XfFileHandle create_file(const std::string& name, XfLastError& error) {
 bool holds_numbers(hid_t dataset) {
   const XfTypeHandle type(H5Dget_type(dataset));
   return xf_is_number(type.get());
+}
+
+XfStatus incomplete() {
+  return xf_hdf5_failure("the file cannot be completed");
+}
+
+// HDF5 keeps back headers and lists of chunks; closing the file tells less well what became of
+// them.
+XfStatus write_what_is_left(const XfFileState& file) {
+  return H5Fflush(file.id.get(), H5F_SCOPE_LOCAL) >= 0 ? XfStatus{} : incomplete();
 }
 
 // Cutting a file to the length that it has gives back the blocks beyond.
@@ -154,10 +153,12 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
     return xf_failure(error.system_reason.empty() ? "the file cannot be created"
                                                   : error.system_reason);
   }
-  if (!xf_write_text_dataset(created.get(), file_type_name, file_type) ||
-      !write_version(created.get())) {
-    return xf_hdf5_failure("the file cannot be written");
+  XfStatus status = xf_write_text_dataset(created.get(), file_type_name, file_type);
+  if (status.ok()) {
+    status = xf_write_single(created.get(), file_version_name, H5T_IEEE_F32LE, H5T_NATIVE_FLOAT,
+                             &file_version);
   }
+  if (!status.ok()) return status;
   file.reset(new XfFileState(std::move(created), name));
   return {};
 }
@@ -178,8 +179,8 @@ void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {
 
 XfStatus XF_CLOSE_FILE(XfFile& file) {
   if (!file) return {};
-  const bool closed = file->id.close();
-  XfStatus status = closed ? XfStatus{} : xf_hdf5_failure("the file cannot be completed");
+  XfStatus status = file->created_name.empty() ? XfStatus{} : write_what_is_left(*file);
+  if (!file->id.close() && status.ok()) status = incomplete();
   file.reset();
   return status;
 }

@@ -77,10 +77,13 @@ XfStatus XfTableWriter::write_row(const std::byte* row) {
 XfStatus XfTableWriter::complete() {
   if (!set_rows(written_rows)) return failure();
   const hsize_t left = written_rows % storage.rows_per_chunk;
-  if (left == 0) return {};
-  std::byte* const chunk = next_row() - left * row_bytes;
-  std::memset(next_row(), 0, (storage.rows_per_chunk - left) * row_bytes);
-  return write_chunk(written_rows - left, chunk);
+  if (left > 0) {
+    std::byte* const chunk = next_row() - left * row_bytes;
+    std::memset(next_row(), 0, (storage.rows_per_chunk - left) * row_bytes);
+    XfStatus status = write_chunk(written_rows - left, chunk);
+    if (!status.ok()) return status;
+  }
+  return dataset.close() ? XfStatus{} : failure();
 }
 
 bool XfTableWriter::set_rows(hsize_t rows) {
@@ -116,11 +119,12 @@ XfStatus xf_write_series(hid_t group, const char* name, hid_t stored_type, hid_t
   const XfSpaceHandle space(H5Screate_simple(1, &count, &unlimited));
   const XfPropertiesHandle properties = properties_without_fill(compression);
   H5Pset_chunk(properties.get(), 1, &chunk);
-  const XfDatasetHandle dataset(H5Dcreate2(group, name, stored_type, space.get(), H5P_DEFAULT,
-                                           properties.get(), H5P_DEFAULT));
-  const bool written =
-      dataset.valid() && (count == 0 || H5Dwrite(dataset.get(), memory_type, H5S_ALL, H5S_ALL,
-                                                 H5P_DEFAULT, values) >= 0);
+  XfDatasetHandle dataset(H5Dcreate2(group, name, stored_type, space.get(), H5P_DEFAULT,
+                                     properties.get(), H5P_DEFAULT));
+  const bool written = dataset.valid() &&
+                       (count == 0 || H5Dwrite(dataset.get(), memory_type, H5S_ALL, H5S_ALL,
+                                               H5P_DEFAULT, values) >= 0) &&
+                       dataset.close();
   return written ? XfStatus{} : xf_hdf5_failure(std::string(name) + " cannot be written");
 }
 

@@ -35,7 +35,7 @@ class XfTableWriter {
   std::byte* next_row();
   // `row` may be next_row() or any other memory.
   XfStatus write_row(const std::byte* row);
-  // Writes the last chunk and cuts the extents to the rows written.
+  // Writes the last chunk, cuts the extents to the rows written, and closes the dataset.
   XfStatus complete();
 
  private:

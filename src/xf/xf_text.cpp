@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "xf/xf_errors.h"
 #include "xf/xf_handle.h"
 
 namespace quillet {
@@ -58,11 +59,13 @@ XfSpaceHandle array_of_one() {
   return XfSpaceHandle(H5Screate_simple(1, &extent, nullptr));
 }
 
-bool write_attribute(hid_t object, const char* name, hid_t type, const void* value) {
+XfStatus write_attribute(hid_t object, const char* name, hid_t type, const void* value) {
   const XfSpaceHandle space = array_of_one();
-  const XfAttributeHandle attribute(
+  XfAttributeHandle attribute(
       H5Acreate2(object, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT));
-  return attribute.valid() && H5Awrite(attribute.get(), type, value) >= 0;
+  const bool written =
+      attribute.valid() && H5Awrite(attribute.get(), type, value) >= 0 && attribute.close();
+  return written ? XfStatus{} : xf_hdf5_failure(std::string(name) + " cannot be written");
 }
 
 }  // namespace
@@ -98,23 +101,31 @@ bool xf_same_text(const std::string& a, const char* b) {
                     [&](char c, char d) { return upper(c) == upper(d); });
 }
 
-bool xf_write_text_attribute(hid_t object, const char* name, const std::string& text) {
+XfStatus xf_write_text_attribute(hid_t object, const char* name, const std::string& text) {
   return write_attribute(object, name, fixed_text_type(text).get(), text.c_str());
 }
 
-bool xf_write_integer_attribute(hid_t object, const char* name, int value) {
+XfStatus xf_write_integer_attribute(hid_t object, const char* name, int value) {
   return write_attribute(object, name, H5T_NATIVE_INT32, &value);
 }
 
-bool xf_write_text_dataset(hid_t file, const char* name, const std::string& text) {
+XfStatus xf_write_text_dataset(hid_t file, const char* name, const std::string& text) {
   const XfTypeHandle type = fixed_text_type(text);
+  return xf_write_single(file, name, type.get(), type.get(), text.c_str());
+}
+
+XfStatus xf_write_single(hid_t file, const char* name, hid_t stored_type, hid_t memory_type,
+                         const void* value) {
   const XfSpaceHandle space = array_of_one();
   const XfPropertiesHandle properties(H5Pcreate(H5P_DATASET_CREATE));
   H5Pset_obj_track_times(properties.get(), false);
-  const XfDatasetHandle dataset(
-      H5Dcreate2(file, name, type.get(), space.get(), H5P_DEFAULT, properties.get(), H5P_DEFAULT));
-  return dataset.valid() &&
-         H5Dwrite(dataset.get(), type.get(), H5S_ALL, H5S_ALL, H5P_DEFAULT, text.c_str()) >= 0;
+  XfDatasetHandle dataset(
+      H5Dcreate2(file, name, stored_type, space.get(), H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+  const bool written =
+      dataset.valid() &&
+      H5Dwrite(dataset.get(), memory_type, H5S_ALL, H5S_ALL, H5P_DEFAULT, value) >= 0 &&
+      dataset.close();
+  return written ? XfStatus{} : xf_hdf5_failure(std::string(name) + " cannot be written");
 }
 
 }  // namespace quillet

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "xf/xf_status.h"
+
 namespace quillet {
 
 // The first text of an attribute or of a dataset, without its padding. Nothing when it does not
@@ -17,10 +19,12 @@ std::optional<std::string> xf_dataset_text(hid_t file, const char* name);
 // Same letters, whatever their case.
 bool xf_same_text(const std::string& a, const char* b);
 
-// Writers for what every reader expects: fixed length with a closing null, arrays of one. False
-// when HDF5 refuses.
-bool xf_write_text_attribute(hid_t object, const char* name, const std::string& text);
-bool xf_write_integer_attribute(hid_t object, const char* name, int value);
-bool xf_write_text_dataset(hid_t file, const char* name, const std::string& text);
+// Writers for what every reader expects: fixed length with a closing null, arrays of one.
+XfStatus xf_write_text_attribute(hid_t object, const char* name, const std::string& text);
+XfStatus xf_write_integer_attribute(hid_t object, const char* name, int value);
+XfStatus xf_write_text_dataset(hid_t file, const char* name, const std::string& text);
+// A dataset of one element; `memory_type` is how `value` stands in memory.
+XfStatus xf_write_single(hid_t file, const char* name, hid_t stored_type, hid_t memory_type,
+                         const void* value);
 
 }  // namespace quillet

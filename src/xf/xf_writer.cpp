@@ -42,20 +42,33 @@ void copy_zero_or_one(const std::int8_t* flags, std::size_t count, unsigned char
   for (std::size_t i = 0; i < count; ++i) copy[i] = flags[i] != 0 ? 1 : 0;
 }
 
-XfGroupHandle create_group(hid_t parent, const std::string& name, const char* group_type) {
+XfStatus create_group(hid_t parent, const std::string& name, const char* group_type,
+                      XfGroupHandle& group) {
   const XfPropertiesHandle properties(H5Pcreate(H5P_GROUP_CREATE));
   H5Pset_obj_track_times(properties.get(), false);
-  XfGroupHandle group(H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT));
-  if (group.valid() && !xf_write_text_attribute(group.get(), "Grouptype", group_type)) return {};
-  return group;
+  group =
+      XfGroupHandle(H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, properties.get(), H5P_DEFAULT));
+  if (!group.valid()) return xf_hdf5_failure("the group cannot be written");
+  return xf_write_text_attribute(group.get(), "Grouptype", group_type);
 }
 
-// One level of a path. An invalid handle when it stands for something else, or cannot be made.
-XfGroupHandle enter_group(hid_t parent, const std::string& name) {
-  if (H5Lexists(parent, name.c_str(), H5P_DEFAULT) == 0) {
-    return create_group(parent, name, "GENERIC");
+// One level of a path, from the group above it. Fails when it stands for something else, or cannot
+// be made.
+XfStatus enter_group(const std::string& name, XfGroupHandle& group) {
+  XfGroupHandle above = std::move(group);
+  XfStatus status;
+  if (H5Lexists(above.get(), name.c_str(), H5P_DEFAULT) == 0) {
+    status = create_group(above.get(), name, "GENERIC", group);
+  } else {
+    group = XfGroupHandle(H5Gopen2(above.get(), name.c_str(), H5P_DEFAULT));
+    if (!group.valid()) status = xf_hdf5_failure("the group cannot be made");
   }
-  return XfGroupHandle(H5Gopen2(parent, name.c_str(), H5P_DEFAULT));
+  if (status.ok() && !above.close()) status = xf_hdf5_failure("a group cannot be closed");
+  return status;
+}
+
+XfStatus not_closed() {
+  return xf_hdf5_failure("the group cannot be closed");
 }
 
 XfStatus check_options(const XfDatasetOptions& options) {
@@ -67,12 +80,15 @@ XfStatus check_options(const XfDatasetOptions& options) {
   return sizes_fit ? XfStatus{} : xf_failure("expected positive numbers of output times");
 }
 
-bool write_attributes(hid_t group, const XfDatasetOptions& options) {
+XfStatus write_attributes(hid_t group, const XfDatasetOptions& options) {
   constexpr int real_values = 0;
-  return xf_write_integer_attribute(group, "Data Type", real_values) &&
-         xf_write_integer_attribute(group, "DatasetCompression", options.compression) &&
-         xf_write_text_attribute(group, "DatasetUnits", options.units) &&
-         xf_write_text_attribute(group, "TimeUnits", options.time_units);
+  XfStatus status = xf_write_integer_attribute(group, "Data Type", real_values);
+  if (status.ok()) {
+    status = xf_write_integer_attribute(group, "DatasetCompression", options.compression);
+  }
+  if (status.ok()) status = xf_write_text_attribute(group, "DatasetUnits", options.units);
+  if (status.ok()) status = xf_write_text_attribute(group, "TimeUnits", options.time_units);
+  return status;
 }
 
 XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t components,
@@ -84,10 +100,10 @@ XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t
     return xf_failure("the name is already used");
   }
   const char* const type = components == 1 ? "DATASET SCALAR" : "DATASET VECTOR";
-  XfGroupHandle group = create_group(folder->id.get(), name, type);
-  if (!group.valid() || !write_attributes(group.get(), options)) {
-    return xf_hdf5_failure("the group cannot be written");
-  }
+  XfGroupHandle group;
+  status = create_group(folder->id.get(), name, type, group);
+  if (status.ok()) status = write_attributes(group.get(), options);
+  if (!status.ok()) return status;
   dataset.reset(new XfDatasetState{});
   dataset->id = std::move(group);
   dataset->components = components;
@@ -153,13 +169,14 @@ XfStatus complete_tables(XfDatasetState& dataset) {
   return status.ok() ? dataset.activity.complete() : status;
 }
 
+// Readers look into the first of Mins and Maxs without asking whether there is one.
 XfStatus write_all_series(const XfDatasetState& dataset) {
   const hid_t group = dataset.id.get();
   const int compression = dataset.storage.compression;
   const hsize_t count = dataset.times.size();
   XfStatus status = xf_write_series(group, "Times", H5T_IEEE_F64LE, H5T_NATIVE_DOUBLE,
                                     dataset.times.data(), count, compression);
-  if (!status.ok()) return status;
+  if (!status.ok() || count == 0) return status;
   status = xf_write_series(group, "Mins", H5T_IEEE_F32LE, H5T_NATIVE_FLOAT, dataset.smallest.data(),
                            count, compression);
   if (!status.ok()) return status;
@@ -179,15 +196,15 @@ void XfDatasetCloser::operator()(XfDatasetState* state) const {
 XfStatus XF_CREATE_GENERIC_GROUP(const XfFile& file, const std::string& path, XfFolder& folder) {
   XfGroupHandle group(H5Gopen2(file->id.get(), "/", H5P_DEFAULT));
   std::string_view rest = path;
-  while (group.valid() && !rest.empty()) {
+  XfStatus status = group.valid() ? XfStatus{} : xf_hdf5_failure("the file cannot be written");
+  while (status.ok() && !rest.empty()) {
     const std::size_t slash = rest.find('/');
     const std::string level(rest.substr(0, slash));
-    if (!level.empty()) group = enter_group(group.get(), level);
+    if (!level.empty()) status = enter_group(level, group);
     rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash + 1);
   }
-  if (!group.valid()) return xf_hdf5_failure("the group cannot be made");
-  folder.reset(new XfFolderState{std::move(group)});
-  return {};
+  if (status.ok()) folder.reset(new XfFolderState{std::move(group)});
+  return status;
 }
 
 XfStatus XF_CREATE_SCALAR_DATASET(const XfFolder& folder, const std::string& name,
@@ -221,7 +238,9 @@ XfStatus XF_CLOSE_GROUP(XfDataset& dataset) {
   if (!dataset) return {};
   XfStatus status = xf_guard_memory([&] {
     XfStatus completed = complete_tables(*dataset);
-    return completed.ok() ? write_all_series(*dataset) : completed;
+    if (completed.ok()) completed = write_all_series(*dataset);
+    if (completed.ok() && !dataset->id.close()) completed = not_closed();
+    return completed;
   });
   dataset.reset();
   return status;
@@ -229,9 +248,9 @@ XfStatus XF_CLOSE_GROUP(XfDataset& dataset) {
 
 XfStatus XF_CLOSE_GROUP(XfFolder& folder) {
   if (!folder) return {};
-  const bool closed = folder->id.close();
+  XfStatus status = folder->id.close() ? XfStatus{} : not_closed();
   folder.reset();
-  return closed ? XfStatus{} : xf_failure("the group cannot be closed");
+  return status;
 }
 
 }  // namespace quillet

@@ -83,10 +83,7 @@ TEST_P(Faults, LeaveACompleteOutputOrNone) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Units, Faults, ::testing::ValuesIn(runs_written_to_units),
-                         NAME_OF_WRITING_RUN);
-INSTANTIATE_TEST_SUITE_P(FileSets, Faults, ::testing::ValuesIn(runs_written_to_file_sets),
-                         NAME_OF_WRITING_RUN);
+INSTANTIATE_TEST_SUITE_P(All, Faults, ::testing::ValuesIn(ALL_WRITING_RUNS()), NAME_OF_WRITING_RUN);
 
 }  // namespace
 }  // namespace quillet::testing

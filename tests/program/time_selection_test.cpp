@@ -321,9 +321,9 @@ TEST(XmdfSelections, ConsolesAndWholeOutputs) {
              "Creating scalar dataset: Velocity\nDone.\nDone\n",
          head("Range", "Temporal") +
              "Vector Velocity DATASET VECTOR m Hours\n  Times float64 0:\n"
-             "  Values float32 0x2x2:\n  Mins float32 0:\n  Maxs float32 0:\n"
+             "  Values float32 0x2x2:\n"
              "Range/Temporal/Velocity DATASET SCALAR m Hours\n  Times float64 0:\n"
-             "  Values float32 0x2:\n  Mins float32 0:\n  Maxs float32 0:\n");
+             "  Values float32 0x2:\n");
 }
 
 }  // namespace

@@ -34,17 +34,26 @@ class XfTest : public ::testing::Test {
   testing::Workspace folder;
 };
 
+// Equal files have equal bytes, whenever they are made.
+inline XfPropertiesHandle without_times(hid_t object_class) {
+  XfPropertiesHandle properties(H5Pcreate(object_class));
+  H5Pset_obj_track_times(properties.get(), false);
+  return properties;
+}
+
 // An XMDF file that holds what `fill` puts into it.
 inline void make_file(const std::string& name, const std::function<void(hid_t file)>& fill) {
-  const XfFileHandle file(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
-  ASSERT_TRUE(xf_write_text_dataset(file.get(), "File Type", "Xmdf"));
+  const XfPropertiesHandle properties = without_times(H5P_FILE_CREATE);
+  const XfFileHandle file(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, properties.get(), H5P_DEFAULT));
+  ASSERT_EQ(xf_write_text_dataset(file.get(), "File Type", "Xmdf").reason, "");
   fill(file.get());
 }
 
 inline XfGroupHandle make_group(hid_t parent, const char* name, const char* group_type = nullptr) {
-  XfGroupHandle group(H5Gcreate2(parent, name, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+  const XfPropertiesHandle properties = without_times(H5P_GROUP_CREATE);
+  XfGroupHandle group(H5Gcreate2(parent, name, H5P_DEFAULT, properties.get(), H5P_DEFAULT));
   if (group_type != nullptr) {
-    EXPECT_TRUE(xf_write_text_attribute(group.get(), "Grouptype", group_type));
+    EXPECT_EQ(xf_write_text_attribute(group.get(), "Grouptype", group_type).reason, "");
   }
   return group;
 }
@@ -64,7 +73,7 @@ XfDatasetHandle make_member(hid_t group, const char* name, hid_t stored, const S
   std::vector<hsize_t> largest(shape.extents);
   if (!shape.chunk.empty()) largest.assign(largest.size(), H5S_UNLIMITED);
   const XfSpaceHandle space(H5Screate_simple(rank, shape.extents.data(), largest.data()));
-  const XfPropertiesHandle properties(H5Pcreate(H5P_DATASET_CREATE));
+  const XfPropertiesHandle properties = without_times(H5P_DATASET_CREATE);
   if (!shape.chunk.empty()) H5Pset_chunk(properties.get(), rank, shape.chunk.data());
   if (shape.more) shape.more(properties.get());
   XfDatasetHandle dataset(
