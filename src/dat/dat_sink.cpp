@@ -21,14 +21,12 @@ DatSink::DatSink(std::string output_name, const DatasetNames& names)
       dataset_name(names.dataset.empty() ? file_name : names.dataset),
       writer(announced(file_name)) {}
 
-void DatSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
-  empty_shape.node_count = shape.node_count;
-  empty_shape.cell_count = shape.cell_count;
-  empty_shape.is_vector = shape.is_vector;
-  writer.expect_times(likely_time_count, empty_shape);
+void DatSink::prepare(const ResultShape& shape, std::int64_t likely_time_count) {
+  expected = shape;
+  writer.expect_times(likely_time_count, expected);
 }
 
-void DatSink::write_header(const RES_TYPE& shape) {
+void DatSink::write_header(const ResultShape& shape) {
   SAY("Writing header inforamtion to .dat file: " + file_name);
   writer.write_header(FILENAME(dataset_name), shape);
   SAY("Done");
@@ -37,7 +35,7 @@ void DatSink::write_header(const RES_TYPE& shape) {
 }
 
 void DatSink::write(float time, const RES_TYPE& record) {
-  if (!has_header) write_header(record);
+  if (!has_header) write_header(SHAPE_OF(record));
   SAY("Writing output data to: " + file_name);
   writer.write_time(time, record);
   if (time < 0 && !std::exchange(warned_of_negative_time, true)) {
@@ -61,7 +59,7 @@ void DatSink::write_map(const ResultMap& map, const RES_TYPE& record) {
 }
 
 void DatSink::close() {
-  if (!has_header) write_header(empty_shape);
+  if (!has_header) write_header(expected);
   SAY("Writing END cards");
   SAY("Closing output file.");
   writer.close();

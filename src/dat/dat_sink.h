@@ -14,21 +14,20 @@ class DatSink : public ResultSink {
   DatSink(std::string file_name, const DatasetNames& names);
 
   const std::string& name() const override { return file_name; }
-  void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
-  void start_dataset(const std::string&, const std::string&, const RES_TYPE&,
-                     std::int64_t) override {}
+  void prepare(const ResultShape& shape, std::int64_t likely_time_count) override;
+  void start_dataset(DatasetKind, const std::string&, const ResultShape&, std::int64_t) override {}
   void write_time(const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;
 
  private:
-  void write_header(const RES_TYPE& shape);
+  void write_header(const ResultShape& shape);
   void write(float time, const RES_TYPE& record);
 
   std::string file_name;
   std::string dataset_name;
   DatWriter writer;
-  RES_TYPE empty_shape;  // counts and vector flag only
+  ResultShape expected;
   bool has_header = false;
   bool header_says_vector = false;
   bool warned_of_negative_time = false;

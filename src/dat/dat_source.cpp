@@ -13,10 +13,15 @@ namespace quillet {
 void DatSource::read_header() {
   SAY("Reading Header for: " + name());
   reader.read_header();
-  SAY("Number Cells: " + AINTEGER(cell_count()));
-  SAY("Number Nodes: " + AINTEGER(node_count()));
+  SAY("Number Cells: " + AINTEGER(reader.header().cell_count));
+  SAY("Number Nodes: " + AINTEGER(reader.header().node_count));
   SAY("Data Description: " + reader.header().name);
   reader.check_counts();
+}
+
+ResultShape DatSource::shape() const {
+  const DatHeader& header = reader.header();
+  return {header.node_count, header.cell_count, header.is_vector};
 }
 
 void DatSource::read_next(RES_TYPE& record) {

@@ -18,9 +18,7 @@ class DatSource : public ResultSource {
   void read_header();
 
   const std::string& name() const override { return reader.name(); }
-  std::int32_t node_count() const override { return reader.header().node_count; }
-  std::int32_t cell_count() const override { return reader.header().cell_count; }
-  bool is_vector() const override { return reader.header().is_vector; }
+  ResultShape shape() const override;
   std::int64_t likely_time_count() const override { return reader.time_count_bound(); }
 
   bool at_end() const override { return reader.at_end(); }

@@ -8,15 +8,16 @@
 
 namespace quillet {
 
-void DatWaterLevels::open(const RES_TYPE& shape) {
+void DatWaterLevels::open(const ResultShape& data) {
   source.emplace(file_name);
   source->read_header();
-  if (source->node_count() != shape.node_count || source->cell_count() != shape.cell_count) {
+  const ResultShape shape = source->shape();
+  if (!SAME_COUNTS(shape, data)) {
     SAY("ERROR - Number nodes and/or cells in " + file_name +
         " not the same as in primary .dat file.");
     END_WITH_PAUSE();
   }
-  SIZE_RECORD(step, source->node_count(), source->cell_count(), source->is_vector());
+  SIZE_RECORD(step, shape.node_count, shape.cell_count.value_or(0), shape.is_vector);
 }
 
 void DatWaterLevels::warn_of_other_time(const RES_TYPE& data) const {

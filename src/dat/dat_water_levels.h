@@ -14,7 +14,7 @@ class DatWaterLevels : public WaterLevels {
   explicit DatWaterLevels(std::string levels_file) : file_name(std::move(levels_file)) {}
 
   // Opens the file. Counts other than the data's end the run.
-  void open(const RES_TYPE& shape) override;
+  void open(const ResultShape& data) override;
   bool at_end() const override { return source->at_end(); }
   void read_next(const RES_TYPE& data) override;
   void read_at_time(float time, float tolerance, const RES_TYPE& data) override;

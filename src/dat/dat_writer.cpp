@@ -32,14 +32,14 @@ std::string DAT_DATASET_NAME(std::string_view name) {
   return std::string(name.substr(name.size() - dat_name_length - 1, dat_name_length));
 }
 
-void DatWriter::expect_times(std::int64_t count, const RES_TYPE& shape) {
+void DatWriter::expect_times(std::int64_t count, const ResultShape& shape) {
   const std::int64_t value_size = shape.is_vector ? pair_size : std::int64_t{sizeof(float)};
-  const std::int64_t step_size =
-      dat_card_size + dat_step_head_size + shape.cell_count + shape.node_count * value_size;
+  const std::int64_t step_size = dat_card_size + dat_step_head_size + shape.cell_count.value_or(0) +
+                                 shape.node_count * value_size;
   file.expect_size(dat_header_size + count * step_size + dat_card_size);
 }
 
-void DatWriter::write_header(std::string_view dataset_name, const RES_TYPE& shape) {
+void DatWriter::write_header(std::string_view dataset_name, const ResultShape& shape) {
   std::string name = DAT_DATASET_NAME(dataset_name);
   name.resize(dat_name_length, ' ');
   put(dat_version);
@@ -53,7 +53,7 @@ void DatWriter::write_header(std::string_view dataset_name, const RES_TYPE& shap
   put(code(DatCard::node_count));
   put(shape.node_count);
   put(code(DatCard::cell_count));
-  put(shape.cell_count);
+  put(shape.cell_count.value_or(0));
   put(code(DatCard::name));
   file.write(name);
 }

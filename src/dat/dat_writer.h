@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "results/result_shape.h"
 #include "results/results_record.h"
 #include "support/output_unit.h"
 
@@ -20,8 +21,8 @@ class DatWriter {
   // Creates the file (see OutputUnit).
   explicit DatWriter(const std::string& file_name) : file(file_name) {}
 
-  void expect_times(std::int64_t count, const RES_TYPE& shape);
-  void write_header(std::string_view dataset_name, const RES_TYPE& shape);
+  void expect_times(std::int64_t count, const ResultShape& shape);
+  void write_header(std::string_view dataset_name, const ResultShape& shape);
 
   // A negative time is written as 111111: the format's readers take no negative times.
   void write_time(float time, const RES_TYPE& record);

@@ -9,6 +9,7 @@
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/text.h"
+#include "xmdf/xmdf_folders.h"
 
 namespace quillet {
 namespace {
@@ -42,23 +43,6 @@ std::string code_of(const std::string& type_name) {
     if (ASAME(type.name, type_name)) return type.code == no_code ? "" : std::string(type.code);
   }
   return "";
-}
-
-std::string folder_of(DatasetKind kind) {
-  switch (kind) {
-    case DatasetKind::maximum:
-      return "Maximums";
-    case DatasetKind::minimum:
-      return "Minimums";
-    case DatasetKind::special_times:
-      return "Times";
-    case DatasetKind::fixed:
-      return "Fixed";
-    case DatasetKind::other:
-      return "another folder";
-    default:
-      return "Temporal";
-  }
 }
 
 // A dataset of the folder Times has one output, at time 0.
@@ -112,7 +96,7 @@ struct DatPlan {
     for (ConversionTarget& target : targets) {
       if (target.file_name == name) return target;
     }
-    return targets.emplace_back(ConversionTarget{name, "", {}});
+    return targets.emplace_back(ConversionTarget{FileKind::dat, name, "", {}});
   }
 
   // Two runs in one file: which series and maximum belong together cannot be told.
@@ -136,16 +120,16 @@ struct DatPlan {
       } else if (stands_twice(suffix)) {
         warn(*dataset, "stands more than once");
       } else {
-        target_named(FILENAMEPATH(input) + suffix + ".dat")
-            .datasets.push_back({dataset.get(), "", dataset->name(), time});
+        target_named(FILENAMEPATH(input) + suffix + EXTENSION_OF(FileKind::dat))
+            .datasets.push_back({dataset.get(), kind, dataset->name(), time});
       }
     }
   }
 
   void leave_out(DatasetKind kind) const {
+    const std::string folder(kind == DatasetKind::other ? "another folder" : XMDF_FOLDER(kind));
     for (const auto& dataset : all) {
-      if (dataset->kind() == kind)
-        warn(*dataset, "in " + folder_of(kind) + " has no place in a .dat file");
+      if (dataset->kind() == kind) warn(*dataset, "in " + folder + " has no place in a .dat file");
     }
   }
 
@@ -160,14 +144,15 @@ ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& typ
                                   const Datasets& datasets) {
   const std::string group =
       is_of_known_type(input) ? FILENAMEPATHNO_(FILENAME(input)) : FILENAME(input);
-  ConversionTarget target{FILENAMEPATH(input) + ".xmdf", group, {}};
+  const std::string name = FILENAMEPATH(input) + EXTENSION_OF(FileKind::xmdf);
+  ConversionTarget target{FileKind::xmdf, name, group, {}};
   for (const auto& dataset : datasets) {
-    const std::string name = xmdf_dataset_name(input, type, *dataset);
-    if (name.empty()) {
+    const std::string dataset_name = xmdf_dataset_name(input, type, *dataset);
+    if (dataset_name.empty()) {
       DatPlan::warn(*dataset, "holds times of maximums of another data type");
     } else {
       target.datasets.push_back(
-          {dataset.get(), folder_of(dataset->kind()), name, time_in_folder(dataset->kind())});
+          {dataset.get(), dataset->kind(), dataset_name, time_in_folder(dataset->kind())});
     }
   }
   return target;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "driver/file_formats.h"
 #include "operations/conversion.h"
 #include "results/input_type.h"
 #include "results/result_dataset.h"
@@ -13,6 +14,7 @@ namespace quillet {
 
 // One file that a conversion writes.
 struct ConversionTarget {
+  FileKind kind = FileKind::dat;
   std::string file_name;
   std::string group;  // of an XMDF target
   std::vector<ConvertedDataset> datasets;

@@ -2,13 +2,11 @@
 
 #include <algorithm>
 
-#include "dat/dat_sink.h"
 #include "driver/conversion_plan.h"
 #include "driver/output_opening.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/text.h"
-#include "xmdf/xmdf_sink.h"
 
 namespace quillet {
 namespace {
@@ -16,7 +14,6 @@ namespace {
 // One input with what becomes of it.
 struct Conversion {
   ResultSource* source = nullptr;
-  FileKind target_kind = FileKind::dat;
   Datasets datasets;
   std::vector<ConversionTarget> targets;
 };
@@ -27,7 +24,6 @@ Conversion plan(const RunSetup& setup, std::size_t input) {
   conversion.source = setup.inputs.sources[input].get();
   conversion.datasets = conversion.source->datasets();
   if (setup.input_kinds[input] == FileKind::dat) {
-    conversion.target_kind = FileKind::xmdf;
     conversion.targets = {PLAN_XMDF_TARGET(name, setup.inputs.types[input], conversion.datasets)};
   } else {
     conversion.targets =
@@ -46,11 +42,9 @@ bool apply_output_name(const RunOptions& options, std::vector<Conversion>& conve
     SAY("Specifed output name ignored.");
     return false;
   }
-  const bool to_xmdf = conversions[0].target_kind == FileKind::xmdf;
-  const std::string extension = to_xmdf ? ".xmdf" : ".dat";
-  std::string& name = conversions[0].targets[0].file_name;
-  name = *options.output_name;
-  if (FILEEXT(name) != extension) name += extension;
+  ConversionTarget& target = conversions[0].targets[0];
+  target.file_name = *options.output_name;
+  ADD_EXTENSION(target.kind, target.file_name);
   return true;
 }
 
@@ -75,23 +69,18 @@ bool has_vectors(const Datasets& datasets) {
                      [](const auto& dataset) { return dataset->is_vector(); });
 }
 
-void write_target(FileKind kind, const ConversionTarget& target, RES_TYPE& step) {
-  const DatasetNames names{target.group, "", target.datasets.front().dataset_name};
-  std::unique_ptr<ResultSink> sink;
-  if (kind == FileKind::xmdf) {
-    sink = std::make_unique<XmdfSink>(target.file_name, names);
-  } else {
-    sink = std::make_unique<DatSink>(target.file_name, names);
-  }
+void write_target(const ConversionTarget& target, RES_TYPE& step) {
+  const DatasetNames names{target.group, DatasetKind::series, target.datasets.front().dataset_name};
+  const auto sink = CREATE_OUTPUT(target.kind, target.file_name, names);
   CONVERT_DATASETS(target.datasets, *sink, step);
 }
 
 void convert(const Conversion& conversion, RES_TYPE& step) {
-  const ResultSource& source = *conversion.source;
-  SIZE_RECORD_OF_PAIRS(step, source.node_count(), std::max(source.cell_count(), 0),
+  const ResultShape shape = conversion.source->shape();
+  SIZE_RECORD_OF_PAIRS(step, shape.node_count, shape.cell_count.value_or(0),
                        has_vectors(conversion.datasets));
   for (const ConversionTarget& target : conversion.targets) {
-    write_target(conversion.target_kind, target, step);
+    write_target(target, step);
   }
 }
 

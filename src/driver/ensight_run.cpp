@@ -36,8 +36,8 @@ void EXPORT_INPUTS_TO_ENSIGHT(RunSetup& setup) {
   run.output_base = setup.naming.base_file_name;
   run.mesh_file = setup.inputs.types.front().mesh_file;
   run.files_read = FILES_READ(setup);
-  run.node_count = setup.node_count;
-  if (setup.cell_count != unknown_count) run.cell_count = setup.cell_count;
+  run.node_count = setup.shape.node_count;
+  run.cell_count = setup.shape.cell_count;
   run.is_finite_volume = setup.is_finite_volume;
   run.time_tolerance = setup.tolerance;
 

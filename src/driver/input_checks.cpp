@@ -7,18 +7,11 @@
 namespace quillet {
 namespace {
 
-bool fits(std::int32_t a, std::int32_t b) {
-  return a == b || a == unknown_count || b == unknown_count;
-}
-
 void check_counts(const RunSetup& setup) {
   const ResultSource& primary = PRIMARY_INPUT(setup);
   SAY_APART("Checking that .dat and .xmdf files have same number nodes and cells...");
   for (const auto& source : setup.inputs.sources) {
-    if (fits(source->node_count(), primary.node_count()) &&
-        fits(source->cell_count(), primary.cell_count())) {
-      continue;
-    }
+    if (SAME_COUNTS(source->shape(), primary.shape())) continue;
     SAY("ERROR - Number nodes and/or cells in " + source->name() +
         " not the same as in primary .dat file.");
     END_WITH_PAUSE();
@@ -29,7 +22,7 @@ void check_counts(const RunSetup& setup) {
 void check_vectors(const RunSetup& setup) {
   if (!setup.operation.needs_vectors) return;
   for (const auto& source : setup.inputs.sources) {
-    if (source->is_vector()) continue;
+    if (source->shape().is_vector) continue;
     SAY_APART("ERROR - .dat file or xmdf type must be vector data for " +
               std::string(setup.operation.flag) + " option");
     END_WITH_PAUSE();
@@ -38,7 +31,7 @@ void check_vectors(const RunSetup& setup) {
 
 void check_kinds(const RunSetup& setup) {
   for (const auto& source : setup.inputs.sources) {
-    if (source->is_vector() == PRIMARY_INPUT(setup).is_vector()) continue;
+    if (source->shape().is_vector == PRIMARY_INPUT(setup).shape().is_vector) continue;
     SAY("ERROR - " + source->name() +
         " is not the same vector or scalar format as in primary .dat file.");
     END_WITH_PAUSE();

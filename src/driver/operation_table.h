@@ -11,6 +11,7 @@
 #include "driver/own_options.h"
 #include "driver/run_options.h"
 #include "operations/work_arrays.h"
+#include "results/dataset_kind.h"
 
 namespace quillet {
 
@@ -46,14 +47,6 @@ enum class OutputKind {
   own,         // the operation's own affair
 };
 
-// Which kind of dataset the output holds.
-enum class OutputDataset {
-  series,
-  maximum,
-  minimum,
-  by_time,  // a stored extreme when one was asked for, else a series
-};
-
 // What is said after the operation: nothing, or "Finished.", which makes the run end in another
 // way.
 enum class LastWords { none, finished };
@@ -73,7 +66,8 @@ struct OperationRow {
   // Sets the dataset's name and, unless the user named it, the file's; may speak.
   void (*name_output)(const RunOptions& options, OutputNaming& naming) = nullptr;
   OutputKind output = OutputKind::results;
-  OutputDataset dataset = OutputDataset::series;
+  DatasetKind dataset = DatasetKind::series;
+  bool dataset_by_time = false;      // a stored extreme where one is asked for by its time
   bool opens_output_itself = false;  // when it is performed, not in the set-up
 
   // The inputs.

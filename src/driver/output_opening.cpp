@@ -2,13 +2,11 @@
 
 #include <cmath>
 
-#include "dat/dat_sink.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/output_unit.h"
 #include "support/text.h"
-#include "xmdf/xmdf_sink.h"
 
 namespace quillet {
 namespace {
@@ -19,31 +17,16 @@ void refuse(const std::string& input, const std::string& output_name) {
   }
 }
 
-// The folder of an XMDF output tells stored extremes from a time series.
-std::string output_folder(const RunSetup& setup) {
-  switch (OUTPUT_DATASET(setup)) {
-    case OutputDataset::maximum:
-      return "Maximums";
-    case OutputDataset::minimum:
-      return "Minimums";
-    case OutputDataset::series:
-    case OutputDataset::by_time:
-      return "Temporal";
-  }
-  return "Temporal";
-}
-
 }  // namespace
 
-OutputDataset OUTPUT_DATASET(const RunSetup& setup) {
-  const OutputDataset dataset = setup.operation.dataset;
-  if (dataset != OutputDataset::by_time) return dataset;
+DatasetKind OUTPUT_DATASET(const RunSetup& setup) {
+  if (!setup.operation.dataset_by_time) return setup.operation.dataset;
   const auto asks_for = [&](float time) {
     return setup.time && std::fabs(*setup.time - time) < setup.tolerance;
   };
-  if (asks_for(stored_maximum_time)) return OutputDataset::maximum;
-  if (asks_for(stored_minimum_time)) return OutputDataset::minimum;
-  return OutputDataset::series;
+  if (asks_for(stored_maximum_time)) return DatasetKind::maximum;
+  if (asks_for(stored_minimum_time)) return DatasetKind::minimum;
+  return setup.operation.dataset;
 }
 
 std::vector<std::string> FILES_READ(const RunSetup& setup) {
@@ -66,13 +49,9 @@ void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_nam
 void OPEN_OUTPUT(RunSetup& setup) {
   const std::string& name = setup.naming.base_file_name;
   REFUSE_INPUT_AS_OUTPUT(setup, name);
-  const DatasetNames names{setup.naming.group_name, output_folder(setup),
+  const DatasetNames names{setup.naming.group_name, OUTPUT_DATASET(setup),
                            setup.naming.dataset_name};
-  if (setup.output_kind == FileKind::xmdf) {
-    setup.output = std::make_unique<XmdfSink>(name, names);
-  } else {
-    setup.output = std::make_unique<DatSink>(name, names);
-  }
+  setup.output = CREATE_OUTPUT(setup.output_kind, name, names);
 }
 
 }  // namespace quillet

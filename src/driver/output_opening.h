@@ -16,8 +16,8 @@ std::vector<std::string> FILES_READ(const RunSetup& setup);
 // one, by whatever name, or would grow under the name of one.
 void REFUSE_INPUT_AS_OUTPUT(const RunSetup& setup, const std::string& output_name);
 
-// What the output holds; not `by_time`, which the time asked for has settled.
-OutputDataset OUTPUT_DATASET(const RunSetup& setup);
+// What the output holds, which may depend on the time asked for.
+DatasetKind OUTPUT_DATASET(const RunSetup& setup);
 
 // Opens the output, one dataset file that is named by now, under its temporary name.
 void OPEN_OUTPUT(RunSetup& setup);

@@ -1,10 +1,10 @@
 #include "driver/output_type.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "support/console.h"
-#include "support/file_names.h"
 
 namespace quillet {
 namespace {
@@ -32,11 +32,11 @@ void mark_by_inputs(const std::vector<FileKind>& input_kinds, Marks& marks) {
 }
 
 void mark_by_name(const std::string& output_name, Marks& marks) {
-  const std::string extension = FILEEXT(output_name);
-  if (extension == ".xmdf") {
+  const std::optional<FileKind> kind = KIND_OF_RESULTS(output_name);
+  if (kind == FileKind::xmdf) {
     SAY("Specified output file is .xmdf type");
     marks.xmdf = true;
-  } else if (extension == ".dat") {
+  } else if (kind == FileKind::dat) {
     SAY("Specified output file is .dat type");
     marks.dat = true;
   } else {
@@ -44,8 +44,16 @@ void mark_by_name(const std::string& output_name, Marks& marks) {
   }
 }
 
-void append_extension(std::string_view extension, std::string& name) {
-  if (FILEEXT(name) != extension) name += extension;
+std::string_view announcement(FileKind kind) {
+  switch (kind) {
+    case FileKind::dat:
+      return "Using DAT for output type";
+    case FileKind::xmdf:
+      return "Using XMDF for output type";
+    case FileKind::text:
+      return "Output file is a text file";
+  }
+  return "";
 }
 
 }  // namespace
@@ -59,16 +67,8 @@ FileKind SETTLE_OUTPUT_TYPE(OutputKind output, const RunOptions& options,
   const FileKind kind = marks.xmdf ? FileKind::xmdf : marks.dat ? FileKind::dat : FileKind::text;
   if (output == OutputKind::conversion) return kind;
 
-  if (kind == FileKind::xmdf) {
-    SAY_APART("Using XMDF for output type");
-    append_extension(".xmdf", naming.base_file_name);
-  } else if (kind == FileKind::dat) {
-    SAY_APART("Using DAT for output type");
-    append_extension(".dat", naming.base_file_name);
-  } else {
-    SAY_APART("Output file is a text file");
-    append_extension(".txt", naming.base_file_name);
-  }
+  SAY_APART(announcement(kind));
+  ADD_EXTENSION(kind, naming.base_file_name);
   return kind;
 }
 

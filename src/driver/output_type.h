@@ -4,13 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "driver/file_formats.h"
 #include "driver/operation_table.h"
 #include "driver/output_naming.h"
 #include "driver/run_options.h"
 
 namespace quillet {
-
-enum class FileKind { dat, xmdf, text };
 
 // Prints what decides. `input_kinds` has one entry per input. Appends the extension to the base
 // file name, where the operation does not name its outputs itself.

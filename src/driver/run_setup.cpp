@@ -65,10 +65,9 @@ void refuse_withdrawn(const OperationRow& operation) {
 }
 
 FileKind kind_of_input(const std::string& name) {
-  const std::string extension = FILEEXT(name);
-  if (extension == ".xmdf") return FileKind::xmdf;
-  if (extension == ".dat") return FileKind::dat;
-  FAIL_RUN("ERROR - Unable to determine file type (expecting .dat or .xmdf).");
+  const std::optional<FileKind> kind = KIND_OF_RESULTS(name);
+  if (!kind) FAIL_RUN("ERROR - Unable to determine file type (expecting .dat or .xmdf).");
+  return *kind;
 }
 
 void classify_inputs(RunSetup& setup) {
@@ -138,7 +137,8 @@ void read_dat_headers(RunSetup& setup) {
   for (DatSource* const source : setup.dat_sources) {
     source->read_header();
     const bool is_primary = source == setup.dat_sources.front();
-    if (!is_primary || source->cell_count() != source->node_count()) continue;
+    const ResultShape shape = source->shape();
+    if (!is_primary || shape.cell_count != shape.node_count) continue;
     SAY_APART("Number of cells equals number of nodes, assuming ORVANE FV output");
     setup.is_finite_volume = true;
     setup.wet_dry_test = false;
@@ -181,12 +181,9 @@ void choose_water_levels(RunSetup& setup) {
 }
 
 void take_shape(RunSetup& setup) {
-  const ResultSource& primary = PRIMARY_INPUT(setup);
-  setup.node_count = primary.node_count();
-  setup.is_vector = primary.is_vector();
-  setup.cell_count = primary.cell_count();
+  setup.shape = PRIMARY_INPUT(setup).shape();
   for (const auto& source : setup.inputs.sources) {
-    if (setup.cell_count == unknown_count) setup.cell_count = source->cell_count();
+    if (!setup.shape.cell_count) setup.shape.cell_count = source->shape().cell_count;
   }
 }
 
@@ -230,18 +227,15 @@ void SET_UP_RUN(RunSetup& setup) {
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
   choose_water_levels(setup);
   take_shape(setup);
-  const std::int32_t known_cells = std::max(setup.cell_count, 0);
-  ALLOCATE_WORK_ARRAYS(operation.arrays,
-                       {setup.node_count, known_cells, setup.is_vector, setup.wet_dry_test},
-                       setup.work);
+  ArrayUse arrays = operation.arrays;
+  arrays.bed = arrays.bed && setup.wet_dry_test;
+  ALLOCATE_WORK_ARRAYS(arrays, setup.shape, setup.work);
   announce_walk(setup);
 }
 
 OperationRun OPERATION_RUN(RunSetup& setup) {
   OperationRun run{.inputs = setup.inputs, .output = *setup.output, .work = setup.work};
-  run.node_count = setup.node_count;
-  run.cell_count = setup.cell_count;
-  run.is_vector = setup.is_vector;
+  run.shape = setup.shape;
   run.wet_dry_test = setup.wet_dry_test;
   run.time = setup.time;
   run.tolerance = setup.tolerance;

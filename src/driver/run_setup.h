@@ -2,7 +2,6 @@
 // sized arrays: everything that an operation needs.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,10 +37,7 @@ struct RunSetup {
   std::unique_ptr<ResultSink> output{};      // none for operations that open theirs themselves
   WorkArrays work{};
 
-  // Of the mesh that all inputs share.
-  std::int32_t node_count = 0;
-  std::int32_t cell_count = 0;  // unknown_count when no input tells
-  bool is_vector = false;
+  ResultShape shape{};  // of all inputs; with cells when any of them tells their number
   bool is_finite_volume = false;
   bool wet_dry_test = true;
 };

@@ -12,16 +12,17 @@ namespace {
 // Beside the input, whose own name stays in it.
 std::string output_name(const RunSetup& setup) {
   const std::string input = FILENAMEPATH(setup.input_names.front());
-  if (setup.input_kinds.front() == FileKind::dat) return input + "_va.dat";
-  return input + "_" + setup.options.type_code + "_va.xmdf";
+  const FileKind kind = setup.input_kinds.front();
+  const std::string type = kind == FileKind::xmdf ? "_" + setup.options.type_code : "";
+  return input + type + "_va" + EXTENSION_OF(kind);
 }
 
 // A .dat file is named after itself.
 std::string dataset_name(const RunSetup& setup) {
   if (setup.output_kind != FileKind::xmdf) return "";
-  const OutputDataset dataset = OUTPUT_DATASET(setup);
-  if (dataset == OutputDataset::maximum) return "Vector Angle Maximums";
-  if (dataset == OutputDataset::minimum) return "Vector Angle Minimums";
+  const DatasetKind dataset = OUTPUT_DATASET(setup);
+  if (dataset == DatasetKind::maximum) return "Vector Angle Maximums";
+  if (dataset == DatasetKind::minimum) return "Vector Angle Minimums";
   return "Vector Angle";
 }
 

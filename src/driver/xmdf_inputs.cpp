@@ -68,7 +68,7 @@ void OPEN_XMDF_INPUTS(RunSetup& setup) {
   }
   if (setup.xmdf_files.empty()) return;
   ReadXmdfHeaders(setup.xmdf_files);
-  setup.inputs.find_xmdf_time = [&files = setup.xmdf_files](float time, float tolerance) {
+  setup.inputs.choose_output_time = [&files = setup.xmdf_files](float time, float tolerance) {
     FindXmdfTime(files, time, tolerance);
   };
 }

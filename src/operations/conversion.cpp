@@ -22,7 +22,7 @@ void write_dataset(const ConvertedDataset& item, ResultSink& output, RES_TYPE& s
   ResultDataset& dataset = *item.dataset;
   const std::size_t count = dataset.times().size();
   step.is_vector = dataset.is_vector();
-  output.start_dataset(item.folder, item.dataset_name, step,
+  output.start_dataset(item.kind, item.dataset_name, SHAPE_OF(step),
                        static_cast<std::int64_t>(output_count(dataset)));
   for (std::size_t i = first_output(dataset); i < count; ++i) {
     SAY("Converting " + item.dataset_name + " at time " +
@@ -40,7 +40,7 @@ void CONVERT_DATASETS(const std::vector<ConvertedDataset>& datasets, ResultSink&
   std::size_t times = 0;
   for (const ConvertedDataset& item : datasets) times += output_count(*item.dataset);
   step.is_vector = datasets.front().dataset->is_vector();
-  output.prepare(step, static_cast<std::int64_t>(times));
+  output.prepare(SHAPE_OF(step), static_cast<std::int64_t>(times));
   for (const ConvertedDataset& item : datasets) write_dataset(item, output, step);
   output.close();
 }

@@ -14,9 +14,9 @@ namespace quillet {
 // One dataset on its way into an output.
 struct ConvertedDataset {
   ResultDataset* dataset = nullptr;
-  std::string folder;           // of the output, where it has folders
-  std::string dataset_name;     // likewise
-  std::optional<float> time{};  // hours; written in place of the dataset's own
+  DatasetKind kind = DatasetKind::series;  // in the output
+  std::string dataset_name;                // likewise, where it has names
+  std::optional<float> time{};             // hours; written in place of the dataset's own
 };
 
 // Writes the datasets (at least one) one after the other and closes the output. `step` is sized for

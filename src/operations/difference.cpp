@@ -103,11 +103,11 @@ void read_bed_elevations(OperationRun& run) {
   SAY("...need to also read .2dm files");
   const std::string& mesh1 = run.inputs.types[0].mesh_file;
   const std::string& mesh2 = run.inputs.types[1].mesh_file;
-  read_bed_elevations_of(mesh1, run.node_count, run.work.bed[0]);
+  read_bed_elevations_of(mesh1, run.shape.node_count, run.work.bed[0]);
   if (mesh1 == mesh2) {
     run.work.bed[1] = run.work.bed[0];
   } else {
-    read_bed_elevations_of(mesh2, run.node_count, run.work.bed[1]);
+    read_bed_elevations_of(mesh2, run.shape.node_count, run.work.bed[1]);
   }
   SAY("Finished reading .2dm files.");
 }
@@ -117,9 +117,9 @@ void open_water_levels(OperationRun& run) {
   SAY("...need to read water level data.");
   SAY("Allocating water level arrays.");
   SAY("...need to also read first _h.dat file");
-  run.inputs.water_levels[0]->open(run.work.step);
+  run.inputs.water_levels[0]->open(run.shape);
   SAY("...need to also read second _h.dat file");
-  run.inputs.water_levels[1]->open(run.work.step);
+  run.inputs.water_levels[1]->open(run.shape);
 }
 
 ComparedRun compared_run(OperationRun& run, std::size_t input, const char* ordinal,
@@ -139,7 +139,8 @@ void RUN_DIFFERENCE(OperationRun& run) {
     read_bed_elevations(run);
     open_water_levels(run);
   }
-  run.output.prepare(run.work.result, run.time ? 1 : run.inputs.sources[0]->likely_time_count());
+  run.output.prepare(SHAPE_OF(run.work.result),
+                     run.time ? 1 : run.inputs.sources[0]->likely_time_count());
 
   Comparison comparison{run, compared_run(run, 0, "first", run.work.step),
                         compared_run(run, 1, "second", run.work.second_step)};

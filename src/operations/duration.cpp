@@ -81,7 +81,7 @@ void write_result(OperationRun& run) {
   ROUND_TO_REALS(result.node_count, run.work.hours.data(), result.nd.x.data());
   result.is_vector = false;
   result.time = 0;
-  run.output.prepare(result, 1);
+  run.output.prepare(SHAPE_OF(result), 1);
   run.output.write_time(result);
   CLOSE_FILES_AND_EXIT(run);
 }

@@ -32,7 +32,7 @@ void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source)
   RESET_FILE_EXTREME(extreme, file);
   if (run.time) {
     source.read_at_time(*run.time, run.tolerance, file.record);
-    if (file.record.is_vector != run.is_vector) {
+    if (file.record.is_vector != run.shape.is_vector) {
       FAIL_READING(source.name(),
                    "expected vectors at time " + AREAL(*run.time) + ", found one value per node");
     }
@@ -48,18 +48,16 @@ std::optional<MESH_TYPE> mesh_for_levels(const OperationRun& run) {
   const auto& types = run.inputs.types;
   const bool has_levels = std::any_of(types.begin(), types.end(),
                                       [](const InputType& type) { return type.is_water_level; });
-  if (!run.wet_dry_test || run.is_vector || !has_levels) return std::nullopt;
+  if (!run.wet_dry_test || run.shape.is_vector || !has_levels) return std::nullopt;
   SAY("...need to read .2dm file for _h data type");
-  std::optional<std::int32_t> cell_count;
-  if (run.cell_count != unknown_count) cell_count = run.cell_count;
   MESH_TYPE mesh;
-  LOAD_MESH(run.inputs.types.front().mesh_file, run.node_count, cell_count, mesh);
+  LOAD_MESH(run.inputs.types.front().mesh_file, run.shape.node_count, run.shape.cell_count, mesh);
   return mesh;
 }
 
 // Inputs that tell no activity have every cell of the mesh active.
 void size_unknown_cells(OperationRun& run, const MESH_TYPE& mesh) {
-  if (run.cell_count != unknown_count) return;
+  if (run.shape.cell_count) return;
   WorkArrays& work = run.work;
   for (RES_TYPE* const record : {&work.step, &work.result, &work.file.record}) {
     SIZE_STATUSES(*record, mesh.element_count);
@@ -89,7 +87,7 @@ void write_maps(Extreme extreme, OperationRun& run) {
   const MapSet& maps = extreme == Extreme::maximum ? maximum_maps : minimum_maps;
   const bool has_times = run.inputs.sources.size() == 1 && !run.time;
   RES_TYPE& overall = run.work.result;
-  run.output.prepare(overall, has_times ? 3 : 2);
+  run.output.prepare(SHAPE_OF(overall), has_times ? 3 : 2);
   run.output.write_map(maps.values, overall);
 
   overall.is_vector = false;

@@ -15,10 +15,7 @@ struct OperationRun {
   ResultSink& output;
   WorkArrays& work;
 
-  // Of the mesh that all inputs share.
-  std::int32_t node_count = 0;
-  std::int32_t cell_count = 0;  // unknown_count when no input tells
-  bool is_vector = false;
+  ResultShape shape{};  // of all inputs; with cells when any of them tells their number
 
   bool wet_dry_test = true;     // dry nodes are told from wet ones
   std::optional<float> time{};  // hours; only this output time

@@ -17,11 +17,11 @@ std::string_view WHY_NOT_ORDINARY(float time) {
   return "";
 }
 
-void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
+void REWRITE_OUTPUT_TIMES(OperationRun& run, const ResultShape& written,
                           const std::function<void(RES_TYPE& step)>& change) {
   ResultSource& source = *run.inputs.sources.front();
   RES_TYPE& step = run.work.step;
-  run.output.prepare(written_shape, run.time ? 1 : source.likely_time_count());
+  run.output.prepare(written, run.time ? 1 : source.likely_time_count());
   if (run.time) {
     run.inputs.find_time(*run.time, run.tolerance);
     source.read_at_time(*run.time, run.tolerance, step);

@@ -17,8 +17,8 @@ void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
 std::string_view WHY_NOT_ORDINARY(float time);
 
 // Reads the output time asked for, or every one in turn, from the first input into the step record,
-// lets `change` work on it, and writes it. `written_shape` tells the output what will come.
-void REWRITE_OUTPUT_TIMES(OperationRun& run, const RES_TYPE& written_shape,
+// lets `change` work on it, and writes it. `written` tells the output what will come.
+void REWRITE_OUTPUT_TIMES(OperationRun& run, const ResultShape& written,
                           const std::function<void(RES_TYPE& step)>& change);
 
 // "Closing files and exiting" between empty lines, then closes the output.

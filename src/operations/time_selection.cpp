@@ -36,14 +36,14 @@ int copy_output_times(OperationRun& run, ResultSource& source, const ReasonToSki
 
 void RUN_KEEP(OperationRun& run) {
   SAY_APART("Keeping data at time " + AREAL(*run.time));
-  REWRITE_OUTPUT_TIMES(run, run.work.step, [](RES_TYPE&) {});
+  REWRITE_OUTPUT_TIMES(run, run.shape, [](RES_TYPE&) {});
   CLOSE_FILES_AND_EXIT(run);
 }
 
 void RUN_REMOVE(OperationRun& run) {
   SAY_APART("Removing data at time " + AREAL(*run.time));
   ResultSource& source = *run.inputs.sources.front();
-  run.output.prepare(run.work.step, source.likely_time_count());
+  run.output.prepare(run.shape, source.likely_time_count());
   const int removed = copy_output_times(run, source, [&](float time) {
     return run.tolerance > std::fabs(time - *run.time) ? "Skipping time to remove, time found: "
                                                        : "";
@@ -56,7 +56,7 @@ void RUN_RANGE(OperationRun& run) {
   SAY_APART("Keeping data from time " + AREAL(run.range_start) + " to time " +
             AREAL(run.range_end));
   ResultSource& source = *run.inputs.sources.front();
-  run.output.prepare(run.work.step, 0);
+  run.output.prepare(run.shape, 0);
   bool kept_any = false;
   copy_output_times(run, source, [&](float time) {
     const bool is_inside =
@@ -81,7 +81,7 @@ void RUN_CONCATENATE(OperationRun& run) {
   };
   std::int64_t likely_times = 0;
   for (const auto& source : run.inputs.sources) likely_times += source->likely_time_count();
-  run.output.prepare(run.work.step, likely_times);
+  run.output.prepare(run.shape, likely_times);
   for (const auto& source : run.inputs.sources) {
     SAY_APART("Processing file: " + source->name());
     copy_output_times(run, *source, reason_to_skip);

@@ -18,7 +18,7 @@ void trim(RES_TYPE& step, float limit) {
 
 void RUN_TRIM(OperationRun& run) {
   ANNOUNCE_OUTPUT_TIMES(run, "Trimming values at time at ", "Trimming values at all times.");
-  REWRITE_OUTPUT_TIMES(run, run.work.step, [&](RES_TYPE& step) { trim(step, run.cutoff); });
+  REWRITE_OUTPUT_TIMES(run, run.shape, [&](RES_TYPE& step) { trim(step, run.cutoff); });
   CLOSE_FILES_AND_EXIT(run);
 }
 

@@ -18,10 +18,9 @@ void turn_into_angles(RES_TYPE& step) {
 void RUN_VELOCITY_ANGLE(OperationRun& run) {
   ANNOUNCE_OUTPUT_TIMES(run, "Processing velocity angle at time at ",
                         "Processing velocity angles at all times.");
-  if (!run.is_vector) FAIL_RUN("ERROR - Must be vector for -va (velocity angle) option");
-  RES_TYPE angles;
-  angles.node_count = run.work.step.node_count;
-  angles.cell_count = run.work.step.cell_count;
+  if (!run.shape.is_vector) FAIL_RUN("ERROR - Must be vector for -va (velocity angle) option");
+  ResultShape angles = run.shape;
+  angles.is_vector = false;
   REWRITE_OUTPUT_TIMES(run, angles, turn_into_angles);
   CLOSE_FILES_AND_EXIT(run);
 }

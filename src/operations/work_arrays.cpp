@@ -10,50 +10,57 @@
 namespace quillet {
 namespace {
 
-void size_step(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
-  const auto [nodes, cells, is_vector, wet_dry_test] = shape;
-  if (use.step == StepForm::pairs) SIZE_RECORD_OF_PAIRS(work.step, nodes, cells, is_vector);
-  if (use.step == StepForm::components) SIZE_RECORD(work.step, nodes, cells, is_vector);
+std::int32_t known_cells(const ResultShape& shape) {
+  return shape.cell_count.value_or(0);
 }
 
-void size_second_step(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_step(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
+  if (use.step == StepForm::none) return;
+  if (use.step == StepForm::pairs) {
+    SIZE_RECORD_OF_PAIRS(work.step, shape.node_count, known_cells(shape), shape.is_vector);
+  } else {
+    SIZE_RECORD(work.step, shape.node_count, known_cells(shape), shape.is_vector);
+  }
+}
+
+void size_second_step(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (!use.second_step) return;
-  SIZE_RECORD(work.second_step, shape.node_count, shape.cell_count, shape.is_vector);
+  SIZE_RECORD(work.second_step, shape.node_count, known_cells(shape), shape.is_vector);
 }
 
 template <int run>
-void size_bed(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
-  if (use.bed && shape.wet_dry_test) SIZE_ARRAY(work.bed[run], shape.node_count);
+void size_bed(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
+  if (use.bed) SIZE_ARRAY(work.bed[run], shape.node_count);
 }
 
-void size_previous(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_previous(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (use.previous) SIZE_ARRAY(work.previous, shape.node_count);
 }
 
-void size_initial(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_initial(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (use.initial) SIZE_ARRAY(work.initial, shape.node_count);
 }
 
-void size_hours(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_hours(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (use.hours) SIZE_ARRAY(work.hours, shape.node_count);
 }
 
-void size_result(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_result(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (use.result == ResultForm::none) return;
   const bool is_scalar = use.result == ResultForm::scalar;
-  SIZE_RECORD(work.result, shape.node_count, shape.cell_count, shape.is_vector && !is_scalar);
+  SIZE_RECORD(work.result, shape.node_count, known_cells(shape), shape.is_vector && !is_scalar);
   if (!is_scalar) SIZE_SOURCES(work.result);
 }
 
-void size_file(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void size_file(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (!use.file) return;
-  SIZE_FILE_EXTREME(work.file, shape.node_count, shape.cell_count, shape.is_vector);
+  SIZE_FILE_EXTREME(work.file, shape.node_count, known_cells(shape), shape.is_vector);
 }
 
 // Scripts follow the labels; those that stand for no array have none to size.
 struct Allocation {
   std::string_view label;
-  void (*size)(const ArrayUse&, const WorkShape&, WorkArrays&) = nullptr;
+  void (*size)(const ArrayUse&, const ResultShape&, WorkArrays&) = nullptr;
 };
 
 constexpr std::array<Allocation, 20> allocations{{
@@ -81,9 +88,9 @@ constexpr std::array<Allocation, 20> allocations{{
 
 }  // namespace
 
-void ALLOCATE_WORK_ARRAYS(const ArrayUse& use, const WorkShape& shape, WorkArrays& work) {
+void ALLOCATE_WORK_ARRAYS(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   SAY_APART("Allocating RAM for a mesh of " + AINTEGER(shape.node_count) + " nodes and " +
-            AINTEGER(shape.cell_count) + " cells...");
+            AINTEGER(known_cells(shape)) + " cells...");
   for (const Allocation& allocation : allocations) {
     SAY_APART("Allocation " + std::string(allocation.label));
     if (allocation.size != nullptr) allocation.size(use, shape, work);

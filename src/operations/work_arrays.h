@@ -2,9 +2,9 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 
 #include "results/extreme_kernels.h"
+#include "results/result_shape.h"
 #include "results/results_record.h"
 
 namespace quillet {
@@ -30,7 +30,7 @@ enum class ResultForm { none, scalar, like_step_with_sources };
 struct ArrayUse {
   StepForm step = StepForm::none;
   bool second_step = false;
-  bool bed = false;  // where dry nodes are told from wet ones
+  bool bed = false;
   bool previous = false;
   bool initial = false;
   bool hours = false;
@@ -38,15 +38,7 @@ struct ArrayUse {
   bool file = false;
 };
 
-// What the arrays are sized for.
-struct WorkShape {
-  std::int32_t node_count = 0;
-  std::int32_t cell_count = 0;
-  bool is_vector = false;
-  bool wet_dry_test = true;
-};
-
 // Announces every array and sizes those in use. Ends the run when memory does not suffice.
-void ALLOCATE_WORK_ARRAYS(const ArrayUse& use, const WorkShape& shape, WorkArrays& work);
+void ALLOCATE_WORK_ARRAYS(const ArrayUse& use, const ResultShape& shape, WorkArrays& work);
 
 }  // namespace quillet

@@ -7,18 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "results/dataset_kind.h"
 #include "results/results_record.h"
 
 namespace quillet {
-
-enum class DatasetKind {
-  series,         // output times of the simulation
-  maximum,        // stored maxima
-  minimum,        // stored minima
-  special_times,  // times of maxima, durations: values are hours
-  fixed,          // does not change with time
-  other,          // in a folder that says nothing
-};
 
 class ResultDataset {
  public:

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "results/dataset_kind.h"
+#include "results/result_shape.h"
 #include "results/results_record.h"
 
 namespace quillet {
@@ -21,7 +23,7 @@ struct ResultMap {
 // Names under which results stand in formats that have them; hours throughout.
 struct DatasetNames {
   std::string group;
-  std::string folder;
+  DatasetKind kind = DatasetKind::series;
   std::string dataset;  // empty: the output's own name
 };
 
@@ -32,15 +34,15 @@ class ResultSink {
 
   virtual const std::string& name() const = 0;
 
-  // Tells what will come, before anything is written: the counts and the vector flag of the records
-  // (what the file says of itself when none is ever written), and a guess at how many output times,
-  // for reserving space.
-  virtual void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) = 0;
+  // Tells what will come, before anything is written: the shape of the records (what the file says
+  // of itself when none is ever written), and a guess at how many output times, for reserving
+  // space.
+  virtual void prepare(const ResultShape& shape, std::int64_t likely_time_count) = 0;
 
   // What follows stands in another dataset of the output's group. Formats that hold a single
   // dataset go on with it; `prepare` has told them what that is.
-  virtual void start_dataset(const std::string& folder, const std::string& dataset,
-                             const RES_TYPE& shape, std::int64_t time_count) = 0;
+  virtual void start_dataset(DatasetKind kind, const std::string& dataset, const ResultShape& shape,
+                             std::int64_t time_count) = 0;
 
   // Writes one output time of the output's dataset.
   virtual void write_time(const RES_TYPE& record) = 0;

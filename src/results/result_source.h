@@ -8,12 +8,10 @@
 
 #include "results/extreme_kernels.h"
 #include "results/result_dataset.h"
+#include "results/result_shape.h"
 #include "results/results_record.h"
 
 namespace quillet {
-
-// A count that the file does not tell; it fits every other.
-constexpr std::int32_t unknown_count = -1;
 
 // Times are hours. Records are sized by the caller with the counts of the run. A source prints what
 // its format has to say about each reading. Anything that cannot be read ends the run.
@@ -22,9 +20,7 @@ class ResultSource {
   virtual ~ResultSource() = default;
 
   virtual const std::string& name() const = 0;
-  virtual std::int32_t node_count() const = 0;
-  virtual std::int32_t cell_count() const = 0;  // unknown_count when the file tells none
-  virtual bool is_vector() const = 0;
+  virtual ResultShape shape() const = 0;
 
   // How many output times the file holds, for reserving space: a guess.
   virtual std::int64_t likely_time_count() const = 0;

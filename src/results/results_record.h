@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "results/result_shape.h"
 #include "support/large_array.h"
 
 namespace quillet {
@@ -31,6 +32,10 @@ struct RES_TYPE {
   ND_RES_TYPE nd;
   CELL_RES_TYPE cell;
 };
+
+inline ResultShape SHAPE_OF(const RES_TYPE& record) {
+  return {record.node_count, record.cell_count, record.is_vector};
+}
 
 // Sizes a record for the given mesh: values 0.0, every cell's status `status`. Ends the run when
 // memory does not suffice.

@@ -17,12 +17,11 @@ struct RunInputs {
   std::vector<std::unique_ptr<WaterLevels>> water_levels;  // one per source; none without the
                                                            // wet/dry test
 
-  // Chooses the output time in all XMDF inputs at once; empty when there are none. `.dat` inputs
-  // search when they are read.
-  std::function<void(float time, float tolerance)> find_xmdf_time;
+  // For inputs that choose an output time together, before any of them is read; may be empty.
+  std::function<void(float time, float tolerance)> choose_output_time;
 
   void find_time(float time, float tolerance) const {
-    if (find_xmdf_time) find_xmdf_time(time, tolerance);
+    if (choose_output_time) choose_output_time(time, tolerance);
   }
 };
 

@@ -13,8 +13,8 @@ class WaterLevels {
  public:
   virtual ~WaterLevels() = default;
 
-  // Prepares for reading levels over the mesh of the given record.
-  virtual void open(const RES_TYPE& shape) = 0;
+  // Prepares for reading levels over the mesh of the data.
+  virtual void open(const ResultShape& data) = 0;
 
   // True when the levels end here, and with them the input.
   virtual bool at_end() const = 0;
@@ -32,7 +32,7 @@ class WaterLevels {
 // For inputs that are water levels themselves.
 class OwnWaterLevels : public WaterLevels {
  public:
-  void open(const RES_TYPE&) override {}
+  void open(const ResultShape&) override {}
   bool at_end() const override { return false; }
   void read_next(const RES_TYPE&) override {}
   void read_at_time(float, float, const RES_TYPE&) override {}

@@ -24,7 +24,7 @@ XfStatus read_record_values(const XfGroup& group, bool is_vector, std::int32_t o
 void XmdfDatasetReader::open(const std::string& dataset_path, bool holds_vectors) {
   opened_path = dataset_path;
   is_vector = holds_vectors;
-  flag_count = unknown_count;
+  flag_count.reset();
   XfStatus status = XF_OPEN_GROUP(header.file, opened_path, group);
   if (status.ok()) status = XF_GET_DATASET_TIMES(group, output_times);
   if (!status.ok()) {
@@ -53,11 +53,11 @@ void XmdfDatasetReader::read_values(std::int32_t output, std::string_view what, 
 
 // Every cell of a dataset without activity counts as wet, whatever other datasets of the file have.
 XfStatus XmdfDatasetReader::read_activity(std::int32_t output, LargeArray<std::int8_t>& statuses) {
-  if (flag_count == unknown_count) {
-    XfStatus status = XF_GET_DATASET_NUMACTIVE(group, flag_count);
+  if (!flag_count) {
+    XfStatus status = XF_GET_DATASET_NUMACTIVE(group, flag_count.emplace());
     if (!status.ok()) return status;
   }
-  if (flag_count > 0) return XF_READ_ACTIVITY_TIMESTEP(group, output, statuses);
+  if (*flag_count > 0) return XF_READ_ACTIVITY_TIMESTEP(group, output, statuses);
   std::fill(statuses.begin(), statuses.end(), std::int8_t{1});
   return {};
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,7 +47,7 @@ class XmdfDatasetReader {
   bool is_vector = false;
   XfGroup group;
   std::vector<double> output_times;
-  std::int32_t flag_count = unknown_count;  // of the activity, once it was asked for
+  std::optional<std::int32_t> flag_count;  // of the activity, once it was asked for
 };
 
 }  // namespace quillet

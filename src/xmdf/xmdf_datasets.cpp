@@ -7,6 +7,7 @@
 #include "support/file_names.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xmdf_folders.h"
 
 namespace quillet {
 namespace {
@@ -15,12 +16,7 @@ namespace {
 DatasetKind kind_of(const XmdfPath& path) {
   std::string folder = path.folder.empty() ? path.group : path.folder;
   folder = folder.substr(folder.rfind('/') + 1);
-  if (ASAME(folder, "Temporal")) return DatasetKind::series;
-  if (ASAME(folder, "Maximums")) return DatasetKind::maximum;
-  if (ASAME(folder, "Minimums")) return DatasetKind::minimum;
-  if (ASAME(folder, "Times")) return DatasetKind::special_times;
-  if (ASAME(folder, "Fixed")) return DatasetKind::fixed;
-  return DatasetKind::other;
+  return KIND_OF_XMDF_FOLDER(folder);
 }
 
 class XmdfDataset : public ResultDataset {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,10 +62,10 @@ struct XmdfDatasets {
 
 struct XmdfFileHeader {
   std::string file_name;
-  XfFile file;                  // open for the whole run
-  std::int32_t node_count = 0;  // values per output time
-  std::int32_t cell_count = 0;  // activity flags per output time, or unknown_count
-  std::string time_units;       // as the file states them; times are taken to be hours
+  XfFile file;                             // open for the whole run
+  std::int32_t node_count = 0;             // values per output time
+  std::optional<std::int32_t> cell_count;  // activity flags per output time, if any
+  std::string time_units;                  // as the file states them; times are taken to be hours
   XmdfDatasets scalars;
   XmdfDatasets vectors;
 

@@ -141,12 +141,13 @@ void read_sizes(XmdfFileHeader& header) {
       "nodes", "ERROR - Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS].");
   SAY("Number of nodes: " + AINTEGER(header.node_count));
 
+  std::int32_t cell_count = 0;
   ask_groups(
       header, groups,
-      [&](const XfGroup& group) { return XF_GET_DATASET_NUMACTIVE(group, header.cell_count); },
+      [&](const XfGroup& group) { return XF_GET_DATASET_NUMACTIVE(group, cell_count); },
       "number of cells", "ERROR - Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE].");
-  SAY("Number of cells: " + AINTEGER(header.cell_count));
-  if (header.cell_count == 0) header.cell_count = unknown_count;
+  SAY("Number of cells: " + AINTEGER(cell_count));
+  if (cell_count != 0) header.cell_count = cell_count;
 
   ask_groups(
       header, groups,
@@ -207,7 +208,7 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
 
 void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
   for (const std::string& path : paths_to_read(header)) {
-    if (header.cell_count != unknown_count) return;
+    if (header.cell_count) return;
     XfGroup group;
     std::int32_t count = 0;
     const bool tells = XF_OPEN_GROUP(header.file, path, group).ok() &&

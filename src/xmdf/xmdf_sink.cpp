@@ -19,6 +19,7 @@
 #include "support/output_unit.h"
 #include "support/text.h"
 #include "support/vector_magnitude.h"
+#include "xmdf/xmdf_folders.h"
 
 namespace quillet {
 namespace {
@@ -31,10 +32,11 @@ std::string without_separators(std::string name) {
 }
 
 // Vectors have their magnitudes beside them; each dataset has its activity.
-std::int64_t bytes_per_time(const RES_TYPE& shape, bool is_vector) {
+std::int64_t bytes_per_time(const ResultShape& shape) {
   constexpr std::int64_t value = sizeof(float);
-  const std::int64_t scalar = shape.node_count * value + shape.cell_count;
-  return is_vector ? scalar + shape.node_count * 2 * value + shape.cell_count : scalar;
+  const std::int64_t activity = shape.cell_count.value_or(0);
+  const std::int64_t scalar = shape.node_count * value + activity;
+  return shape.is_vector ? scalar + shape.node_count * 2 * value + activity : scalar;
 }
 
 }  // namespace
@@ -67,41 +69,39 @@ XmdfSink::~XmdfSink() {
   if (part.is_open() && !has_datasets) part.remove();
 }
 
-void XmdfSink::prepare(const RES_TYPE& shape, std::int64_t likely_time_count) {
-  empty_shape.node_count = shape.node_count;
-  empty_shape.cell_count = shape.cell_count;
-  empty_shape.is_vector = shape.is_vector;
+void XmdfSink::prepare(const ResultShape& shape, std::int64_t likely_time_count) {
+  expected = shape;
   expected_times = likely_time_count;
 }
 
-void XmdfSink::start_dataset(const std::string& folder_name, const std::string& dataset,
-                             const RES_TYPE& shape, std::int64_t time_count) {
+void XmdfSink::start_dataset(DatasetKind kind, const std::string& dataset, const ResultShape& shape,
+                             std::int64_t time_count) {
   close_datasets();
-  if (!folder || folder_name != names.folder) {
+  if (!folder || kind != names.kind) {
     check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
-    names.folder = folder_name;
+    names.kind = kind;
     create_folder();
   }
-  create_datasets(dataset, shape.is_vector, time_count);
+  create_datasets(dataset, shape, time_count);
 }
 
 void XmdfSink::create_folder() {
-  const std::string path = names.group + "/" + names.folder;
+  const std::string path = names.group + "/" + std::string(XMDF_FOLDER(names.kind));
   SAY("Creating Folder: " + path);
   check(XF_CREATE_GENERIC_GROUP(file, path, folder),
         "ERROR - Creating group [XF_CREATE_GENERIC_GROUP] ");
 }
 
-void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
+void XmdfSink::create_datasets(const std::string& dataset, const ResultShape& shape,
                                std::int64_t time_count) {
   has_datasets = true;
   const std::string own_name = without_separators(dataset.empty() ? FILENAME(file_name) : dataset);
   XfDatasetOptions options;
-  options.expected_values = empty_shape.node_count;
+  options.expected_values = shape.node_count;
   options.expected_times = static_cast<std::int32_t>(std::min<std::int64_t>(time_count, INT32_MAX));
-  XF_EXPECT_SIZE(file, time_count * bytes_per_time(empty_shape, is_vector));
+  XF_EXPECT_SIZE(file, time_count * bytes_per_time(shape));
   std::string scalar_name = own_name;
-  if (is_vector) {
+  if (shape.is_vector) {
     SAY("Creating vector dataset: " + own_name);
     check(XF_CREATE_VECTOR_DATASET(folder, own_name, options, vector_dataset),
           "ERROR - Creating group [XF_CREATE_VECTOR_DATASET] ");
@@ -110,21 +110,21 @@ void XmdfSink::create_datasets(const std::string& dataset, bool is_vector,
   SAY("Creating scalar dataset: " + scalar_name);
   // The message names the vector call for the magnitudes too: see docs/compatibility.md.
   check(XF_CREATE_SCALAR_DATASET(folder, scalar_name, options, scalar_dataset),
-        std::string("ERROR - Creating group [XF_CREATE_") + (is_vector ? "VECTOR" : "SCALAR") +
-            "_DATASET] ");
+        std::string("ERROR - Creating group [XF_CREATE_") +
+            (shape.is_vector ? "VECTOR" : "SCALAR") + "_DATASET] ");
   SAY("Done.");
   SAY("Done");
 }
 
 void XmdfSink::write_time(const RES_TYPE& record) {
-  if (!has_datasets) start_dataset(names.folder, names.dataset, record, expected_times);
+  if (!has_datasets) start_dataset(names.kind, names.dataset, SHAPE_OF(record), expected_times);
   write(record.time, record);
   NOTE_WRITTEN(record.time, record);
 }
 
 void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   const std::string dataset(map.dataset_name.empty() ? names.dataset : map.dataset_name);
-  start_dataset(names.folder, dataset, record, 1);
+  start_dataset(names.kind, dataset, SHAPE_OF(record), 1);
   write(map.dataset_time, record);
   if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
 }
@@ -190,7 +190,7 @@ void XmdfSink::close_datasets() {
 }
 
 void XmdfSink::close() {
-  if (!has_datasets) start_dataset(names.folder, names.dataset, empty_shape, 0);
+  if (!has_datasets) start_dataset(names.kind, names.dataset, expected, 0);
   SAY("Closing XMDF File: " + file_name);
   close_datasets();
   check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");

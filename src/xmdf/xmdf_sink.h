@@ -19,15 +19,16 @@ class XmdfSink : public ResultSink {
   ~XmdfSink() override;
 
   const std::string& name() const override { return file_name; }
-  void prepare(const RES_TYPE& shape, std::int64_t likely_time_count) override;
-  void start_dataset(const std::string& folder_name, const std::string& dataset,
-                     const RES_TYPE& shape, std::int64_t time_count) override;
+  void prepare(const ResultShape& shape, std::int64_t likely_time_count) override;
+  void start_dataset(DatasetKind kind, const std::string& dataset, const ResultShape& shape,
+                     std::int64_t time_count) override;
   void write_time(const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;
 
  private:
-  void create_datasets(const std::string& dataset, bool is_vector, std::int64_t time_count);
+  void create_datasets(const std::string& dataset, const ResultShape& shape,
+                       std::int64_t time_count);
   void create_folder();
   void write(float time, const RES_TYPE& record);
   XfRange prepare_vectors(const RES_TYPE& record);
@@ -39,7 +40,7 @@ class XmdfSink : public ResultSink {
 
   std::string file_name;
   DatasetNames names;
-  RES_TYPE empty_shape;  // counts and vector flag only
+  ResultShape expected;
   std::int64_t expected_times = 0;
   bool has_datasets = false;  // something was written to the file
 

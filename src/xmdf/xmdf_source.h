@@ -17,9 +17,9 @@ class XmdfSource : public ResultSource {
   explicit XmdfSource(XmdfFileHeader& file_header) : header(file_header), reader(file_header) {}
 
   const std::string& name() const override { return header.file_name; }
-  std::int32_t node_count() const override { return header.node_count; }
-  std::int32_t cell_count() const override { return header.cell_count; }
-  bool is_vector() const override { return header.uses_vectors(); }
+  ResultShape shape() const override {
+    return {header.node_count, header.cell_count, header.uses_vectors()};
+  }
   std::int64_t likely_time_count() const override;
 
   bool at_end() const override;

@@ -8,6 +8,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xmdf_folders.h"
 
 namespace quillet {
 namespace {
@@ -65,7 +66,8 @@ void CLASSIFY_TIMES_OUTPUTS(XmdfDatasets& datasets) {
   std::int32_t position = 0;
   for (const XmdfPath& path : datasets.split_paths) {
     ++position;
-    if (ASAME(path.folder, "Times")) classify(datasets, position, path.dataset);
+    if (KIND_OF_XMDF_FOLDER(path.folder) == DatasetKind::special_times)
+      classify(datasets, position, path.dataset);
   }
 }
 

@@ -10,9 +10,9 @@
 
 namespace quillet {
 
-void XmdfWaterLevels::open(const RES_TYPE& shape) {
+void XmdfWaterLevels::open(const ResultShape& data) {
   FindWaterLevel();
-  SIZE_RECORD(step, shape.node_count, shape.cell_count, false);
+  SIZE_RECORD(step, data.node_count, data.cell_count.value_or(0), false);
 }
 
 void XmdfWaterLevels::read_at_time(float time, float time_tolerance, const RES_TYPE&) {

@@ -15,7 +15,7 @@ class XmdfWaterLevels : public WaterLevels {
       : header(file_header), tolerance(search_tolerance), reader(file_header) {}
 
   // Finds the datasets of water levels. A file without any ends the run.
-  void open(const RES_TYPE& shape) override;
+  void open(const ResultShape& data) override;
   bool at_end() const override { return false; }
   void read_next(const RES_TYPE& data) override { read_at_time(data.time, tolerance, data); }
   void read_at_time(float time, float tolerance, const RES_TYPE&) override;
