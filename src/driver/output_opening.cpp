@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "dat/dat_names.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/file_names.h"

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "dat/dat_names.h"
 #include "dat/dat_water_levels.h"
 #include "driver/input_checks.h"
 #include "driver/output_opening.h"
@@ -13,6 +14,7 @@
 #include "support/file_names.h"
 #include "support/numbers.h"
 #include "support/run_tally.h"
+#include "xmdf/xmdf_names.h"
 #include "xmdf/xmdf_source.h"
 #include "xmdf/xmdf_water_levels.h"
 
@@ -191,8 +193,8 @@ void take_shape(RunSetup& setup) {
 void announce_walk(const RunSetup& setup) {
   constexpr std::int64_t value_size = sizeof(float);
   RunTally& tally = RUN_TALLY();
-  tally.bytes_per_time =
-      setup.node_count * value_size * (setup.is_vector ? 2 : 1) + std::max(setup.cell_count, 0);
+  const auto& [node_count, cell_count, is_vector] = setup.shape;
+  tally.bytes_per_time = node_count * value_size * (is_vector ? 2 : 1) + cell_count.value_or(0);
   const bool takes_first_only = !setup.operation.warning_of_further_inputs.empty();
   for (const auto& source : setup.inputs.sources) {
     tally.times_to_pass += source->likely_time_count();

@@ -13,21 +13,9 @@ struct InputType {
   std::string mesh_file;        // the .2dm file of this input
 };
 
-// A file named run_V.dat is of type "_v": the suffix from the last "_", in lower case.
-InputType TYPE_OF_DAT_INPUT(std::string_view file_name);
-
-// For XMDF inputs the type asked for decides: "_V" for -typeV; a code of four characters stands
-// alone ("WI10").
-InputType TYPE_OF_XMDF_INPUT(std::string_view type_code);
-
-// The mesh that an input's own name leads to: C:\run\res_h.dat has C:\run\res.2dm, and
-// C:\run\res.xmdf has the same.
-std::string DEFAULT_MESH_OF_DAT(std::string_view file_name);
-std::string DEFAULT_MESH_OF_XMDF(std::string_view file_name);
-
-// The water levels that belong to an input: its name with the type suffix replaced by "_h.dat". An
-// input whose name has no suffix gets one.
-std::string WATER_LEVEL_FILE(std::string_view file_name);
+constexpr std::string_view unknown_type = "XX";
+constexpr std::string_view water_level_type = "_h";
+constexpr std::string_view mesh_extension = ".2dm";
 
 // True when both types are the same quantity; case and the leading "_" do not matter.
 bool SAME_TYPE(const InputType& a, const InputType& b);

@@ -1,6 +1,6 @@
 // One dataset of an input, whatever its file format, for operations that take everything that a
-// file holds. An XMDF file lists its datasets. A .dat file is taken apart: its ordinary output
-// times are a series, stored maxima, minima and times of maxima stand beside it.
+// file holds. An input that is a single dataset is taken apart: its ordinary output times are a
+// series, stored maxima, minima and times of maxima stand beside it.
 #pragma once
 
 #include <cstddef>
