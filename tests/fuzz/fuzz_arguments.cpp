@@ -14,10 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> arguments;
   for (std::string word; words >> word;) arguments.push_back(word);
   try {
-    quillet::ParsedArguments parsed = quillet::PARSE_ARGUMENTS(arguments);
-    quillet::CHECK_OPTIONS(parsed);
-    const quillet::Operation operation = quillet::CHOOSE_OPERATION(parsed.options);
-    if (!parsed.options.inputs.empty()) quillet::NAME_OUTPUT(operation, parsed.options);
+    const quillet::RunOptions options = quillet::PARSE_ARGUMENTS(arguments);
+    quillet::CHECK_OPTIONS(options);
+    const quillet::OperationRow& operation = quillet::CHOOSE_OPERATION(options);
+    if (!options.inputs.empty()) quillet::NAME_OUTPUT(operation, options);
   } catch (const quillet::RunEnd&) {
   }
   return 0;
