@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "support/system_files.h"
+#include "support/system_text_windows.h"
 
 namespace quillet {
 namespace {
@@ -15,14 +16,6 @@ namespace {
 // Without long paths a name has room for 259 characters, and the system calls a longer one a path
 // that it cannot find.
 constexpr std::size_t longest_plain_name = 259;
-
-std::wstring wide(const std::string& name) {
-  const int size = static_cast<int>(name.size());
-  const int length = ::MultiByteToWideChar(CP_UTF8, 0, name.data(), size, nullptr, 0);
-  std::wstring result(static_cast<std::size_t>(length), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, name.data(), size, result.data(), length);
-  return result;
-}
 
 bool is_long(const std::wstring& name) {
   return ::GetFullPathNameW(name.c_str(), 0, nullptr, nullptr) > longest_plain_name;
@@ -103,7 +96,7 @@ constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 // Opens what is a regular file: no folder, no device and, when asked so, no link.
 SystemFile open_on_disk(const std::string& name, DWORD access, DWORD disposition, DWORD flags,
                         std::string& reason) {
-  const std::wstring wide_name = wide(name);
+  const std::wstring wide_name = WIDE_TEXT(name);
   const HANDLE handle =
       ::CreateFileW(wide_name.c_str(), access, share_all, nullptr, disposition, flags, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
@@ -177,7 +170,7 @@ bool LOCK_SYSTEM_FILE(SystemFile file) {
 }
 
 bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file) {
-  const HANDLE named = ::CreateFileW(wide(name).c_str(), 0, share_all, nullptr, OPEN_EXISTING,
+  const HANDLE named = ::CreateFileW(WIDE_TEXT(name).c_str(), 0, share_all, nullptr, OPEN_EXISTING,
                                      FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
   BY_HANDLE_FILE_INFORMATION a{};
   BY_HANDLE_FILE_INFORMATION b{};
@@ -240,14 +233,14 @@ bool CUT_FILE(SystemFile file, std::int64_t bytes) {
 }
 
 bool RENAME_FILE(const std::string& from, const std::string& to) {
-  const std::wstring new_name = wide(to);
-  return ::MoveFileExW(wide(from).c_str(), new_name.c_str(), MOVEFILE_REPLACE_EXISTING) ||
+  const std::wstring new_name = WIDE_TEXT(to);
+  return ::MoveFileExW(WIDE_TEXT(from).c_str(), new_name.c_str(), MOVEFILE_REPLACE_EXISTING) ||
          note_error_of(new_name);
 }
 
 // A file that is still open, here or elsewhere, goes when it is closed.
 bool REMOVE_FILE(const std::string& name) {
-  const std::wstring wide_name = wide(name);
+  const std::wstring wide_name = WIDE_TEXT(name);
   return ::DeleteFileW(wide_name.c_str()) || note_error_of(wide_name) || errno == ENOENT;
 }
 

@@ -1,13 +1,6 @@
 #include "xf/xf_trial.h"
 
-#include <fcntl.h>
-#include <malloc.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <csignal>
 #include <tuple>
 #include <vector>
 
@@ -19,24 +12,7 @@ namespace quillet {
 namespace {
 
 // A sound file takes milliseconds and a few megabytes.
-constexpr rlim_t most_seconds = 5;               // of the processor, not of a slow drive
-constexpr rlim_t most_memory = rlim_t{1} << 30;  // beyond what the parent has
-
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool can_limit_memory = false;  // the sanitizer has more than that from the start
-#else
-constexpr bool can_limit_memory = true;
-#endif
-
-void limit(__rlimit_resource resource, rlim_t value) {
-  const rlimit limits{value, value};
-  ::setrlimit(resource, &limits);
-}
-
-rlim_t memory_in_use() {
-  const auto usage = ::mallinfo2();
-  return usage.arena + usage.hblkhd;
-}
+constexpr ChildLimits trial_limits{.seconds = 5, .memory = std::size_t{1} << 30};
 
 // Everything that reads attributes, and what comes before it.
 void read_attributes(const std::string& name) {
@@ -55,48 +31,20 @@ void read_attributes(const std::string& name) {
   }
 }
 
-// Reading beyond the end of the heap crashes; the parent has at least as much behind that end.
-void tighten_heap() {
-  ::mallopt(M_TOP_PAD, 0);
-  ::malloc_trim(0);
-}
-
-// Neither HDF5 nor the system says anything on the console, and nothing of the parent is flushed or
-// closed.
-[[noreturn]] void be_the_child(const std::string& name) {
-  limit(RLIMIT_CORE, 0);
-  limit(RLIMIT_CPU, most_seconds);
-  if (can_limit_memory) limit(RLIMIT_DATA, memory_in_use() + most_memory);
-  const int nowhere = ::open("/dev/null", O_WRONLY);
-  if (nowhere < 0) ::_exit(0);
-  ::dup2(nowhere, STDOUT_FILENO);
-  ::dup2(nowhere, STDERR_FILENO);
-  tighten_heap();
+// HDF5 goes on without memory that it does not get.
+bool memory_suffices(const std::string& name) {
   errno = 0;
   read_attributes(name);
-  // HDF5 goes on without memory that it does not get.
-  ::_exit(errno == ENOMEM ? 1 : 0);
-}
-
-bool child_succeeds(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return true;
-  }
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  return errno != ENOMEM;
 }
 
 }  // namespace
 
+const ChildTask xf_trial_task{.name = "read-attributes", .perform = memory_suffices};
+
 XfStatus xf_try_file(const std::string& name) {
   xf_prepare_hdf5();  // once, not in every child
-  // A child whose end is ignored cannot be waited for.
-  const auto handling = std::signal(SIGCHLD, SIG_DFL);
-  const pid_t child = ::fork();
-  if (child == 0) be_the_child(name);
-  const bool survived = child < 0 || child_succeeds(child);
-  std::signal(SIGCHLD, handling);
-  if (survived) return {};
+  if (SUCCEEDS_IN_CHILD(xf_trial_task, name, trial_limits)) return {};
   return xf_failure("expected intact HDF5 headers, found damage that HDF5 cannot cope with");
 }
 

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "support/system_child.h"
 #include "xf/xf_status.h"
 
 namespace quillet {
@@ -13,5 +14,8 @@ namespace quillet {
 // HDF5 itself notices is left to the calls that meet it again. To be called before the file is
 // opened.
 XfStatus xf_try_file(const std::string& name);
+
+// What that child does.
+extern const ChildTask xf_trial_task;
 
 }  // namespace quillet
