@@ -1,6 +1,7 @@
 #include "driver/argument_parser.h"
 
 #include <array>
+#include <filesystem>
 #include <string_view>
 #include <utility>
 
@@ -112,16 +113,22 @@ struct Parser {
 
 // Where absolute paths begin with "/", a path must not become an option by a slip of the keyboard.
 bool is_absolute_path(std::string_view argument) {
-  if (argument[0] != '/') return false;
+  if (std::filesystem::path::preferred_separator != '/' || argument[0] != '/') return false;
   if (FILE_EXISTS(std::string(argument))) return true;
   const bool is_path_option = UPPERCASE(argument.substr(0, 5)) == "/PATH";
   return !is_path_option && argument.find('/', 1) != std::string_view::npos;
 }
 
-bool is_option(std::string_view argument) {
-  constexpr std::string_view option_starts = "-/\x96";
-  return !argument.empty() && option_starts.find(argument[0]) != std::string_view::npos &&
-         !is_absolute_path(argument);
+// Bytes of what makes the argument an option; 0 when it is none. An en dash is one byte in
+// Windows-1252 and three in UTF-8.
+std::size_t dash_size(std::string_view argument) {
+  constexpr std::string_view one_byte_dashes = "-/\x96";
+  constexpr std::string_view en_dash = "\xE2\x80\x93";
+  if (argument.starts_with(en_dash)) return en_dash.size();
+  const bool is_option = !argument.empty() &&
+                         one_byte_dashes.find(argument[0]) != std::string_view::npos &&
+                         !is_absolute_path(argument);
+  return is_option ? 1 : 0;
 }
 
 [[noreturn]] void fail_on_flag(std::string_view argument) {
@@ -130,16 +137,16 @@ bool is_option(std::string_view argument) {
   END_WITH_PAUSE();
 }
 
-void apply_option(Parser& parser, std::string_view argument) {
-  if (IS_OWN_OPTION(argument)) {
-    if (!APPLY_OWN_OPTION(argument, parser.options)) fail_on_flag(argument);
+void apply_option(Parser& parser, const OptionArgument& option) {
+  if (IS_OWN_OPTION(option.argument)) {
+    if (!APPLY_OWN_OPTION(option.argument, parser.options)) fail_on_flag(option.argument);
     return;
   }
-  const FoundOption found = find_option(argument.substr(1));
-  if (found.row == nullptr) fail_on_flag(argument);
+  const FoundOption found = find_option(option.from_column(2));
+  if (found.row == nullptr) fail_on_flag(option.argument);
   if (found.operation != nullptr) parser.options.choose(*found.operation);
   parser.next = found.row->next;
-  if (found.row->apply != nullptr) found.row->apply(parser.options, OptionArgument{argument});
+  if (found.row->apply != nullptr) found.row->apply(parser.options, option);
 }
 
 void take_argument(Parser& parser, std::string_view argument) {
@@ -149,8 +156,8 @@ void take_argument(Parser& parser, std::string_view argument) {
     parser.options.output_name = TRIMF(argument);
   } else if (role == NextArgument::mesh_file) {
     parser.options.mesh_file = TRIMF(argument);
-  } else if (is_option(argument)) {
-    apply_option(parser, argument);
+  } else if (const std::size_t size = dash_size(argument); size > 0) {
+    apply_option(parser, {argument, size});
   } else {
     parser.options.inputs.emplace_back(TRIMF(argument));
   }
@@ -159,8 +166,9 @@ void take_argument(Parser& parser, std::string_view argument) {
 }  // namespace
 
 bool TAKES_NEXT_ARGUMENT(std::string_view argument) {
-  if (!is_option(argument) || IS_OWN_OPTION(argument)) return false;
-  const FoundOption found = find_option(argument.substr(1));
+  const std::size_t size = dash_size(argument);
+  if (size == 0 || IS_OWN_OPTION(argument)) return false;
+  const FoundOption found = find_option(argument.substr(size));
   return found.row != nullptr && found.row->next != NextArgument::ordinary;
 }
 

@@ -19,7 +19,7 @@ constexpr std::size_t longest_tag = 100;
 }  // namespace
 
 std::string_view OptionArgument::from_column(std::size_t column) const {
-  return argument.substr(std::min(column - 1, argument.size()));
+  return argument.substr(std::min(column + dash_size - 2, argument.size()));
 }
 
 float OptionArgument::real(std::size_t column) const {
@@ -35,7 +35,7 @@ std::int32_t OptionArgument::integer(std::size_t column) const {
 }
 
 std::string OptionArgument::tag() const {
-  return std::string(TRIMF(argument.substr(1)).substr(0, longest_tag));
+  return std::string(TRIMF(argument.substr(dash_size)).substr(0, longest_tag));
 }
 
 bool OptionRow::matches(std::string_view text_after_dash) const {

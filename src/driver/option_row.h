@@ -10,9 +10,11 @@
 
 namespace quillet {
 
-// An option as it stands on the command line. Columns count from 1, the dash being the first.
+// An option as it stands on the command line. Columns count from 1, the dash being the first,
+// however many bytes it has.
 struct OptionArgument {
   std::string_view argument;
+  std::size_t dash_size = 1;
 
   std::string_view from_column(std::size_t column) const;
   // A value that cannot be read ends the run.

@@ -35,7 +35,7 @@ const std::string multiple =
     "\nERROR - Multiple operational flags specified, expecting 1.\n" + exits;
 
 TEST(OptionMessages, OfUnknownOptionsAndValues) {
-  for (const std::string option : {"-x", "-", "-2d", "-ensigh", "/y"}) {
+  for (const std::string option : {"-x", "-", "-2d", "-ensigh", "/y", "\xE2\x80\x93x"}) {
     expect_console("\nERROR - Incorrect flag specified: \"" + option + "\"\n" + see_help, {option});
   }
   // -atoi is taken for -toi, but the value stands one column further on.
@@ -125,6 +125,18 @@ TEST(OptionValues, StandAfterTheirKeys) {
   EXPECT_EQ(options.tolerance, 0.01F);
   EXPECT_EQ(options.scalar_id, 3);
   EXPECT_TRUE(options.batch);
+}
+
+// Columns count from the dash, not from its bytes; the name of an output has none of it.
+TEST(OptionValues, StandAfterAnEnDashToo) {
+  const std::string dash = "\xE2\x80\x93";
+  const RunOptions options = parsed(
+      {dash + "dur0.3", dash + "t2.5", dash + "s7", dash + "out", dash + " x.dat", "\xE2\x80"});
+  EXPECT_EQ(options.operation_tag, "dur0.3");
+  EXPECT_EQ(options.time, 2.5F);
+  EXPECT_EQ(options.scalar_id, 7);
+  EXPECT_EQ(options.output_name, dash + " x.dat");
+  EXPECT_EQ(options.inputs, std::vector<std::string>{"\xE2\x80"});
 }
 
 TEST(OptionValues, NamesFollowTheirOptionsWhateverTheyLookLike) {
