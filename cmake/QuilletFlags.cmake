@@ -10,14 +10,24 @@ target_compile_options(
             -Wno-sign-conversion
             # GCC 12 sees an overlap in every "literal" + std::string.
             $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-            # Kernels join tests without a branch; GCC's pragmas for loops are GCC's.
+            # Kernels join tests without a branch, and Clang leaves a few of their loops scalar.
             $<$<CXX_COMPILER_ID:Clang>:-Wno-bitwise-instead-of-logical>
-            $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-pragmas>
+            $<$<CXX_COMPILER_ID:Clang>:-Wno-pass-failed>
             # Results must not depend on the machine: no fused multiply-add.
             -ffp-contract=off
             # Without these two, loops with a square root or a comparison stay scalar.
             -fno-math-errno
-            -fno-trapping-math)
+            -fno-trapping-math
+            # "#pragma omp simd" stands before loops whose iterations are independent; no library.
+            -fopenmp-simd)
+if(WIN32)
+  # Windows keeps the stack at 16 bytes only, and GCC may count on more for large vectors there.
+  include(CheckCXXCompilerFlag)
+  check_cxx_compiler_flag(-Wa,-muse-unaligned-vector-move QUILLET_ASSEMBLER_MOVES_UNALIGNED)
+  if(QUILLET_ASSEMBLER_MOVES_UNALIGNED)
+    target_compile_options(quillet_flags INTERFACE -Wa,-muse-unaligned-vector-move)
+  endif()
+endif()
 if(QUILLET_WERROR)
   target_compile_options(quillet_flags INTERFACE -Werror)
 endif()

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "support/console.h"
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
 namespace {
@@ -39,8 +39,7 @@ inline void count_where_zero(std::uint8_t& counter, int differences) {
 
 // Counts the cards after the line ends at the positions 0..count-1 (at most positions_per_piece);
 // look_ahead characters follow them.
-QUILLET_KERNEL
-void count_piece(const char* text, std::size_t count, PieceCounts& counts) {
+KERNEL_LOOP void count_piece(const char* text, std::size_t count, PieceCounts& counts) {
   PieceCounts found;
   for (std::size_t i = 0; i < count; ++i) {
     const char second = text[i + 2];
@@ -61,7 +60,7 @@ void count_piece(const char* text, std::size_t count, PieceCounts& counts) {
 void count_block(const char* text, std::size_t count, CARD_COUNTS_TYPE& counts) {
   for (std::size_t first = 0; first < count; first += positions_per_piece) {
     PieceCounts found;
-    count_piece(text + first, std::min(positions_per_piece, count - first), found);
+    Kernel<count_piece>::run(text + first, std::min(positions_per_piece, count - first), found);
     counts.nodes += found.nodes;
     counts.triangles += found.triangles;
     counts.quads4 += found.quads4;

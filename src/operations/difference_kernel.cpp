@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "support/console.h"
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 #include "support/vector_magnitude.h"
 
 namespace quillet {
@@ -14,14 +14,15 @@ constexpr float wet_depth = 0.001F;
 constexpr float only_first_wet = 99.0F;
 constexpr float only_second_wet = -99.0F;
 
-QUILLET_KERNEL void subtract(std::int64_t count, const float* __restrict v1,
-                             const float* __restrict v2, float* __restrict result) {
+KERNEL_LOOP void subtract(std::int64_t count, const float* v1, const float* v2, float* result) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) result[i] = v1[i] - v2[i];
 }
 
-QUILLET_KERNEL void subtract_where_wet(std::int64_t count, const float* v1, const float* v2,
-                                       const float* level1, const float* level2, const float* bed1,
-                                       const float* bed2, float* __restrict result) {
+KERNEL_LOOP void subtract_where_wet(std::int64_t count, const float* v1, const float* v2,
+                                    const float* level1, const float* level2, const float* bed1,
+                                    const float* bed2, float* result) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const bool wet1 = bed1[i] + wet_depth < level1[i];
     const bool wet2 = bed2[i] + wet_depth < level2[i];
@@ -32,17 +33,17 @@ QUILLET_KERNEL void subtract_where_wet(std::int64_t count, const float* v1, cons
   }
 }
 
-QUILLET_KERNEL void active_in_both(std::int64_t count, const std::int8_t* __restrict a,
-                                   const std::int8_t* __restrict b,
-                                   std::int8_t* __restrict result) {
+KERNEL_LOOP void active_in_both(std::int64_t count, const std::int8_t* a, const std::int8_t* b,
+                                std::int8_t* result) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     result[i] = static_cast<std::int8_t>((a[i] == 1) & (b[i] == 1));
   }
 }
 
-QUILLET_KERNEL void active_in_either(std::int64_t count, const std::int8_t* __restrict a,
-                                     const std::int8_t* __restrict b,
-                                     std::int8_t* __restrict result) {
+KERNEL_LOOP void active_in_either(std::int64_t count, const std::int8_t* a, const std::int8_t* b,
+                                  std::int8_t* result) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     result[i] = static_cast<std::int8_t>((a[i] == 1) | (b[i] == 1));
   }
@@ -71,18 +72,20 @@ void begin(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
 
 void DIFFERENCE(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
   begin(first, second, result);
-  subtract(result.node_count, first.nd.x.data(), second.nd.x.data(), result.nd.x.data());
-  active_in_both(result.cell_count, first.cell.status.data(), second.cell.status.data(),
-                 result.cell.status.data());
+  Kernel<subtract>::run(result.node_count, first.nd.x.data(), second.nd.x.data(),
+                        result.nd.x.data());
+  Kernel<active_in_both>::run(result.cell_count, first.cell.status.data(),
+                              second.cell.status.data(), result.cell.status.data());
 }
 
 void DIFFERENCE_WHERE_WET(RES_TYPE& first, RES_TYPE& second, const WetDryArrays& arrays,
                           RES_TYPE& result) {
   begin(first, second, result);
-  subtract_where_wet(result.node_count, first.nd.x.data(), second.nd.x.data(), arrays.level1,
-                     arrays.level2, arrays.bed1, arrays.bed2, result.nd.x.data());
-  active_in_either(result.cell_count, first.cell.status.data(), second.cell.status.data(),
-                   result.cell.status.data());
+  Kernel<subtract_where_wet>::run(result.node_count, first.nd.x.data(), second.nd.x.data(),
+                                  arrays.level1, arrays.level2, arrays.bed1, arrays.bed2,
+                                  result.nd.x.data());
+  Kernel<active_in_either>::run(result.cell_count, first.cell.status.data(),
+                                second.cell.status.data(), result.cell.status.data());
 }
 
 }  // namespace quillet

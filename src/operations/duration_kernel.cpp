@@ -1,13 +1,14 @@
 #include "operations/duration_kernel.h"
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
+namespace {
 
-QUILLET_KERNEL void ADD_DURATION_ABOVE(std::int64_t count, const float* __restrict from,
-                                       const float* __restrict to, double start, double end,
-                                       float cutoff, double* __restrict duration) {
+KERNEL_LOOP void add_duration_above(std::int64_t count, const float* from, const float* to,
+                                    double start, double end, float cutoff, double* duration) {
   const double hours = end - start;
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const double a = from[i];
     const double b = to[i];
@@ -24,11 +25,11 @@ QUILLET_KERNEL void ADD_DURATION_ABOVE(std::int64_t count, const float* __restri
   }
 }
 
-QUILLET_KERNEL void NOTE_FIRST_INCREASE(std::int64_t count, const float* __restrict initial,
-                                        const float* __restrict from, const float* __restrict to,
-                                        double start, double end, float increase, double never,
-                                        double* __restrict first_time) {
+KERNEL_LOOP void note_first_increase(std::int64_t count, const float* initial, const float* from,
+                                     const float* to, double start, double end, float increase,
+                                     double never, double* first_time) {
   const double hours = end - start;
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const double threshold = double{initial[i]} + double{increase};
     const double a = from[i];
@@ -40,9 +41,27 @@ QUILLET_KERNEL void NOTE_FIRST_INCREASE(std::int64_t count, const float* __restr
   }
 }
 
-QUILLET_KERNEL void ROUND_TO_REALS(std::int64_t count, const double* __restrict values,
-                                   float* __restrict reals) {
+KERNEL_LOOP void round_to_reals(std::int64_t count, const double* values, float* reals) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) reals[i] = static_cast<float>(values[i]);
+}
+
+}  // namespace
+
+void ADD_DURATION_ABOVE(std::int64_t count, const float* from, const float* to, double start,
+                        double end, float cutoff, double* duration) {
+  Kernel<add_duration_above>::run(count, from, to, start, end, cutoff, duration);
+}
+
+void NOTE_FIRST_INCREASE(std::int64_t count, const float* initial, const float* from,
+                         const float* to, double start, double end, float increase, double never,
+                         double* first_time) {
+  Kernel<note_first_increase>::run(count, initial, from, to, start, end, increase, never,
+                                   first_time);
+}
+
+void ROUND_TO_REALS(std::int64_t count, const double* values, float* reals) {
+  Kernel<round_to_reals>::run(count, values, reals);
 }
 
 }  // namespace quillet

@@ -6,10 +6,9 @@
 #include <cstdint>
 #include <limits>
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
-
 namespace {
 
 // Bits of 32-bit reals. Without their signs they are ordered as the reals are, infinity after all
@@ -80,12 +79,16 @@ inline float direction(float x, float y) {
   return std::copysign(static_cast<float>(angle), x);
 }
 
+KERNEL_LOOP void find_directions(const float* x, const float* y, float* degrees,
+                                 std::int64_t count) {
+#pragma omp simd
+  for (std::int64_t i = 0; i < count; ++i) degrees[i] = direction(x[i], y[i]);
+}
+
 }  // namespace
 
-QUILLET_KERNEL void FLOW_DIRECTION(const float* x, const float* y, float* degrees,
-                                   std::int64_t count) {
-#pragma GCC ivdep  // no checks for overlap: see the contract
-  for (std::int64_t i = 0; i < count; ++i) degrees[i] = direction(x[i], y[i]);
+void FLOW_DIRECTION(const float* x, const float* y, float* degrees, std::int64_t count) {
+  Kernel<find_directions>::run(x, y, degrees, count);
 }
 
 }  // namespace quillet

@@ -1,15 +1,18 @@
 #include "operations/trim_kernel.h"
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 #include "support/vector_magnitude.h"
 
 namespace quillet {
+namespace {
 
-QUILLET_KERNEL void TRIM_SCALAR(float* value, std::int64_t count, float limit) {
+KERNEL_LOOP void trim_scalars(float* value, std::int64_t count, float limit) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) value[i] = value[i] < limit ? value[i] : limit;
 }
 
-QUILLET_KERNEL void TRIM_VECTOR(float* pairs, std::int64_t count, float limit) {
+KERNEL_LOOP void trim_vectors(float* pairs, std::int64_t count, float limit) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const float x = pairs[2 * i];
     const float y = pairs[2 * i + 1];
@@ -22,6 +25,16 @@ QUILLET_KERNEL void TRIM_VECTOR(float* pairs, std::int64_t count, float limit) {
     pairs[2 * i] = x * factor / divisor;
     pairs[2 * i + 1] = y * factor / divisor;
   }
+}
+
+}  // namespace
+
+void TRIM_SCALAR(float* value, std::int64_t count, float limit) {
+  Kernel<trim_scalars>::run(value, count, limit);
+}
+
+void TRIM_VECTOR(float* pairs, std::int64_t count, float limit) {
+  Kernel<trim_vectors>::run(pairs, count, limit);
 }
 
 }  // namespace quillet

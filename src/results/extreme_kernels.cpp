@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 #include "support/vector_magnitude.h"
 
-// Each kernel is a loop over plain arrays. The conditional stores are written as selections, so
-// that they vectorise.
+// Each kernel is a loop over plain arrays, without branches.
 
 namespace quillet {
 namespace {
@@ -27,53 +26,54 @@ struct Smaller {
 
 // The mark is what a won node is tagged with: the output time, or the number of the file.
 template <typename Wins, typename Mark>
-[[gnu::always_inline]] inline void keep_winning_scalars(std::int64_t count,
-                                                        const float* __restrict value, Mark mark,
-                                                        float* __restrict running,
-                                                        Mark* __restrict marks) {
+KERNEL_LOOP void keep_winning_scalars(std::int64_t count, const float* value, Mark mark,
+                                      float* running, Mark* marks) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const bool wins = Wins{}(value[i], running[i]);
-    running[i] = wins ? value[i] : running[i];
-    marks[i] = wins ? mark : marks[i];
+    running[i] = SELECT(wins, value[i], running[i]);
+    marks[i] = SELECT(wins, mark, marks[i]);
   }
 }
 
 template <typename Wins>
-[[gnu::always_inline]] inline void keep_winning_vectors(
-    std::int64_t count, const float* __restrict x, const float* __restrict y, float time,
-    float* __restrict running_x, float* __restrict running_y, float* __restrict magnitude,
-    float* __restrict times) {
+KERNEL_LOOP void keep_winning_vectors(std::int64_t count, const float* x, const float* y,
+                                      float time, float* running_x, float* running_y,
+                                      float* magnitude, float* times) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const float length = VECTOR_MAGNITUDE(x[i], y[i]);
     const bool wins = Wins{}(length, magnitude[i]);
-    running_x[i] = wins ? x[i] : running_x[i];
-    running_y[i] = wins ? y[i] : running_y[i];
-    magnitude[i] = wins ? length : magnitude[i];
-    times[i] = wins ? time : times[i];
+    running_x[i] = SELECT(wins, x[i], running_x[i]);
+    running_y[i] = SELECT(wins, y[i], running_y[i]);
+    magnitude[i] = SELECT(wins, length, magnitude[i]);
+    times[i] = SELECT(wins, time, times[i]);
   }
 }
 
 template <typename Wins>
-[[gnu::always_inline]] inline void keep_winning_file_vectors(
-    std::int64_t count, const float* __restrict x, const float* __restrict y,
-    const float* __restrict magnitude, std::int32_t file, float* __restrict overall_x,
-    float* __restrict overall_y, std::int32_t* __restrict source) {
+KERNEL_LOOP void keep_winning_file_vectors(std::int64_t count, const float* x, const float* y,
+                                           const float* magnitude, std::int32_t file,
+                                           float* overall_x, float* overall_y,
+                                           std::int32_t* source) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const bool wins = Wins{}(magnitude[i], VECTOR_MAGNITUDE(overall_x[i], overall_y[i]));
-    overall_x[i] = wins ? x[i] : overall_x[i];
-    overall_y[i] = wins ? y[i] : overall_y[i];
-    source[i] = wins ? file : source[i];
+    overall_x[i] = SELECT(wins, x[i], overall_x[i]);
+    overall_y[i] = SELECT(wins, y[i], overall_y[i]);
+    source[i] = SELECT(wins, file, source[i]);
   }
 }
 
 template <typename Wins>
-[[gnu::always_inline]] inline void keep_winning_counted_scalars(
-    std::int64_t count, const float* __restrict value, const std::uint8_t* __restrict counts,
-    std::int32_t file, float* __restrict overall, std::int32_t* __restrict source) {
+KERNEL_LOOP void keep_winning_counted_scalars(std::int64_t count, const float* value,
+                                              const std::uint8_t* counts, std::int32_t file,
+                                              float* overall, std::int32_t* source) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const bool wins = (counts[i] != 0) & Wins{}(value[i], overall[i]);
-    overall[i] = wins ? value[i] : overall[i];
-    source[i] = wins ? file : source[i];
+    overall[i] = SELECT(wins, value[i], overall[i]);
+    source[i] = SELECT(wins, file, source[i]);
   }
 }
 
@@ -83,9 +83,9 @@ inline std::int8_t absolute(std::int8_t status) {
 }
 
 template <typename Wins>
-[[gnu::always_inline]] inline void keep_winning_statuses(std::int64_t count,
-                                                         const std::int8_t* __restrict status,
-                                                         std::int8_t* __restrict running) {
+KERNEL_LOOP void keep_winning_statuses(std::int64_t count, const std::int8_t* status,
+                                       std::int8_t* running) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     const std::int8_t candidate = absolute(status[i]);
     const std::int8_t held = absolute(running[i]);
@@ -93,11 +93,10 @@ template <typename Wins>
   }
 }
 
-// One function per kernel, so that each is built for the machine; the test stands outside the loop.
-// Inlining loses the promises of the parameters above, so they stand here again.
+// The kernels: which of the two it is, is asked outside the loop.
 
-QUILLET_KERNEL void fold_scalars(Extreme extreme, std::int64_t count, const float* __restrict value,
-                                 float time, float* __restrict running, float* __restrict times) {
+KERNEL_LOOP void fold_scalars(Extreme extreme, std::int64_t count, const float* value, float time,
+                              float* running, float* times) {
   if (extreme == Extreme::maximum) {
     keep_winning_scalars<Greater>(count, value, time, running, times);
   } else {
@@ -105,10 +104,9 @@ QUILLET_KERNEL void fold_scalars(Extreme extreme, std::int64_t count, const floa
   }
 }
 
-QUILLET_KERNEL void fold_vectors(Extreme extreme, std::int64_t count, const float* __restrict x,
-                                 const float* __restrict y, float time, float* __restrict running_x,
-                                 float* __restrict running_y, float* __restrict magnitude,
-                                 float* __restrict times) {
+KERNEL_LOOP void fold_vectors(Extreme extreme, std::int64_t count, const float* x, const float* y,
+                              float time, float* running_x, float* running_y, float* magnitude,
+                              float* times) {
   if (extreme == Extreme::maximum) {
     keep_winning_vectors<Greater>(count, x, y, time, running_x, running_y, magnitude, times);
   } else {
@@ -116,9 +114,8 @@ QUILLET_KERNEL void fold_vectors(Extreme extreme, std::int64_t count, const floa
   }
 }
 
-QUILLET_KERNEL void fold_statuses(Extreme extreme, std::int64_t count,
-                                  const std::int8_t* __restrict status,
-                                  std::int8_t* __restrict running) {
+KERNEL_LOOP void fold_statuses(Extreme extreme, std::int64_t count, const std::int8_t* status,
+                               std::int8_t* running) {
   if (extreme == Extreme::maximum) {
     keep_winning_statuses<Greater>(count, status, running);
   } else {
@@ -126,9 +123,8 @@ QUILLET_KERNEL void fold_statuses(Extreme extreme, std::int64_t count,
   }
 }
 
-QUILLET_KERNEL void combine_scalars(Extreme extreme, std::int64_t count,
-                                    const float* __restrict value, std::int32_t file,
-                                    float* __restrict overall, std::int32_t* __restrict source) {
+KERNEL_LOOP void combine_scalars(Extreme extreme, std::int64_t count, const float* value,
+                                 std::int32_t file, float* overall, std::int32_t* source) {
   if (extreme == Extreme::maximum) {
     keep_winning_scalars<Greater>(count, value, file, overall, source);
   } else {
@@ -136,11 +132,9 @@ QUILLET_KERNEL void combine_scalars(Extreme extreme, std::int64_t count,
   }
 }
 
-QUILLET_KERNEL void combine_counted_scalars(Extreme extreme, std::int64_t count,
-                                            const float* __restrict value,
-                                            const std::uint8_t* __restrict counts,
-                                            std::int32_t file, float* __restrict overall,
-                                            std::int32_t* __restrict source) {
+KERNEL_LOOP void combine_counted_scalars(Extreme extreme, std::int64_t count, const float* value,
+                                         const std::uint8_t* counts, std::int32_t file,
+                                         float* overall, std::int32_t* source) {
   if (extreme == Extreme::maximum) {
     keep_winning_counted_scalars<Greater>(count, value, counts, file, overall, source);
   } else {
@@ -148,10 +142,9 @@ QUILLET_KERNEL void combine_counted_scalars(Extreme extreme, std::int64_t count,
   }
 }
 
-QUILLET_KERNEL void combine_vectors(Extreme extreme, std::int64_t count, const float* __restrict x,
-                                    const float* __restrict y, const float* __restrict magnitude,
-                                    std::int32_t file, float* __restrict overall_x,
-                                    float* __restrict overall_y, std::int32_t* __restrict source) {
+KERNEL_LOOP void combine_vectors(Extreme extreme, std::int64_t count, const float* x,
+                                 const float* y, const float* magnitude, std::int32_t file,
+                                 float* overall_x, float* overall_y, std::int32_t* source) {
   if (extreme == Extreme::maximum) {
     keep_winning_file_vectors<Greater>(count, x, y, magnitude, file, overall_x, overall_y, source);
   } else {
@@ -182,10 +175,12 @@ void FOLD_OUTPUT_TIME(Extreme extreme, const RES_TYPE& step, FileExtreme& file) 
   ND_RES_TYPE& running = file.record.nd;
   const std::int64_t nodes = step.node_count;
   if (step.is_vector) {
-    fold_vectors(extreme, nodes, step.nd.x.data(), step.nd.y.data(), step.time, running.x.data(),
-                 running.y.data(), file.magnitude.data(), file.time.data());
+    Kernel<fold_vectors>::run(extreme, nodes, step.nd.x.data(), step.nd.y.data(), step.time,
+                              running.x.data(), running.y.data(), file.magnitude.data(),
+                              file.time.data());
   } else {
-    fold_scalars(extreme, nodes, step.nd.x.data(), step.time, running.x.data(), file.time.data());
+    Kernel<fold_scalars>::run(extreme, nodes, step.nd.x.data(), step.time, running.x.data(),
+                              file.time.data());
   }
   FOLD_STATUSES(extreme, step.cell.status, file.record.cell.status);
 }
@@ -201,7 +196,8 @@ void ADOPT_STORED_EXTREME(float time, FileExtreme& file) {
 
 void FOLD_STATUSES(Extreme extreme, std::span<const std::int8_t> status,
                    std::span<std::int8_t> running) {
-  fold_statuses(extreme, static_cast<std::int64_t>(running.size()), status.data(), running.data());
+  Kernel<fold_statuses>::run(extreme, static_cast<std::int64_t>(running.size()), status.data(),
+                             running.data());
 }
 
 void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_number,
@@ -211,13 +207,15 @@ void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_numbe
   ND_RES_TYPE& to = overall.nd;
   const std::int64_t nodes = overall.node_count;
   if (overall.is_vector) {
-    combine_vectors(extreme, nodes, from.x.data(), from.y.data(), file.magnitude.data(),
-                    file_number, to.x.data(), to.y.data(), to.source.data());
+    Kernel<combine_vectors>::run(extreme, nodes, from.x.data(), from.y.data(),
+                                 file.magnitude.data(), file_number, to.x.data(), to.y.data(),
+                                 to.source.data());
   } else if (node_counts != nullptr) {
-    combine_counted_scalars(extreme, nodes, from.x.data(), node_counts->data(), file_number,
-                            to.x.data(), to.source.data());
+    Kernel<combine_counted_scalars>::run(extreme, nodes, from.x.data(), node_counts->data(),
+                                         file_number, to.x.data(), to.source.data());
   } else {
-    combine_scalars(extreme, nodes, from.x.data(), file_number, to.x.data(), to.source.data());
+    Kernel<combine_scalars>::run(extreme, nodes, from.x.data(), file_number, to.x.data(),
+                                 to.source.data());
   }
 }
 

@@ -1,23 +1,34 @@
 #include "support/interleave.h"
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
+namespace {
 
-QUILLET_KERNEL void SEPARATE_COMPONENTS(const float* __restrict pairs, std::int64_t count,
-                                        float* __restrict x, float* __restrict y) {
+KERNEL_LOOP void separate(const float* pairs, std::int64_t count, float* x, float* y) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     x[i] = pairs[2 * i];
     y[i] = pairs[2 * i + 1];
   }
 }
 
-QUILLET_KERNEL void JOIN_COMPONENTS(const float* __restrict x, const float* __restrict y,
-                                    std::int64_t count, float* __restrict pairs) {
+KERNEL_LOOP void join(const float* x, const float* y, std::int64_t count, float* pairs) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     pairs[2 * i] = x[i];
     pairs[2 * i + 1] = y[i];
   }
+}
+
+}  // namespace
+
+void SEPARATE_COMPONENTS(const float* pairs, std::int64_t count, float* x, float* y) {
+  Kernel<separate>::run(pairs, count, x, y);
+}
+
+void JOIN_COMPONENTS(const float* x, const float* y, std::int64_t count, float* pairs) {
+  Kernel<join>::run(x, y, count, pairs);
 }
 
 }  // namespace quillet

@@ -1,19 +1,31 @@
 #include "support/vector_magnitude.h"
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
+namespace {
 
-QUILLET_KERNEL void VECTOR_MAGNITUDES(const float* x, const float* y, std::int64_t count,
-                                      float* magnitude) {
+KERNEL_LOOP void find_magnitudes(const float* x, const float* y, std::int64_t count,
+                                 float* magnitude) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) magnitude[i] = VECTOR_MAGNITUDE(x[i], y[i]);
 }
 
-QUILLET_KERNEL void PAIR_MAGNITUDES(const float* __restrict pairs, std::int64_t count,
-                                    float* __restrict magnitude) {
+KERNEL_LOOP void find_pair_magnitudes(const float* pairs, std::int64_t count, float* magnitude) {
+#pragma omp simd
   for (std::int64_t i = 0; i < count; ++i) {
     magnitude[i] = VECTOR_MAGNITUDE(pairs[2 * i], pairs[2 * i + 1]);
   }
+}
+
+}  // namespace
+
+void VECTOR_MAGNITUDES(const float* x, const float* y, std::int64_t count, float* magnitude) {
+  Kernel<find_magnitudes>::run(x, y, count, magnitude);
+}
+
+void PAIR_MAGNITUDES(const float* pairs, std::int64_t count, float* magnitude) {
+  Kernel<find_pair_magnitudes>::run(pairs, count, magnitude);
 }
 
 }  // namespace quillet

@@ -9,7 +9,7 @@ namespace quillet {
 // 0 when both components are within 0.000001 of zero, else the square root of x * x + y * y (so
 // infinite once a square overflows; not a number when a component is not a number).
 // Loops that call it vectorise: the root is always taken, the test only selects.
-inline float VECTOR_MAGNITUDE(float x, float y) {
+[[gnu::always_inline]] inline float VECTOR_MAGNITUDE(float x, float y) {
   constexpr float negligible = 0.000001F;
   const float length = std::sqrt(x * x + y * y);
   const bool is_negligible = (std::fabs(x) <= negligible) & (std::fabs(y) <= negligible);

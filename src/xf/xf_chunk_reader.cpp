@@ -6,14 +6,15 @@
 #include <cstring>
 #include <new>
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
 namespace {
 
 // Shuffled: first every element's lowest byte, then every element's second byte, and so on.
-QUILLET_KERNEL
-void unshuffle_4(const unsigned char* planes, std::size_t count, std::uint32_t* elements) {
+KERNEL_LOOP void unshuffle_4(const unsigned char* planes, std::size_t count,
+                             std::uint32_t* elements) {
+#pragma omp simd
   for (std::size_t i = 0; i < count; ++i) {
     elements[i] = std::uint32_t{planes[i]} | std::uint32_t{planes[count + i]} << 8U |
                   std::uint32_t{planes[2 * count + i]} << 16U |
@@ -132,8 +133,8 @@ XfStatus XfChunkReader::undo_filters(hsize_t size, std::uint32_t skipped_filters
     return xf_failure("has damaged compressed bytes");
   }
   if (planes && table.stored_size == 4) {
-    unshuffle_4(reinterpret_cast<const unsigned char*>(target), chunk_bytes / 4,
-                reinterpret_cast<std::uint32_t*>(destination));
+    Kernel<unshuffle_4>::run(reinterpret_cast<const unsigned char*>(target), chunk_bytes / 4,
+                             reinterpret_cast<std::uint32_t*>(destination));
   } else if (planes) {
     unshuffle(target, table.stored_size, chunk_bytes / table.stored_size, destination);
   }

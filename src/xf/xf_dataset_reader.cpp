@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "support/interleave.h"
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 #include "xf/xf_errors.h"
 #include "xf/xf_file_state.h"
 #include "xf/xf_row_reader.h"
@@ -27,8 +27,8 @@ namespace {
 constexpr int scalar_rank = 2;
 constexpr int vector_rank = 3;
 
-QUILLET_KERNEL
-void make_zero_or_one(std::int8_t* flags, std::size_t count) {
+KERNEL_LOOP void make_zero_or_one(std::int8_t* flags, std::size_t count) {
+#pragma omp simd
   for (std::size_t i = 0; i < count; ++i) flags[i] = flags[i] != 0 ? 1 : 0;
 }
 
@@ -246,7 +246,7 @@ XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_tim
       status = check_count("activity flags", flags.size(), group->activity->columns());
     if (!status.ok()) return status;
     status = group->activity->read_row(output_time - 1, reinterpret_cast<std::byte*>(flags.data()));
-    make_zero_or_one(flags.data(), flags.size());
+    Kernel<make_zero_or_one>::run(flags.data(), flags.size());
     return status;
   });
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 
 namespace quillet {
 namespace {
@@ -11,8 +11,9 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 // A comparison with something that is not a number is false and leaves the range alone.
-QUILLET_KERNEL
-void include_values(const float* values, std::size_t count, float* smallest, float* largest) {
+KERNEL_LOOP void include_values(const float* values, std::size_t count, float* smallest,
+                                float* largest) {
+#pragma omp simd
   for (std::size_t i = 0; i < count; ++i) {
     smallest[i] = values[i] < smallest[i] ? values[i] : smallest[i];
     largest[i] = values[i] > largest[i] ? values[i] : largest[i];
@@ -28,7 +29,8 @@ XfRangeFinder::XfRangeFinder() {
 
 void XfRangeFinder::include(const float* values, std::size_t count) {
   for (std::size_t first = 0; first < count; first += lanes) {
-    include_values(values + first, std::min(lanes, count - first), smallest.data(), largest.data());
+    Kernel<include_values>::run(values + first, std::min(lanes, count - first), smallest.data(),
+                                largest.data());
   }
 }
 

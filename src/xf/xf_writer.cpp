@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/kernel_target.h"
+#include "support/kernel.h"
 #include "xf/xf_errors.h"
 #include "xf/xf_file_state.h"
 #include "xf/xf_table_writer.h"
@@ -30,15 +30,16 @@ struct XfDatasetState {
 
 namespace {
 
-QUILLET_KERNEL
-bool are_zero_or_one(const std::int8_t* flags, std::size_t count) {
+KERNEL_LOOP bool are_zero_or_one(const std::int8_t* flags, std::size_t count) {
   unsigned char bits = 0;
+#pragma omp simd reduction(| : bits)
   for (std::size_t i = 0; i < count; ++i) bits |= static_cast<unsigned char>(flags[i]);
   return bits <= 1;
 }
 
-QUILLET_KERNEL
-void copy_zero_or_one(const std::int8_t* flags, std::size_t count, unsigned char* copy) {
+KERNEL_LOOP void copy_zero_or_one(const std::int8_t* flags, std::size_t count,
+                                  unsigned char* copy) {
+#pragma omp simd
   for (std::size_t i = 0; i < count; ++i) copy[i] = flags[i] != 0 ? 1 : 0;
 }
 
@@ -148,11 +149,11 @@ XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> fl
     status = check_count("output times with activity", dataset.times.size(), activity.rows() + 1);
   }
   if (!status.ok()) return status;
-  if (are_zero_or_one(flags.data(), flags.size())) {
+  if (Kernel<are_zero_or_one>::run(flags.data(), flags.size())) {
     return activity.write_row(reinterpret_cast<const std::byte*>(flags.data()));
   }
   std::byte* const row = activity.next_row();
-  copy_zero_or_one(flags.data(), flags.size(), reinterpret_cast<unsigned char*>(row));
+  Kernel<copy_zero_or_one>::run(flags.data(), flags.size(), reinterpret_cast<unsigned char*>(row));
   return activity.write_row(row);
 }
 
