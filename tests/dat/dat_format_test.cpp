@@ -1,10 +1,12 @@
 // Headers as other programs write them, and what this one makes of them.
 #include <gtest/gtest.h>
 
+#include "case_names.h"
 #include "dat/dat_reader.h"
 #include "dat/dat_writer.h"
 #include "dat_builder.h"
 #include "program_runner.h"
+#include "same_results.h"
 
 namespace quillet {
 namespace {
@@ -12,10 +14,10 @@ namespace {
 using testing::DatBuilder;
 
 struct HeaderCase {
-  std::string what;
+  std::string name;
   std::string bytes;
   bool is_vector;
-  std::string name;
+  std::string dataset_name;
 };
 class DatHeaders : public ::testing::TestWithParam<HeaderCase> {};
 
@@ -27,7 +29,7 @@ TEST_P(DatHeaders, AreRead) {
   EXPECT_EQ(reader.header().node_count, 2);
   EXPECT_EQ(reader.header().cell_count, 1);
   EXPECT_EQ(reader.header().is_vector, GetParam().is_vector);
-  EXPECT_EQ(reader.header().name, GetParam().name);
+  EXPECT_EQ(reader.header().name, GetParam().dataset_name);
   ASSERT_FALSE(reader.at_end());
   EXPECT_EQ(reader.next_time(), 1.5F);
 }
@@ -72,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
                      return header.card(170, 2).card(180, 1).name("far");
                    }()),
                    false, "far"}),
-    [](const auto& tested) { return "Case" + std::to_string(tested.index); });
+    testing::NameOfCase{});
 
 TEST(DatNames, LongOnesLoseTheirLastCharacter) {
   const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -99,7 +101,7 @@ TEST(DatVectors, ManyKeepTheirOrder) {
   testing::ADD_TIME(expected, {111111, {1}, step.values});
   testing::ADD_TIME(expected, {222222, {1}, std::vector<float>(nodes, 1)});
   testing::ADD_TIME(expected, {333333, {1}, std::vector<float>(nodes, 0)});
-  EXPECT_TRUE(folder.read("a_v(maxmax).dat") == expected.integer(210).build());
+  EXPECT_TRUE(testing::SAME_RESULTS(folder.read("a_v(maxmax).dat"), expected.integer(210).build()));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <random>
 
+#include "case_names.h"
 #include "mesh/mesh_test_files.h"
 #include "results/time_pairing.h"
 
@@ -81,7 +82,8 @@ TEST_P(DifferenceKernel, AgreesWithTheNaiveLoop) {
   EXPECT_FALSE(dry.result.is_vector || wet.result.is_vector);
 }
 
-INSTANTIATE_TEST_SUITE_P(ScalarsAndVectors, DifferenceKernel, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(ScalarsAndVectors, DifferenceKernel, ::testing::Bool(),
+                         (testing::NameOfCondition{"Vectors", "Scalars"}));
 
 }  // namespace
 }  // namespace quillet

@@ -8,6 +8,7 @@
 #include "program/set_up_text.h"
 #include "program/xmdf_view.h"
 #include "program_runner.h"
+#include "same_results.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -106,8 +107,8 @@ TEST(Conversion, ThereAndBackGivesTheSameBytes) {
   folder.write("r_q.dat", flow);
   RUN(folder, WORDS("-conv -b r_d.dat r_q.dat"));
   RUN(folder, WORDS("-conv -b r_d.xmdf r_q.xmdf"));
-  EXPECT_TRUE(folder.read("r_d_d.dat") == depth);
-  EXPECT_TRUE(folder.read("r_q_q.dat") == flow);
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_d_d.dat"), depth));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_q_q.dat"), flow));
   EXPECT_EQ(folder.names(), (Names{"r_d.dat", "r_d.xmdf", "r_d_d.dat", "r_q.dat", "r_q.xmdf",
                                    "r_q_q.dat", "r_q_q_mag.dat"}));
 }
@@ -133,12 +134,15 @@ TEST(XmdfToDat, WritesOneFilePerResultType) {
   const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
   EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_ME_.dat", "r_d.dat", "r_v.dat", "r_v_mag.dat"}))
       << run.output;
-  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE(shape, "Depth", {first, second, stored}));
+  EXPECT_TRUE(
+      SAME_RESULTS(folder.read("r_d.dat"), DAT_FILE(shape, "Depth", {first, second, stored})));
   // No activity: every cell counts as wet.
-  EXPECT_TRUE(folder.read("r_ME_.dat") == DAT_FILE(shape, "Mass Error %", {{0, {1, 1}, {1, 2}}}));
-  EXPECT_TRUE(folder.read("r_v_mag.dat") == DAT_FILE(shape, "Velocity", {{2, {1, 0}, {5, 0}}}));
-  EXPECT_TRUE(folder.read("r_v.dat") ==
-              DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}}));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_ME_.dat"),
+                           DAT_FILE(shape, "Mass Error %", {{0, {1, 1}, {1, 2}}})));
+  EXPECT_TRUE(
+      SAME_RESULTS(folder.read("r_v_mag.dat"), DAT_FILE(shape, "Velocity", {{2, {1, 0}, {5, 0}}})));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_v.dat"),
+                           DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}})));
   for (const std::string name : {"054", "My Own"}) {
     EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"" + name + "\" is of no known type"), 1);
   }
@@ -154,7 +158,8 @@ TEST(XmdfToDat, TakesTheCellsOfWhicheverDatasetTells) {
   MAKE_XMDF(folder, "r.xmdf",
             {{"r/Maximums/Depth", shape, {all_wet}}, {"r/Temporal/Depth", shape, {first}}});
   const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf"));
-  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE(shape, "Depth", {first, stored})) << run.output;
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_d.dat"), DAT_FILE(shape, "Depth", {first, stored})))
+      << run.output;
 }
 
 TEST(XmdfToDat, WritesAChosenDatasetAlone) {
@@ -164,7 +169,7 @@ TEST(XmdfToDat, WritesAChosenDatasetAlone) {
     write_many(folder);
     const RunResult run = RUN(folder, WORDS("-conv -b r.xmdf " + arguments));
     EXPECT_EQ(folder.names(), (Names{"r.xmdf", name})) << run.output;
-    EXPECT_TRUE(folder.read(name) == bytes) << arguments;
+    EXPECT_TRUE(SAME_RESULTS(folder.read(name), bytes)) << arguments;
   };
   expect("-typeV -out s.dat", "s.dat",
          DAT_FILE({2, 2, true}, "Vector Velocity", {{2, {1, 0}, {3, 4, 0, 0}}}));
@@ -189,7 +194,7 @@ TEST(XmdfToDat, DoesNotJoinDatasetsOfOneName) {
   EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_h.dat"})) << run.output;
   EXPECT_EQ(run.count_lines_with("WARNING - Dataset \"Depth\""), 3);
   RUN(folder, WORDS("-conv -b -pathrun2/Temporal r.xmdf"));
-  EXPECT_TRUE(folder.read("r_Depth.dat") == DAT_FILE(shape, "Depth", {first, second}));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_Depth.dat"), DAT_FILE(shape, "Depth", {first, second})));
 }
 
 TEST(Conversion, RefusalsComeBeforeAnythingIsWritten) {
@@ -292,7 +297,7 @@ TEST(Conversion, LeavesWholeOutputsOnAFullDisk) {
   EXPECT_NE(run.output.find("\n\nERROR - Writing file \"r_q.dat\": File too large\n\nPress"),
             std::string::npos)
       << run.output;
-  EXPECT_TRUE(folder.read("r_d.dat") == DAT_FILE({nodes, 1}, "Depth", {time}));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r_d.dat"), DAT_FILE({nodes, 1}, "Depth", {time})));
   EXPECT_EQ(folder.names(), (Names{"r.xmdf", "r_d.dat", "r_q.dat.part"}));
   EXPECT_TRUE(run.ended_well());
 }

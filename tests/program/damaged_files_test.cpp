@@ -4,6 +4,7 @@
 #include <climits>
 #include <random>
 
+#include "case_names.h"
 #include "dat_builder.h"
 #include "program_runner.h"
 
@@ -67,7 +68,8 @@ TEST_P(CutFiles, AreShorterOrRefusedAtEveryLength) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(ScalarAndVector, CutFiles, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(ScalarAndVector, CutFiles, ::testing::Bool(),
+                         (NameOfCondition{"Vectors", "Scalars"}));
 
 std::string with_counts(const DatShape& shape, const std::vector<int>& statuses) {
   const std::vector<float> values{1, 2, 3, 4};

@@ -96,7 +96,8 @@ INSTANTIATE_TEST_SUITE_P(
              {"b_d.dat", results({{1, {1, 0}, {3, 7}}}, {2, 2})}})
             .gives(differences({{1, {1, 0}, {2, -7}}}, {2, 2}))
             .says("Number of cells equals number of nodes, assuming ORVANE FV output")
-            .never_says("...need")));
+            .never_says("...need")),
+    NameOfCase{});
 
 // Node 1 has its bed at 10, node 2 at 20.
 const std::string bed_10_20 = mesh({"1.0D1", "20"});
@@ -154,7 +155,8 @@ INSTANTIATE_TEST_SUITE_P(
             .gives(DAT_FILE(two_nodes, "diff_a_h - b_d", {{1, {1}, {99, 0}}, {2, {1}, {0, 99}}}))
             .says("WARNING - Files should be same data type, e.g. both water level.")
             .says("Unexpected results may occur.")
-            .never_says("...need to read water level data.")));
+            .never_says("...need to read water level data.")),
+    NameOfCase{});
 
 DatTime both(float hours, float value) {
   return {hours, {1}, {value, value}};
@@ -211,7 +213,8 @@ INSTANTIATE_TEST_SUITE_P(
             .gives(differences({{1, {0}, {4, 4}}, {2, {0}, {3, 3}}})),
         pairs("vectors by their magnitudes, the negligible being 0",
               {{1, {1}, {3, 4, 1e-6F, -1e-6F}}}, {{1, {1}, {0, -2, 0, 1}}}, {2, 1, true})
-            .gives(differences({{1, {1}, {3, -1}}}))));
+            .gives(differences({{1, {1}, {3, -1}}}))),
+    NameOfCase{});
 
 const Files pair{{"in/a_d.dat", results({both(1, 5)})}, {"in/b_d.dat", results({both(1, 2)})}};
 const std::string pair_difference = differences({both(1, 3)});
@@ -225,7 +228,8 @@ INSTANTIATE_TEST_SUITE_P(
         FileRun("a third file prevails over -out", named + "in/c.dat -out d.dat", pair)
             .gives(pair_difference, "in/c.dat")
             .says("WARNING - More than two files specifed for -dif or -ddur option with -out "
-                  "option.")));
+                  "option.")),
+    NameOfCase{});
 
 const std::string announced =
     "Allocating secondary arrays for results storage.\nDone.\n"

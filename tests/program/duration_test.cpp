@@ -61,7 +61,8 @@ INSTANTIATE_TEST_SUITE_P(
         duration("times must run forwards", "-dur1", {{1, {}, {1}}, {2.5F, {}, {2}}, {2, {}, {1}}},
                  {1, 0})
             .says("ERROR - Reading file \"a_d.dat\": expected an output time of 2.5 or later, "
-                  "found 2")));
+                  "found 2")),
+    NameOfCase{});
 
 class DurationConsoles : public ::testing::TestWithParam<bool> {};
 
@@ -84,7 +85,8 @@ TEST_P(DurationConsoles, FromStartToEnd) {
                 "\nClosing files and exiting\n\n" + closing_text + end_text);
 }
 
-INSTANTIATE_TEST_SUITE_P(DurOrToi, DurationConsoles, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(DurOrToi, DurationConsoles, ::testing::Bool(),
+                         (NameOfCondition{"Dur", "Toi"}));
 
 }  // namespace
 }  // namespace quillet::testing

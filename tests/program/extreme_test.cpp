@@ -5,6 +5,7 @@
 
 #include "dat_builder.h"
 #include "program_runner.h"
+#include "same_results.h"
 
 namespace quillet::testing {
 namespace {
@@ -55,7 +56,7 @@ void expect_maps(const std::string& what, const std::string& options,
     folder.write(arguments.back(), bytes);
   }
   const RunResult run = RUN(folder, arguments);
-  EXPECT_TRUE(folder.read("out.dat") == expected) << what << run.output;
+  EXPECT_TRUE(SAME_RESULTS(folder.read("out.dat"), expected)) << what << run.output;
   EXPECT_TRUE(run.has_line(line)) << what << run.output;
   EXPECT_TRUE(run.ended_well());
 }
@@ -159,8 +160,8 @@ TEST(Extremes, OfMixedQuantities) {
   folder.write("a_h.dat", DAT_FILE(shape, "h", {{1, {1}, {5, 5, 5, 5}}, {2, {1}, {0, 0, 0, 0}}}));
   folder.write("b_d.dat", DAT_FILE(shape, "d", {{1, {0}, {6, 4, 6, 4}}, {2, {1}, {0, 0, 0, 0}}}));
   RUN(folder, WORDS("-max -b -out r a_h.dat b_d.dat"));
-  EXPECT_TRUE(folder.read("r.dat") ==
-              maps(shape, "Max Value", {1}, {6, 5, 6, 4}, {2, 1, 2, 2}, {}));
+  EXPECT_TRUE(SAME_RESULTS(folder.read("r.dat"),
+                           maps(shape, "Max Value", {1}, {6, 5, 6, 4}, {2, 1, 2, 2}, {})));
 }
 
 }  // namespace

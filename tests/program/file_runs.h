@@ -9,8 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "case_names.h"
 #include "dat_builder.h"
 #include "program_runner.h"
+#include "same_results.h"
 
 namespace quillet::testing {
 
@@ -50,9 +52,10 @@ class FileRun {
     for (const auto& [file, bytes] : files) folder.write(file, bytes);
     std::vector<std::string> names = folder.names();
     const RunResult run = RUN(folder, WORDS("-b " + arguments));
-    for (const auto& [file, bytes] : files) EXPECT_TRUE(folder.read(file) == bytes) << file;
+    for (const auto& [file, bytes] : files)
+      EXPECT_TRUE(SAME_RESULTS(folder.read(file), bytes)) << file;
     if (!output.empty()) {
-      EXPECT_TRUE(folder.read(output) == expected) << run.output;
+      EXPECT_TRUE(SAME_RESULTS(folder.read(output), expected)) << run.output;
       names.insert(std::lower_bound(names.begin(), names.end(), output), output);
     }
     EXPECT_EQ(folder.names(), names);
@@ -61,8 +64,10 @@ class FileRun {
     EXPECT_TRUE(run.ended_well());
   }
 
+  std::string name;
+
  private:
-  std::string name, arguments;
+  std::string arguments;
   Files files;
   std::string output, expected;
   std::vector<std::string> lines, absent_starts;

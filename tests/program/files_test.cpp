@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "case_names.h"
 #include "program/writing_runs.h"
+#include "same_results.h"
 
 namespace quillet::testing {
 namespace {
@@ -65,7 +67,8 @@ TEST_P(InputsAsOutputs, AreRefused) {
 
 INSTANTIATE_TEST_SUITE_P(All, InputsAsOutputs,
                          ::testing::Values("a_v.dat", "./a_v.dat", "in/../a_v.dat", "in/b_v.dat",
-                                           "link.dat", "hard.dat", "mesh.dat", "a_h.dat", "r.dat"));
+                                           "link.dat", "hard.dat", "mesh.dat", "a_h.dat", "r.dat"),
+                         NameOfCase{});
 
 class Outputs : public ::testing::TestWithParam<WritingRun> {
  protected:
@@ -89,7 +92,7 @@ TEST_P(OutputsAtInputs, AreRefused) {
   const Names before = folder.names();
   expect_failure("Output file is also an input file: \"" + output + "\"");
   EXPECT_EQ(folder.names(), before);
-  EXPECT_TRUE(folder.read(last) == whole);
+  EXPECT_TRUE(SAME_RESULTS(folder.read(last), whole));
 }
 
 class OutputsOnFullDisks : public Outputs {};
@@ -187,7 +190,7 @@ TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
     EXPECT_EQ(folder.names(), before);
     EXPECT_TRUE(run.ended_well());
   }
-  EXPECT_TRUE(folder.read("a_d.dat") == input);
+  EXPECT_TRUE(SAME_RESULTS(folder.read("a_d.dat"), input));
 }
 
 TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
@@ -204,7 +207,7 @@ TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
   run.type("\n");
   EXPECT_TRUE(run.ends_by_itself());
   EXPECT_TRUE(run.finish().has_line("Finished."));
-  EXPECT_TRUE(folder.read("out/r.dat") == expected);
+  EXPECT_TRUE(SAME_RESULTS(folder.read("out/r.dat"), expected));
 }
 
 }  // namespace

@@ -74,7 +74,8 @@ INSTANTIATE_TEST_SUITE_P(
                 {{"m.sup", "MESH2D m.dat\nDATA one_h.dat\n"},
                  {"m.dat", model.at("in/geo/mesh.2dm")},
                  {"one_h.dat", model.at("in/one_h.dat")}})
-            .says("ERROR - Output file is also an input file: \"m.dat\"")));
+            .says("ERROR - Output file is also an input file: \"m.dat\"")),
+    NameOfCase{});
 
 }  // namespace
 }  // namespace quillet::testing

@@ -53,7 +53,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "max(trim2).dat"),
         FileRun("a file without output times", "-trim-1 in_V.dat",
                 {{"in_V.dat", DAT_FILE(vectors, "data", {})}})
-            .gives(DAT_FILE(vectors, "trim-1", {}), "in_V(trim-1).dat")));
+            .gives(DAT_FILE(vectors, "trim-1", {}), "in_V(trim-1).dat")),
+    NameOfCase{});
 
 TEST(TrimConsole, FromStartToEnd) {
   const Workspace folder;

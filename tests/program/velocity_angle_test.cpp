@@ -37,7 +37,8 @@ INSTANTIATE_TEST_SUITE_P(
                            {{111111, {1, 0, -1}, flow}, {222222, {1, 0, -1}, degrees}})}})
             .says("ERROR - Must be vector dataset to process velocity angle."),
         FileRun("stored minima are not stored maxima", "-va -t-99999 in/run.v1_V.dat", input)
-            .says("ERROR - Could not find specified timestep in .dat file.")));
+            .says("ERROR - Could not find specified timestep in .dat file.")),
+    NameOfCase{});
 
 TEST(AngleConsole, FromStartToEnd) {
   const Workspace folder;

@@ -99,7 +99,8 @@ INSTANTIATE_TEST_SUITE_P(
             .says("ERROR - Number of cells does not match results file. Expecting number of cells: "
                   "3"),
         max("a missing mesh", "a_h.dat", {{"a_h.dat", first_cell.at("a_h.dat")}})
-            .says("ERROR - Could not open file: \"a.2dm\"")));
+            .says("ERROR - Could not open file: \"a.2dm\"")),
+    NameOfCase{});
 
 }  // namespace
 }  // namespace quillet::testing

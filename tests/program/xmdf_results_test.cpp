@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "build_paths.h"
+#include "case_names.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -110,10 +111,19 @@ std::vector<SameRun> same_runs() {
                   "Velocity Angle/Temporal/Vector Angle")};
 }
 
+std::string name_of_case(
+    const ::testing::TestParamInfo<std::tuple<SameRun, std::string>>& param_info) {
+  const auto& [run, storage] = param_info.param;
+  return CASE_NAME(
+      run.operation + " " + run.xmdf_inputs + " " + (storage.empty() ? "plain" : storage),
+      param_info.index);
+}
+
 INSTANTIATE_TEST_SUITE_P(All, SameNumbers,
                          ::testing::Combine(::testing::ValuesIn(same_runs()),
                                             ::testing::Values("", "--compress 1",
-                                                              "--compress 6 --times-per-chunk 3")));
+                                                              "--compress 6 --times-per-chunk 3")),
+                         name_of_case);
 
 TEST(XmdfOutputs, AreWhatNumpyWorksOutFromTheInputs) {
   const std::string command = "/usr/bin/python3 " + tests_folder +

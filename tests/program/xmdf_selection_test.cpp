@@ -4,6 +4,7 @@
 #include <limits>
 #include <map>
 
+#include "case_names.h"
 #include "xmdf_builder.h"
 
 namespace quillet::testing {
@@ -48,7 +49,7 @@ Datasets many(const std::string& name, int count) {
 
 // A run on a.xmdf, what its console shows, and a dataset of its output out.xmdf.
 struct Selection {
-  std::string what, arguments;
+  std::string name, arguments;
   Datasets file;
   std::string block{};
   std::string dataset{};  // empty: there is no output
@@ -74,8 +75,8 @@ Selection select(const std::string& what, const std::string& arguments,
 class Selections : public ::testing::TestWithParam<Selection> {};
 
 TEST_P(Selections, TakeTheDatasetAndSaySo) {
-  const auto& [what, arguments, file, block, dataset, times] = GetParam();
-  SCOPED_TRACE(what);
+  const auto& [name, arguments, file, block, dataset, times] = GetParam();
+  SCOPED_TRACE(name);
   const Workspace folder;
   MAKE_XMDF(folder, "a.xmdf", file);
   const RunResult run = RUN(folder, WORDS("-b -out out.xmdf a.xmdf " + arguments));
@@ -153,7 +154,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "   Maximum vector ID = 1\n"),
         select("times of peak have one output, at time 0", "-trim6 -s4 -t99999")
             .says("Maximum timestep does not exist for Time of Peak datasets, using time 0\n")
-            .gives("Trim/Maximums/trim6", {{0, {1, 1}, {5, 6, 6}}})));
+            .gives("Trim/Maximums/trim6", {{0, {1, 1}, {5, 6, 6}}})),
+    NameOfCase{});
 
 constexpr float no_number = std::numeric_limits<float>::quiet_NaN();
 const DatTime at_no_time{no_number, {1, 1}, {8, 8, 8}};
@@ -221,7 +223,8 @@ INSTANTIATE_TEST_SUITE_P(
             .gives("MaxMax/Maximums/Max Value", {{111111, {1, 0}, {5, 6, 7}}}),
         select("neither stored nor a time series", "-max -typed",
                {scalar("r/Minimums/Depth", {stored_least})})
-            .fails(nothing_selected)));
+            .fails(nothing_selected)),
+    NameOfCase{});
 
 INSTANTIATE_TEST_SUITE_P(
     Headers, Selections,
@@ -254,7 +257,8 @@ INSTANTIATE_TEST_SUITE_P(
             .says("    3 r/Times/Something\n"
                   "WARNING - Extracting cutoff depth from Duration Above level\n"
                   "WARNING - Unable to determine /Time/ output type.\n")
-            .gives(trimmed, some_values)));
+            .gives(trimmed, some_values)),
+    NameOfCase{});
 
 }  // namespace
 }  // namespace quillet::testing

@@ -131,9 +131,15 @@ TEST_P(XfDamageTest, DamagedCompressedBytesAreNoticed) {
   }
 }
 
+std::string name_of_chunks(const ::testing::TestParamInfo<std::tuple<bool, hsize_t>>& param_info) {
+  const auto& [is_vector, times] = param_info.param;
+  return std::string(is_vector ? "Vectors" : "Scalars") + "InChunksOf" + std::to_string(times);
+}
+
 INSTANTIATE_TEST_SUITE_P(Chunks, XfDamageTest,
                          ::testing::Combine(::testing::Bool(),
-                                            ::testing::Values(hsize_t{1}, hsize_t{3})));
+                                            ::testing::Values(hsize_t{1}, hsize_t{3})),
+                         name_of_chunks);
 
 }  // namespace
 }  // namespace quillet
