@@ -34,8 +34,8 @@ class DatReader {
   void read_header();
 
   // Ends the run when the counts cannot be true: none stated, negative, a first output time that
-  // would not fit in the file, or counts that no output time bears out and that are too large to be
-  // taken on trust. To be called before anything is sized by them.
+  // would not fit in the file, or a large number of cells although no output time states statuses.
+  // A file without output times may state what it likes. To be called before anything is sized.
   void check_counts();
 
   void close() { file.close(); }
@@ -83,6 +83,7 @@ class DatReader {
   Extent extent_of(const StepHead& head) const;
   [[noreturn]] void fail_cut_short(const StepHead& head) const;
   void look_for_step();
+  bool states_statuses_later();
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
   void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count);
 

@@ -67,8 +67,9 @@ struct OperationRow {
   void (*name_output)(const RunOptions& options, OutputNaming& naming) = nullptr;
   OutputKind output = OutputKind::results;
   DatasetKind dataset = DatasetKind::series;
-  bool dataset_by_time = false;      // a stored extreme where one is asked for by its time
-  bool opens_output_itself = false;  // when it is performed, not in the set-up
+  bool dataset_by_time = false;       // a stored extreme where one is asked for by its time
+  bool writes_without_times = false;  // a map, even when no input has an output time
+  bool opens_output_itself = false;   // when it is performed, not in the set-up
 
   // The inputs.
   XmdfSelection selection = XmdfSelection::one_dataset;

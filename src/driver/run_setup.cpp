@@ -14,6 +14,7 @@
 #include "support/file_names.h"
 #include "support/numbers.h"
 #include "support/run_tally.h"
+#include "support/text.h"
 #include "xmdf/xmdf_names.h"
 #include "xmdf/xmdf_source.h"
 #include "xmdf/xmdf_water_levels.h"
@@ -189,6 +190,27 @@ void take_shape(RunSetup& setup) {
   }
 }
 
+bool has_output_times(const RunSetup& setup) {
+  if (setup.dat_sources.size() < setup.inputs.sources.size()) return true;  // XMDF tells by itself
+  return std::any_of(setup.dat_sources.begin(), setup.dat_sources.end(),
+                     [](const DatSource* source) { return !source->at_end(); });
+}
+
+// The arrays of the operation. Without any output time nothing bears out the counts: then nothing
+// is read and nothing sized, but by operations that write a map all the same, within limits.
+ArrayUse arrays_of(const RunSetup& setup) {
+  constexpr std::int32_t most_without_times = 1'000'000;
+  ArrayUse arrays = setup.operation.arrays;
+  arrays.bed = arrays.bed && setup.wet_dry_test;
+  if (has_output_times(setup)) return arrays;
+  if (!setup.operation.writes_without_times) return {};
+  const std::int32_t cells = setup.shape.cell_count.value_or(0);
+  if (std::max(setup.shape.node_count, cells) > most_without_times) {
+    FAIL_RUN("ERROR - No output times in " + QUOTED(setup.input_names.front()));
+  }
+  return arrays;
+}
+
 // What the run will walk through, for whoever asks how far it is.
 void announce_walk(const RunSetup& setup) {
   constexpr std::int64_t value_size = sizeof(float);
@@ -229,9 +251,7 @@ void SET_UP_RUN(RunSetup& setup) {
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
   choose_water_levels(setup);
   take_shape(setup);
-  ArrayUse arrays = operation.arrays;
-  arrays.bed = arrays.bed && setup.wet_dry_test;
-  ALLOCATE_WORK_ARRAYS(arrays, setup.shape, setup.work);
+  ALLOCATE_WORK_ARRAYS(arrays_of(setup), setup.shape, setup.work);
   announce_walk(setup);
 }
 

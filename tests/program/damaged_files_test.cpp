@@ -7,6 +7,7 @@
 #include "case_names.h"
 #include "dat_builder.h"
 #include "program_runner.h"
+#include "same_results.h"
 
 namespace quillet::testing {
 namespace {
@@ -18,7 +19,8 @@ bool is_complete(const Workspace& folder, const RunResult& run) {
   const int errors = run.count_lines_with("ERROR");
   EXPECT_TRUE(run.ended_well()) << run.output;
   EXPECT_EQ(errors + run.count_lines_with("Finished."), 1) << run.output;
-  EXPECT_EQ(errors, run.count_lines_with("ERROR - Reading file \"a_d.dat\": expected "))
+  EXPECT_EQ(errors, run.count_lines_with("ERROR - Reading file \"a_d.dat\": expected ") +
+                        run.count_lines_with("ERROR - No output times in \"a_d.dat\""))
       << run.output;
   EXPECT_EQ(folder.has("r.dat"), errors == 0) << run.output;
   EXPECT_FALSE(folder.has("r.dat.part"));
@@ -95,6 +97,41 @@ TEST(RefusedFiles, EndTheRunBeforeAnythingIsSizedByThem) {
            {"most cells of no output time", DAT_FILE({4, INT_MAX}, "a", {})}}) {
     EXPECT_FALSE(is_complete(folder, run_on(folder, bytes))) << what;
   }
+}
+
+// A header of 92 bytes bears out nothing: what needs no values is done, what would write a map of
+// nothing is not.
+TEST(CountsThatNothingBearsOut, SizeNothing) {
+  const DatShape huge{120'000'000, 120'000'000};
+  for (const auto& [arguments, is_map] :
+       std::vector<std::pair<std::string, bool>>{{"-max", true},
+                                                 {"-min", true},
+                                                 {"-dur1", true},
+                                                 {"-toi1", true},
+                                                 {"-trim1", false},
+                                                 {"-r5", false},
+                                                 {"-rangeA0 -rangeB1", false},
+                                                 {"-dif -nowetdry a_d.dat", false},
+                                                 {"-con a_d.dat", false}}) {
+    const Workspace folder;
+    folder.write("a_d.dat", DAT_FILE(huge, "a", {}));
+    const RunResult run = RUN(folder, WORDS("-b -out r.dat " + arguments + " a_d.dat"),
+                              {.address_space = rlim_t{256} << 20});
+    EXPECT_EQ(run.has_line("ERROR - No output times in \"a_d.dat\""), is_map) << run.output;
+    EXPECT_EQ(folder.has("r.dat"), !is_map) << arguments << run.output;
+    EXPECT_TRUE(run.ended_well());
+    EXPECT_TRUE(is_map || folder.read("r.dat").size() == 96U);
+  }
+}
+
+TEST(CountsThatNothingBearsOut, AreWrittenInSmallMaps) {
+  const Workspace folder;
+  folder.write("a_d.dat", DAT_FILE({2, 1}, "a", {}));
+  EXPECT_TRUE(RUN(folder, WORDS("-b -max -out r.dat a_d.dat")).has_line("Finished."));
+  EXPECT_TRUE(SAME_RESULTS(
+      folder.read("r.dat"),
+      DAT_FILE({2, 1}, "Max Value",
+               {{111111, {0}, {0, 0}}, {222222, {0}, {0, 0}}, {333333, {0}, {0, 0}}})));
 }
 
 TEST(DamagedFiles, NeverCrashTheRun) {
