@@ -57,9 +57,11 @@ void PAUSE() {
   WAIT_AFTER("Press Enter to Continue");
 }
 
-void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason) {
+void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason,
+                      const std::string& suggestion) {
   SAY_APART("ERROR - Could not open file: " + QUOTED(file_name));
   SAY_HELP(reason);
+  if (!suggestion.empty()) SAY_HELP(suggestion);
   if (!WAIT_AFTER("Press Enter to try again")) EXITS();
 }
 

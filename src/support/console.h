@@ -51,9 +51,11 @@ void PAUSE();
 // Prompts with the given line and waits. False when there is nobody to wait for.
 bool WAIT_AFTER(std::string_view prompt);
 
-// After a file could not be opened: says so and why, prompts, and waits so that the user can put
-// the file in place and try again. Ends the run when there is nobody to ask.
-void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason);
+// After a file could not be opened: says so and why, then what may help unless that is empty;
+// prompts, and waits so that the user can put the file in place and try again. Ends the run when
+// there is nobody to ask.
+void ASK_TO_TRY_AGAIN(const std::string& file_name, const std::string& reason,
+                      const std::string& suggestion = "");
 
 // A line that helps with the message before it: the file, what was found, the system's reason, a
 // remedy. Messages that users' scripts look for stand alone on their lines.

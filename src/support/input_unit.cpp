@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "support/close_names.h"
 #include "support/console.h"
 #include "support/system_files.h"
 
@@ -10,7 +11,7 @@ namespace quillet {
 InputUnit::InputUnit(const std::string& name) : file_name(name) {
   std::string reason;
   while ((file = OPEN_REGULAR_FILE(file_name, file_size, reason)) == no_file) {
-    ASK_TO_TRY_AGAIN(file_name, reason);
+    ASK_TO_TRY_AGAIN(file_name, reason, CLOSE_NAMES_QUESTION(file_name));
   }
 }
 

@@ -8,12 +8,14 @@
 namespace quillet {
 
 void FAIL_XMDF(std::string_view text, const std::string& file_name, const std::string& path,
-               const XfStatus& status) {
+               const XfStatus& status, const std::string& suggestion) {
   if (status.kind == XfStatus::Kind::no_memory) FAIL_ALLOCATION();
   std::string message = std::string(text) + file_name;
   if (!path.empty()) message += ", dataset " + QUOTED(path);
   if (!status.reason.empty()) message += ": " + status.reason;
-  FAIL_RUN(message);
+  SAY_APART(message);
+  if (!suggestion.empty()) SAY_HELP(suggestion);
+  EXITS();
 }
 
 void CLOSE_XMDF_INPUT(XmdfFileHeader& header) {

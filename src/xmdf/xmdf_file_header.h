@@ -77,9 +77,11 @@ struct XmdfFileHeader {
   XmdfDatasets& datasets() { return uses_vectors() ? vectors : scalars; }
 };
 
-// Ends the run: the text, the file, the dataset and what was expected and found.
+// Ends the run: the text, the file, the dataset and what was expected and found, then what may help
+// unless that is empty.
 [[noreturn]] void FAIL_XMDF(std::string_view text, const std::string& file_name,
-                            const std::string& path, const XfStatus& status);
+                            const std::string& path, const XfStatus& status,
+                            const std::string& suggestion = "");
 
 // Closes a file that was read. Nothing of it is lost when that fails.
 void CLOSE_XMDF_INPUT(XmdfFileHeader& header);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string_view>
 
+#include "support/close_names.h"
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
@@ -21,7 +22,8 @@ void open_file(XmdfFileHeader& header) {
   if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status);
+    FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status,
+              CLOSE_NAMES_QUESTION(header.file_name));
   }
   SAY("Done.");
 }

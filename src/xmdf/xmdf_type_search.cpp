@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "results/result_types.h"
 #include "support/console.h"
 #include "support/text.h"
 
@@ -83,6 +84,38 @@ struct Search {
   }
 };
 
+bool has_dataset_named(const XmdfDatasets& datasets, std::string_view name) {
+  return std::any_of(datasets.split_paths.begin(), datasets.split_paths.end(),
+                     [&](const XmdfPath& path) { return ASAME(path.dataset, name); });
+}
+
+// "d (Depth), v (Vector Velocity)": the types whose names datasets bear. A type whose code a later
+// one has too cannot be asked for.
+std::string types_in(const XmdfFileHeader& header) {
+  std::string list;
+  for (const ResultType& type : result_types) {
+    std::string name_of_code;
+    LOOK_UP_TYPE_NAME(type.code, name_of_code);
+    if (name_of_code != type.name) continue;
+    if (!has_dataset_named(header.scalars, type.name) &&
+        !has_dataset_named(header.vectors, type.name)) {
+      continue;
+    }
+    list += std::string(list.empty() ? "" : ", ") + std::string(type.code) + " (" +
+            std::string(type.name) + ")";
+  }
+  return list;
+}
+
+[[noreturn]] void fail_on_type(const Search& search, const XmdfFileHeader& header) {
+  SAY_APART("ERROR - No datasets found of type " + QUOTED(search.shown_name()) + " found in " +
+            header.file_name);
+  const std::string types = search.by_path ? "" : types_in(header);
+  if (!types.empty()) SAY_HELP("Types in the file: " + types);
+  SAY_HELP("-xnfo lists all that the file holds, -path takes any of it.");
+  EXITS();
+}
+
 }  // namespace
 
 void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeName, bool byPath) {
@@ -91,10 +124,7 @@ void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeNam
     const Search scalar_search{typeName, byPath, false};
     scalar_search.run(header.scalars);
     Search{typeName, byPath, true}.run(header.vectors);
-    if (!header.datasets().found()) {
-      FAIL_RUN("ERROR - No datasets found of type " + QUOTED(scalar_search.shown_name()) +
-               " found in " + header.file_name);
-    }
+    if (!header.datasets().found()) fail_on_type(scalar_search, header);
   }
 }
 

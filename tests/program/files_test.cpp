@@ -193,6 +193,36 @@ TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
   EXPECT_TRUE(SAME_RESULTS(folder.read("a_d.dat"), input));
 }
 
+TEST(UnopenedFiles, LeadToThoseWithLikeNames) {
+  const Workspace folder;
+  for (const char* name : {"run1_d.dat", "run2_d.dat", "run12_h.dat", "in/Run3_V.DAT", "in/run.2dm",
+                           "in/a_d.dat", "in/run4.xmdf"}) {
+    folder.write(name, input);
+  }
+  fs::create_directories(folder.path("run5_V.dat"));
+  for (const auto& [name, question] : std::vector<std::pair<std::string, std::string>>{
+           {"rnu1_d.dat", "Did you mean \"run1_d.dat\"?"},
+           {"run3_d.dat", "Did you mean \"run1_d.dat\" or \"run2_d.dat\"?"},
+           {"run1_h.dat", "Did you mean \"run12_h.dat\" or \"run1_d.dat\"?"},
+           {"in/run3_v.dat", "Did you mean \"in/Run3_V.DAT\"?"},
+           {"run4_V.dat", "Did you mean \"run1_d.dat\" or \"run2_d.dat\"?"},
+           {"in/b_h.dat", ""},
+           {"elsewhere/run1_d.dat", ""},
+           {"another.dat", ""}}) {
+    const RunResult run = RUN(folder, {"-b", "-max", name});
+    const std::string help = question.empty() ? "" : "   " + question + "\n";
+    EXPECT_NE(run.output.find("\nERROR - Could not open file: \"" + name + "\"\n   " + missing +
+                              "\n" + help + "Press Enter to try again\n\nPress Enter to Close\n"),
+              std::string::npos)
+        << run.output;
+  }
+  const RunResult run = RUN(folder, WORDS("-b -max -typed in/run5.xmdf"));
+  EXPECT_NE(run.output.find("\nERROR - Could not open XMDF file \"in/run5.xmdf\": " + missing +
+                            "\n   Did you mean \"in/run4.xmdf\"?\n\nPress Enter to Close\n"),
+            std::string::npos)
+      << run.output;
+}
+
 TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
   const Workspace folder;
   LiveRun run(folder, {"-max", "-b", "a_d.dat", "-out", "out/r.dat"});

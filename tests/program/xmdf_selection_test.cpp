@@ -111,7 +111,21 @@ INSTANTIATE_TEST_SUITE_P(
                    {{0, {1, 0}, {1, 2, 3}}, {0.5F, {0, 1}, {4, 5, 6}}, {1, {1, 1}, {6, 6, 6}}}),
         select("no dataset of the type", "-max -typeh")
             .fails("Warning - No vector datasets found of type \"Water Level\"\n"
-                   "\nERROR - No datasets found of type \"Water Level\" found in a.xmdf\n"),
+                   "\nERROR - No datasets found of type \"Water Level\" found in a.xmdf\n"
+                   "   Types in the file: d (Depth), v (Vector Velocity)\n"
+                   "   -xnfo lists all that the file holds, -path takes any of it.\n"),
+        select("types whose codes mean others are not proposed", "-max -typeh",
+               {some_scalar("run1/Temporal/Velocity"), some_scalar("run1/Temporal/DEPTH "),
+                some_scalar("run1/Temporal/Depth ratio"), some_scalar("Energy/Temporal/x")})
+            .fails("found in a.xmdf\n"
+                   "   Types in the file: d (Depth)\n"
+                   "   -xnfo lists all that the file holds, -path takes any of it.\n"),
+        select("no known type at all", "-max -typeh", {some_scalar("run1/Temporal/Velocity")})
+            .fails("found in a.xmdf\n"
+                   "   -xnfo lists all that the file holds, -path takes any of it.\n"),
+        select("a path that is not there", "-max -pathnone")
+            .fails("\nERROR - No datasets found of type \"none\" found in a.xmdf\n"
+                   "   -xnfo lists all that the file holds, -path takes any of it.\n"),
         select("a scalar in an unknown folder", "-max -typed", {some_scalar("run1/Max/Depth")})
             .fails("Found: \"run1/Max/Depth\"\n"
                    "\nERROR - Unknown Data Folder: \"run1/Max/Depth\"\n"

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "support/close_names.h"
 #include "support/file_names.h"
 #include "support/text.h"
 
@@ -43,6 +44,17 @@ TEST(Texts, AreComparedWithoutCaseQuotesAndBlanks) {
   EXPECT_FALSE(ASAME("a b", "ab"));
   EXPECT_TRUE(FLAGEXISTS("ATOI", "toi "));
   EXPECT_FALSE(FLAGEXISTS("co", "con"));
+}
+
+TEST(EditDistance, CountsWhatAHandMistypes) {
+  EXPECT_EQ(EDIT_DISTANCE("run1_d.dat", "RUN1_D.DAT", 2), 0);
+  EXPECT_EQ(EDIT_DISTANCE("run1", "rnu1", 2), 1);
+  EXPECT_EQ(EDIT_DISTANCE("run1", "run", 2), 1);
+  EXPECT_EQ(EDIT_DISTANCE("run1", "brun1x", 2), 2);
+  EXPECT_EQ(EDIT_DISTANCE("run1", "sun2x", 2), 3);
+  EXPECT_EQ(EDIT_DISTANCE("ab", "bca", 9), 3);
+  EXPECT_EQ(EDIT_DISTANCE("", "abc", 9), 3);
+  EXPECT_EQ(EDIT_DISTANCE("", "abc", 1), 2);
 }
 
 }  // namespace
