@@ -17,8 +17,10 @@ namespace {
 // as the file has bytes.
 constexpr std::int32_t most_cells_on_trust = 1'000'000;
 
-// Vectors pass through a piece that stays in the processor's cache.
-constexpr std::int64_t pairs_per_piece = 32 * 1024;
+constexpr std::int64_t value_size = sizeof(float);
+
+// 256 KiB: a piece stays in the second cache of every processor until it has been looked at.
+constexpr std::int64_t values_per_piece = 64 * 1024;
 
 std::string cut_short(std::int64_t expected, const char* what, std::int64_t found) {
   return fmt::format("expected {} bytes of {}, found {}", expected, what,
@@ -177,12 +179,38 @@ void DatReader::load(const DatStep& step, RES_TYPE& record) {
 }
 
 void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count) {
-  constexpr std::int64_t pair_size = 2 * sizeof(float);
-  pairs.resize(2 * pairs_per_piece);
+  piece.resize(values_per_piece);
+  constexpr std::int64_t pairs_per_piece = values_per_piece / 2;
   for (std::int64_t first = 0; first < count; first += pairs_per_piece) {
-    const std::int64_t piece = std::min(pairs_per_piece, count - first);
-    read_bytes(from + first * pair_size, pairs.data(), piece * pair_size, "node values");
-    SEPARATE_COMPONENTS(pairs.data(), piece, nodes.x.data() + first, nodes.y.data() + first);
+    const std::int64_t size = std::min(pairs_per_piece, count - first);
+    read_bytes(from + 2 * first * value_size, piece.data(), 2 * size * value_size, "node values");
+    SEPARATE_COMPONENTS(piece.data(), size, nodes.x.data() + first, nodes.y.data() + first);
+  }
+}
+
+void DatReader::load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces) {
+  piece.resize(values_per_piece);
+  load_statuses_in_pieces(step, cell_count, pieces);
+  const std::int64_t components = step.is_vector ? 2 : 1;
+  const std::int64_t values = components * file_header.node_count;
+  for (std::int64_t first = 0; first < values; first += values_per_piece) {
+    const std::int64_t size = std::min(values_per_piece, values - first);
+    read_bytes(step.values_at + first * value_size, piece.data(), size * value_size, "node values");
+    pieces.take_values(first / components, std::span(piece).first(size));
+  }
+}
+
+void DatReader::load_statuses_in_pieces(const DatStep& step, std::int32_t count,
+                                        OutputPieces& pieces) {
+  constexpr std::int64_t cells_per_piece = values_per_piece * value_size;
+  auto* const statuses = reinterpret_cast<std::int8_t*>(piece.data());
+  if (step.statuses_at == 0) std::fill_n(statuses, cells_per_piece, std::int8_t{1});
+  for (std::int64_t first = 0; first < count; first += cells_per_piece) {
+    const std::int64_t size = std::min(cells_per_piece, count - first);
+    if (step.statuses_at != 0) {
+      read_bytes(step.statuses_at + first, statuses, size, "cell statuses");
+    }
+    pieces.take_statuses(first, {statuses, static_cast<std::size_t>(size)});
   }
 }
 

@@ -9,6 +9,7 @@
 
 #include "dat/dat_header_reader.h"
 #include "dat/dat_layout.h"
+#include "results/output_pieces.h"
 #include "results/results_record.h"
 #include "support/input_unit.h"
 
@@ -58,6 +59,9 @@ class DatReader {
   // the file has not stated are 1.
   void load(const DatStep& step, RES_TYPE& record);
 
+  // The same piece by piece, statuses first; `cell_count` is that of the run.
+  void load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces);
+
   // The walk's place in the file, to come back to.
   struct Place {
     std::int64_t position = 0;
@@ -85,6 +89,7 @@ class DatReader {
   void look_for_step();
   bool states_statuses_later();
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
+  void load_statuses_in_pieces(const DatStep& step, std::int32_t count, OutputPieces& pieces);
   void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count);
 
   InputUnit file;
@@ -95,7 +100,7 @@ class DatReader {
   std::optional<StepHead> next_head;   // what stands there, once it has been read
   std::int64_t position = 0;           // just after that card
   std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far
-  std::vector<float> pairs;            // x y x y ..., a piece at a time
+  LargeArray<float> piece;             // what has been read of the values or the statuses
 };
 
 }  // namespace quillet

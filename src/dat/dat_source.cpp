@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "dat/dat_datasets.h"
-#include "dat/dat_extreme_scan.h"
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/run_tally.h"
@@ -24,10 +23,18 @@ ResultShape DatSource::shape() const {
   return {header.node_count, header.cell_count, header.is_vector};
 }
 
+// Moves past the output time that follows and says so, as every reading of one does.
+DatStep DatSource::read_time_step() {
+  SAY("Reading data for time " + AREALD(reader.next_time(), 3));
+  const DatStep step = reader.advance();
+  SAY("Done.");
+  return step;
+}
+
 void DatSource::read_next(RES_TYPE& record) {
   if (reader.at_end()) return;
   SAY("Call ReadDatFile.");
-  reader.load(READ_TIME_STEP(reader), record);
+  reader.load(read_time_step(), record);
   NOTE_TIME_READ();
   SAY("Done.");
   note_end(record);
@@ -35,7 +42,7 @@ void DatSource::read_next(RES_TYPE& record) {
 
 void DatSource::read_values(RES_TYPE& record) {
   if (reader.at_end()) return;
-  reader.load(READ_TIME_STEP(reader), record);
+  reader.load(read_time_step(), record);
   note_end(record);
 }
 
@@ -47,7 +54,7 @@ void DatSource::note_end(RES_TYPE& record) const {
 void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
   read_header();
   while (!reader.at_end()) {
-    const DatStep step = READ_TIME_STEP(reader);
+    const DatStep step = read_time_step();
     NOTE_TIME_PASSED();
     if (tolerance > std::fabs(step.time - time)) {
       reader.load(step, record);
@@ -58,9 +65,35 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
   FAIL_RUN("ERROR - Could not find specified timestep in .dat file.");
 }
 
-void DatSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
-                             FileExtreme& file) {
-  SCAN_FOR_EXTREME(reader, extreme, ignore_stored, step, file);
+void DatSource::begin_scan(std::string_view sought) {
+  SAY("Extracting " + std::string(sought) + " from all timesteps in .dat file");
+}
+
+// Looks at the heads only; a file that is cut short is left to the walk to report.
+std::vector<float> DatSource::times_ahead() {
+  const DatReader::Place start = reader.place();
+  std::vector<float> times;
+  while (!reader.at_end()) {
+    const auto step = reader.try_advance();
+    if (!step) break;
+    times.push_back(step->time);
+  }
+  reader.return_to(start);
+  return times;
+}
+
+float DatSource::scan_next() {
+  scanned = read_time_step();
+  NOTE_TIME_READ();
+  return scanned.time;
+}
+
+void DatSource::read_scanned(std::int32_t cell_count, OutputPieces& pieces) {
+  reader.load_in_pieces(scanned, cell_count, pieces);
+}
+
+void DatSource::end_scan() {
+  SAY("Finished processing file.");
 }
 
 std::vector<std::unique_ptr<ResultDataset>> DatSource::datasets() {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "dat/dat_reader.h"
 #include "results/result_source.h"
@@ -33,15 +35,23 @@ class DatSource : public ResultSource {
 
   // The first output time within the tolerance (strictly), from the start of the file.
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
-  void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
-                    FileExtreme& file) override;
+
+  bool stored_extremes_end_walk() const override { return true; }
+  void begin_scan(std::string_view sought) override;
+  std::vector<float> times_ahead() override;
+  float scan_next() override;
+  void read_scanned(std::int32_t cell_count, OutputPieces& pieces) override;
+  void end_scan() override;
+
   std::vector<std::unique_ptr<ResultDataset>> datasets() override;
   void close() override;
 
  private:
+  DatStep read_time_step();
   void note_end(RES_TYPE& record) const;
 
   DatReader reader;
+  DatStep scanned;  // the output time that a scan has moved to
 };
 
 }  // namespace quillet

@@ -117,8 +117,7 @@ void name_by_export(const RunOptions&, OutputNaming&) {
   SAY("-ensight found, output name based on conversion.");
 }
 
-constexpr ArrayUse arrays_of_extreme{
-    .step = StepForm::components, .result = ResultForm::like_step_with_sources, .file = true};
+constexpr ArrayUse arrays_of_extreme{.result = ResultForm::pairs_with_sources, .file = true};
 constexpr ArrayUse arrays_of_passing_on{.step = StepForm::pairs};
 
 constexpr std::array operations{

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "operations/duration_kernel.h"
+#include "operations/extreme_kernel.h"
 #include "operations/output_time_loop.h"
-#include "results/extreme_kernels.h"
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"

@@ -5,6 +5,7 @@
 
 #include "mesh/load_mesh.h"
 #include "mesh/node_kinds.h"
+#include "operations/extreme_scan.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -38,7 +39,7 @@ void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source)
     }
     ADOPT_STORED_EXTREME(*run.time, file);
   } else {
-    source.read_extreme(extreme, run.ignore_stored, run.work.step, file);
+    SCAN_FOR_EXTREME(extreme, run.ignore_stored, source, file);
   }
 }
 
@@ -59,9 +60,8 @@ std::optional<MESH_TYPE> mesh_for_levels(const OperationRun& run) {
 void size_unknown_cells(OperationRun& run, const MESH_TYPE& mesh) {
   if (run.shape.cell_count) return;
   WorkArrays& work = run.work;
-  for (RES_TYPE* const record : {&work.step, &work.result, &work.file.record}) {
-    SIZE_STATUSES(*record, mesh.element_count);
-  }
+  SIZE_STATUSES(work.result, mesh.element_count);
+  SIZE_STATUSES(work.file.record, mesh.element_count);
 }
 
 void fold_inputs(Extreme extreme, OperationRun& run, const std::optional<MESH_TYPE>& mesh) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "operations/operation_run.h"
-#include "results/extreme_kernels.h"
+#include "results/extreme.h"
 
 namespace quillet {
 

@@ -47,9 +47,10 @@ void size_hours(const ArrayUse& use, const ResultShape& shape, WorkArrays& work)
 
 void size_result(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {
   if (use.result == ResultForm::none) return;
-  const bool is_scalar = use.result == ResultForm::scalar;
-  SIZE_RECORD(work.result, shape.node_count, known_cells(shape), shape.is_vector && !is_scalar);
-  if (!is_scalar) SIZE_SOURCES(work.result);
+  const bool has_sources = use.result == ResultForm::pairs_with_sources;
+  SIZE_RECORD_OF_PAIRS(work.result, shape.node_count, known_cells(shape),
+                       shape.is_vector && has_sources);
+  if (has_sources) SIZE_SOURCES(work.result);
 }
 
 void size_file(const ArrayUse& use, const ResultShape& shape, WorkArrays& work) {

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "results/extreme_kernels.h"
+#include "operations/extreme_kernel.h"
 #include "results/result_shape.h"
 #include "results/results_record.h"
 
@@ -24,7 +24,8 @@ struct WorkArrays {
 // passing them on, or changing them where they stand), or with their components apart.
 enum class StepForm { none, pairs, components };
 
-enum class ResultForm { none, scalar, like_step_with_sources };
+// Of one value per node, or like the inputs (vectors as pairs) with the source of every value.
+enum class ResultForm { none, scalar, pairs_with_sources };
 
 // Which of the arrays an operation works in.
 struct ArrayUse {

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "results/extreme_kernels.h"
+#include "results/extreme.h"
+#include "results/output_pieces.h"
 #include "results/result_dataset.h"
 #include "results/result_shape.h"
 #include "results/results_record.h"
@@ -38,10 +40,24 @@ class ResultSource {
   // when there is none within the tolerance.
   virtual void read_at_time(float time, float tolerance, RES_TYPE& record) = 0;
 
-  // The maximum or minimum over the output times, or the stored one unless it is to be ignored.
-  // `file` has been reset; `step` is working space. Starts from the first output time.
-  virtual void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
-                            FileExtreme& file) = 0;
+  // The maximum (minimum) that the file keeps apart from the walk, as engines that track extremes
+  // write it. To be read only when there is one.
+  virtual bool has_stored(Extreme) const { return false; }
+  virtual void read_stored(Extreme, RES_TYPE&) {}
+  // Whether they write it at the end of the walk instead.
+  virtual bool stored_extremes_end_walk() const { return false; }
+
+  // The walk of a scan, which takes the values of some output times only; `sought` is what it looks
+  // for ("maximums"). Without output times nothing begins, nor ends.
+  virtual void begin_scan(std::string_view sought) = 0;
+  // The output times that follow, as far as they can be told. Says nothing.
+  virtual std::vector<float> times_ahead() = 0;
+  // Moves to the next output time, not at the end.
+  virtual float scan_next() = 0;
+  // Reads the output time that the scan has moved to; without statuses all of `cell_count` cells
+  // are active.
+  virtual void read_scanned(std::int32_t cell_count, OutputPieces& pieces) = 0;
+  virtual void end_scan() = 0;
 
   // Everything that the file holds, or only what was selected: scalars, then vectors. The datasets
   // read through this source and do not outlive it; its own walk must not be under way.

@@ -56,6 +56,10 @@ void SIZE_ARRAY(LargeArray<double>& array, std::int64_t count) {
   size_array(array, count, 0.0);
 }
 
+void SIZE_ARRAY(LargeArray<std::int8_t>& array, std::int64_t count) {
+  size_array(array, count, std::int8_t{0});
+}
+
 void RESET_RECORD(RES_TYPE& record, std::int8_t status) {
   std::fill(record.nd.x.begin(), record.nd.x.end(), 0.0F);
   std::fill(record.nd.y.begin(), record.nd.y.end(), 0.0F);

@@ -57,6 +57,7 @@ void SIZE_SOURCES(RES_TYPE& record);
 // Sizes an array, zeroed. Ends the run when memory does not suffice.
 void SIZE_ARRAY(LargeArray<float>& array, std::int64_t count);
 void SIZE_ARRAY(LargeArray<double>& array, std::int64_t count);
+void SIZE_ARRAY(LargeArray<std::int8_t>& array, std::int64_t count);
 
 // Values 0.0, every cell's status `status`; sizes and sources stay.
 void RESET_RECORD(RES_TYPE& record, std::int8_t status);

@@ -136,6 +136,17 @@ XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
   return status;
 }
 
+XfStatus read_in_pieces(XfGroupState& group, int rank, std::int32_t output_time,
+                        std::size_t value_count, const XfValueSink& sink) {
+  XfStatus status = prepare_values(group, rank, output_time, value_count);
+  if (!status.ok()) return status;
+  const std::size_t components = rank == vector_rank ? 2 : 1;
+  return group.values->read_row_in_pieces(
+      output_time - 1, [&](std::size_t first, std::size_t count, const std::byte* elements) {
+        sink(first, {reinterpret_cast<const float*>(elements), components * count});
+      });
+}
+
 XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
   return group.values->read_row_in_pieces(
       row, [&](std::size_t first, std::size_t count, const std::byte* elements) {
@@ -233,6 +244,18 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
     if (status.ok()) status = check_count("y components", x.size(), y.size());
     return status.ok() ? read_vector(*group, output_time - 1, x.data(), y.data()) : status;
   });
+}
+
+XfStatus XF_READ_SCALAR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                         std::size_t value_count, const XfValueSink& sink) {
+  return xf_guard_memory(
+      [&] { return read_in_pieces(*group, scalar_rank, output_time, value_count, sink); });
+}
+
+XfStatus XF_READ_VECTOR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                         std::size_t value_count, const XfValueSink& sink) {
+  return xf_guard_memory(
+      [&] { return read_in_pieces(*group, vector_rank, output_time, value_count, sink); });
 }
 
 XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_time,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -50,6 +51,16 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
                                         std::span<float> pairs);
 XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> x, std::span<float> y);
+
+// Receives some of an output time's values, scalars or pairs of components, in order; `first`
+// counts them from 0. They stay for the call only, and most are still in the processor's cache.
+using XfValueSink = std::function<void(std::size_t first, std::span<const float> values)>;
+
+// The same piece by piece, for what is not kept as it is read. `value_count`: see above.
+XfStatus XF_READ_SCALAR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                         std::size_t value_count, const XfValueSink& sink);
+XfStatus XF_READ_VECTOR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                         std::size_t value_count, const XfValueSink& sink);
 
 // Flags become 0 or 1. A dataset without activity leaves `flags` alone and succeeds, whatever their
 // number.

@@ -40,15 +40,31 @@ void XmdfDatasetReader::close() {
   }
 }
 
+void XmdfDatasetReader::fail_on_values(std::string_view what, const XfStatus& status) const {
+  FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
+                        is_vector ? "VECTOR" : "SCALAR"),
+            header.file_name, opened_path, status);
+}
+
 void XmdfDatasetReader::read_values(std::int32_t output, std::string_view what, RES_TYPE& record) {
   const XfStatus status = read_record_values(group, is_vector, output, record);
-  if (!status.ok()) {
-    FAIL_XMDF(fmt::format("ERROR - Reading {} [XF_READ_{}_VALUES_TIMESTEP] while reading ", what,
-                          is_vector ? "VECTOR" : "SCALAR"),
-              header.file_name, opened_path, status);
-  }
+  if (!status.ok()) fail_on_values(what, status);
   record.is_vector = is_vector;
   record.time = static_cast<float>(output_times[static_cast<std::size_t>(output) - 1]);
+}
+
+void XmdfDatasetReader::read_in_pieces(std::int32_t output, std::string_view what,
+                                       std::int32_t node_count, std::int32_t cell_count,
+                                       OutputPieces& pieces) {
+  const auto read = is_vector ? XF_READ_VECTOR_VALUES_IN_PIECES : XF_READ_SCALAR_VALUES_IN_PIECES;
+  const XfStatus status = read(group, output, static_cast<std::size_t>(node_count),
+                               [&](std::size_t first, std::span<const float> values) {
+                                 pieces.take_values(static_cast<std::int64_t>(first), values);
+                               });
+  if (!status.ok()) fail_on_values(what, status);
+  if (std::ssize(read_flags) != cell_count) SIZE_ARRAY(read_flags, cell_count);
+  read_statuses(output, read_flags);
+  pieces.take_statuses(0, read_flags);
 }
 
 // Every cell of a dataset without activity counts as wet, whatever other datasets of the file have.
@@ -62,13 +78,16 @@ XfStatus XmdfDatasetReader::read_activity(std::int32_t output, LargeArray<std::i
   return {};
 }
 
+void XmdfDatasetReader::read_statuses(std::int32_t output, LargeArray<std::int8_t>& statuses) {
+  const XfStatus status = read_activity(output, statuses);
+  if (status.ok()) return;
+  FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
+            header.file_name, opened_path, status);
+}
+
 void XmdfDatasetReader::read(std::int32_t output, std::string_view what, RES_TYPE& record) {
   read_values(output, what, record);
-  const XfStatus status = read_activity(output, record.cell.status);
-  if (!status.ok()) {
-    FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
-              header.file_name, opened_path, status);
-  }
+  read_statuses(output, record.cell.status);
 }
 
 }  // namespace quillet

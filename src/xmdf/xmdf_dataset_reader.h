@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "results/output_pieces.h"
 #include "results/results_record.h"
 #include "xf/xf_dataset_reader.h"
 #include "xmdf/xmdf_file_header.h"
@@ -38,8 +39,13 @@ class XmdfDatasetReader {
   void read(std::int32_t output, std::string_view what, RES_TYPE& record);
   // The same without activity.
   void read_values(std::int32_t output, std::string_view what, RES_TYPE& record);
+  // The same with activity, values first, without a record of its own: see OutputPieces.
+  void read_in_pieces(std::int32_t output, std::string_view what, std::int32_t node_count,
+                      std::int32_t cell_count, OutputPieces& pieces);
 
  private:
+  [[noreturn]] void fail_on_values(std::string_view what, const XfStatus& status) const;
+  void read_statuses(std::int32_t output, LargeArray<std::int8_t>& statuses);
   XfStatus read_activity(std::int32_t output, LargeArray<std::int8_t>& statuses);
 
   const XmdfFileHeader& header;
@@ -48,6 +54,7 @@ class XmdfDatasetReader {
   XfGroup group;
   std::vector<double> output_times;
   std::optional<std::int32_t> flag_count;  // of the activity, once it was asked for
+  LargeArray<std::int8_t> read_flags;      // where no record takes them
 };
 
 }  // namespace quillet

@@ -46,19 +46,48 @@ void XmdfSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
   ReadXmdfData(reader, output, true, true, record);
 }
 
-void XmdfSource::read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
-                              FileExtreme& file) {
-  const bool is_maximum = extreme == Extreme::maximum;
+bool XmdfSource::has_stored(Extreme extreme) const {
   const XmdfDatasets& datasets = header.datasets();
-  const bool has_stored = (is_maximum ? datasets.maximums : datasets.minimums) != 0;
-  if (has_stored && !ignore_stored) {
-    (is_maximum ? ReadXmdfMaximum : ReadXmdfMinimum)(header, file.record);
-    ADOPT_STORED_EXTREME(stored_maximum_time, file);
-  } else if (at_end()) {
-    SAY("WARNING - No output times in " + QUOTED(name()));
-  } else {
-    (is_maximum ? ReadXmdfTemporalMaximum : ReadXmdfTemporalMinimum)(header, step, file);
+  return (extreme == Extreme::maximum ? datasets.maximums : datasets.minimums) != 0;
+}
+
+void XmdfSource::read_stored(Extreme extreme, RES_TYPE& record) {
+  (extreme == Extreme::maximum ? ReadXmdfMaximum : ReadXmdfMinimum)(header, record);
+}
+
+// A series without output times is not opened.
+void XmdfSource::begin_scan(std::string_view sought) {
+  if (at_end()) return;
+  const XmdfDatasets& datasets = header.datasets();
+  const std::string& path = datasets.path(datasets.temporal);
+  SAY("Extracting " + std::string(sought) + " from /Temporal/ folder in " + header.file_name);
+  SAY("Opening data group: " + path);
+  reader.open(path, header.uses_vectors());
+}
+
+std::vector<float> XmdfSource::times_ahead() {
+  std::vector<float> times;
+  for (std::size_t i = outputs_passed; i < header.times.size(); ++i) {
+    times.push_back(static_cast<float>(header.times[i]));
   }
+  return times;
+}
+
+float XmdfSource::scan_next() {
+  NOTE_TIME_READ();
+  return static_cast<float>(header.times[outputs_passed++]);
+}
+
+void XmdfSource::read_scanned(std::int32_t cell_count, OutputPieces& pieces) {
+  reader.read_in_pieces(static_cast<std::int32_t>(outputs_passed), "timestep", header.node_count,
+                        cell_count, pieces);
+}
+
+void XmdfSource::end_scan() {
+  if (!reader.is_open()) return;
+  SAY("Closing Group");
+  reader.close();
+  SAY("Done");
 }
 
 std::vector<std::unique_ptr<ResultDataset>> XmdfSource::datasets() {

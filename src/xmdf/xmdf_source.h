@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "results/result_source.h"
 #include "support/run_tally.h"
@@ -31,8 +33,15 @@ class XmdfSource : public ResultSource {
   }
 
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
-  void read_extreme(Extreme extreme, bool ignore_stored, RES_TYPE& step,
-                    FileExtreme& file) override;
+
+  bool has_stored(Extreme extreme) const override;
+  void read_stored(Extreme extreme, RES_TYPE& record) override;
+  void begin_scan(std::string_view sought) override;
+  std::vector<float> times_ahead() override;
+  float scan_next() override;
+  void read_scanned(std::int32_t cell_count, OutputPieces& pieces) override;
+  void end_scan() override;
+
   std::vector<std::unique_ptr<ResultDataset>> datasets() override;
   void close() override;
 

@@ -83,26 +83,6 @@ void read_stored(const XmdfFileHeader& header, const std::string& what, std::int
   close_group(reader);
 }
 
-void fold_time_series(const XmdfFileHeader& header, Extreme extreme, std::string_view start,
-                      RES_TYPE& step, FileExtreme& file) {
-  const XmdfDatasets& datasets = header.datasets();
-  const std::string& path = datasets.path(datasets.temporal);
-  SAY(std::string(start) + " " + header.file_name);
-  SAY("Opening data group: " + path);
-  XmdfDatasetReader reader(header);
-  reader.open(path, header.uses_vectors());
-  for (std::size_t output = 1; output <= reader.times().size(); ++output) {
-    const auto time = static_cast<float>(reader.times()[output - 1]);
-    if (IS_MARKER_MAP(time)) {
-      SAY("Skipping marker time, time found: " + AREAL(time));
-      continue;
-    }
-    reader.read(static_cast<std::int32_t>(output), "timestep", step);
-    FOLD_OUTPUT_TIME(extreme, step, file);
-  }
-  close_group(reader);
-}
-
 }  // namespace
 
 XmdfOutput XMDF_OUTPUT_AT(const XmdfFileHeader& header, float time, float tolerance) {
@@ -171,16 +151,6 @@ void ReadXmdfSingleTime(const XmdfFileHeader& header, RES_TYPE& record) {
   }
   reader.read(1, "data", record);
   close_group(reader);
-}
-
-void ReadXmdfTemporalMaximum(const XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file) {
-  fold_time_series(header, Extreme::maximum, "Extracting maximums from /Temporal/ folder in", step,
-                   file);
-}
-
-void ReadXmdfTemporalMinimum(const XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file) {
-  fold_time_series(header, Extreme::minimum, "Extracting minimums from /Temporal/ folder in", step,
-                   file);
 }
 
 }  // namespace quillet

@@ -5,7 +5,6 @@
 
 #include <vector>
 
-#include "results/extreme_kernels.h"
 #include "results/results_record.h"
 #include "xmdf/xmdf_dataset_reader.h"
 #include "xmdf/xmdf_file_header.h"
@@ -43,11 +42,5 @@ void ReadXmdfMinimum(const XmdfFileHeader& header, RES_TYPE& record);
 
 // Reads the selected dataset, which must hold exactly one output.
 void ReadXmdfSingleTime(const XmdfFileHeader& header, RES_TYPE& record);
-
-// Folds every output of the time series, the last included, into the running maximum (minimum) and
-// its times; not the maps of sources and times that a converted file of maxima holds. `step` is
-// working space.
-void ReadXmdfTemporalMaximum(const XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file);
-void ReadXmdfTemporalMinimum(const XmdfFileHeader& header, RES_TYPE& step, FileExtreme& file);
 
 }  // namespace quillet

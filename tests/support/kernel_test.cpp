@@ -15,9 +15,9 @@
 #include "mesh/mesh_test_files.h"
 #include "operations/difference_kernel.h"
 #include "operations/duration_kernel.h"
+#include "operations/extreme_kernel.h"
 #include "operations/flow_direction.h"
 #include "operations/trim_kernel.h"
-#include "results/extreme_kernels.h"
 #include "support/interleave.h"
 #include "support/vector_magnitude.h"
 #include "xf/xf_range.h"
@@ -80,14 +80,17 @@ void fold_extremes(std::int32_t count, Values& values, Results& results) {
   for (const Extreme extreme : {Extreme::maximum, Extreme::minimum}) {
     for (const bool is_vector : {false, true}) {
       FileExtreme file;
-      RES_TYPE overall = values.record(count, is_vector);
+      const std::int32_t components = is_vector ? 2 : 1;
+      RES_TYPE overall = values.record(count, false);
+      overall.nd.x = values.array(components * count);
+      overall.is_vector = is_vector;
       SIZE_SOURCES(overall);
       SIZE_FILE_EXTREME(file, count, overall.cell_count, is_vector);
       RESET_FILE_EXTREME(extreme, file);
       for (int step = 0; step < 4; ++step) {
-        RES_TYPE record = values.record(count, is_vector);
-        record.time = static_cast<float>(step) / 7;
-        FOLD_OUTPUT_TIME(extreme, record, file);
+        const auto time = static_cast<float>(step) / 7;
+        FOLD_VALUES(extreme, time, 0, values.array(components * count), file);
+        FOLD_STATUSES(extreme, values.record(count, false).cell.status, file.record.cell.status);
       }
       FOLD_FILE(extreme, file, 3, nullptr, overall);
       std::vector<std::uint8_t> counts(static_cast<std::size_t>(count), 1);

@@ -1,21 +1,21 @@
-// Folding one record into another: the running maximum or minimum of one file, and of all files.
-// Strictly greater (smaller) wins, so ties keep what came first; a value that is not a number never
-// wins. Running values start at 0, for the minimum too.
+// Folding one set of values into another: the running maximum or minimum of one file, and of all
+// files. Strictly greater (smaller) wins, so ties keep what came first; a value that is not a
+// number never wins. Running values start at 0, for the minimum too. Vectors are compared by
+// magnitude and keep their components, as pairs x1 y1 x2 y2 ....
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <vector>
 
+#include "results/extreme.h"
 #include "results/results_record.h"
 
 namespace quillet {
 
-enum class Extreme { maximum, minimum };
-
 // The running maximum or minimum over the output times of one file.
 struct FileExtreme {
-  RES_TYPE record;
+  RES_TYPE record;              // vectors as pairs
   LargeArray<float> magnitude;  // of the record's vectors; empty for scalars
   LargeArray<float> time;       // per node: hours at which the value was set
 };
@@ -31,20 +31,21 @@ std::int8_t INITIAL_STATUS(Extreme extreme);
 // Values, times and statuses as before the first output time.
 void RESET_FILE_EXTREME(Extreme extreme, FileExtreme& file);
 
-// Folds one output time (values and statuses) into its file's extreme. Vectors are compared by
-// magnitude and keep the components.
-void FOLD_OUTPUT_TIME(Extreme extreme, const RES_TYPE& step, FileExtreme& file);
+// Folds some values of an output time into its file's extreme: those of the nodes from `first_node`
+// (from 0) on, one per node or, for a record of vectors, a pair.
+void FOLD_VALUES(Extreme extreme, float time, std::int64_t first_node,
+                 std::span<const float> values, FileExtreme& file);
+
+// Folds statuses, as many as `running` holds: the larger (smaller) of the absolute values.
+void FOLD_STATUSES(Extreme extreme, std::span<const std::int8_t> status,
+                   std::span<std::int8_t> running);
 
 // file.record was replaced by stored extremes: sets the magnitudes to match, every time to `time`.
 void ADOPT_STORED_EXTREME(float time, FileExtreme& file);
 
-// Folds statuses: the larger (smaller) of the absolute values.
-void FOLD_STATUSES(Extreme extreme, std::span<const std::int8_t> status,
-                   std::span<std::int8_t> running);
-
-// Folds one file into the record over all files; nodes that it wins get its number as source.
-// With `node_counts` (one byte per node, or null for all) only nodes with a 1 take part; scalars
-// only.
+// Folds one file into the record over all files, which has vectors as pairs too; nodes that it wins
+// get its number as source. With `node_counts` (one byte per node, or null for all) only nodes with
+// a 1 take part; scalars only.
 void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_number,
                const std::vector<std::uint8_t>* node_counts, RES_TYPE& overall);
 

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace quillet {
+
+enum class Extreme { maximum, minimum };
+
+}  // namespace quillet
