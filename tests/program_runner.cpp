@@ -164,8 +164,11 @@ bool LiveRun::has_ended() {
   return ended;
 }
 
+// A foreign program may end its lines with CR LF.
 std::string LiveRun::output() const {
-  return whole_file(output_file);
+  std::string text = whole_file(output_file);
+  if (program_is_foreign) std::erase(text, '\r');
+  return text;
 }
 
 bool LiveRun::wait_for(std::string_view text) {
