@@ -20,7 +20,7 @@ DatHeader DatHeaderReader::read() {
   return header;
 }
 
-// The next bytes of the file; false when it ends before.
+// The next bytes of the file; false when it ends before, and then the item stays as it was.
 bool DatHeaderReader::take(void* item, std::size_t size) {
   if (used + size > block.size()) {
     block_start += static_cast<std::int64_t>(used);
@@ -37,21 +37,16 @@ bool DatHeaderReader::take(void* item, std::size_t size) {
   return true;
 }
 
-std::int32_t DatHeaderReader::take_integer() {
-  std::int32_t value = 0;
-  take(&value, sizeof value);
-  return value;
-}
-
 void DatHeaderReader::take_card(DatCard card, DatHeader& header) {
   std::array<char, dat_name_length> name{};
+  std::int32_t unused = 0;
   switch (card) {
     case DatCard::object_type:
     case DatCard::real_size:
     case DatCard::status_size:
     case DatCard::vector_type:
     case DatCard::object_id:
-      take_integer();
+      take(&unused, sizeof unused);
       break;
     case DatCard::scalar_dataset:
       header.is_vector = false;
@@ -60,10 +55,10 @@ void DatHeaderReader::take_card(DatCard card, DatHeader& header) {
       header.is_vector = true;
       break;
     case DatCard::node_count:
-      has_node_count = take(&header.node_count, sizeof header.node_count);
+      if (take(&header.node_count, sizeof header.node_count)) has_node_count = true;
       break;
     case DatCard::cell_count:
-      header.cell_count = take_integer();
+      take(&header.cell_count, sizeof header.cell_count);
       break;
     case DatCard::name:
       if (take(name.data(), name.size())) header.name = TRIMF({name.data(), name.size()});

@@ -33,7 +33,6 @@ class DatHeaderReader {
 
  private:
   bool take(void* item, std::size_t size);
-  std::int32_t take_integer();
   void take_card(DatCard card, DatHeader& header);
 
   const InputUnit& file;

@@ -36,6 +36,7 @@ void DatReader::read_header() {
   position = reader.position();
   statuses_in_force = 0;
   next_head.reset();
+  more_follows = false;
   step_follows = reader.step_follows() && position < file.size();
   holds_marker_maps = false;
   if (step_follows && file.size() - position >= dat_step_head_size) {
@@ -150,8 +151,10 @@ void DatReader::look_for_step() {
   next_head.reset();
   if (found == bytes.size()) next_head = head_from(&bytes[dat_card_size]);
   position += dat_card_size;
-  step_follows =
-      has_card && card == static_cast<std::int32_t>(DatCard::output_time) && position < file.size();
+  const bool is_step = card == static_cast<std::int32_t>(DatCard::output_time);
+  const bool is_known = is_step || card == static_cast<std::int32_t>(DatCard::end);
+  step_follows = has_card && is_step && position < file.size();
+  more_follows = has_card && !step_follows && (!is_known || position < file.size());
 }
 
 void DatReader::return_to(const Place& place) {

@@ -46,6 +46,9 @@ class DatReader {
 
   bool at_end() const { return !step_follows; }
 
+  // At the end: whether the file goes on with something that is no output time.
+  bool holds_more() const { return more_follows; }
+
   // Hours of the output time that follows. Ends the run when the file stops inside its head.
   float next_time();
 
@@ -97,6 +100,7 @@ class DatReader {
   bool counts_stated = false;
   bool holds_marker_maps = false;      // its first output time is this program's maximum
   bool step_follows = false;           // the last card read was that of an output time
+  bool more_follows = false;           // something else than an output time follows
   std::optional<StepHead> next_head;   // what stands there, once it has been read
   std::int64_t position = 0;           // just after that card
   std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far

@@ -44,7 +44,7 @@ void DatSink::write(float time, const RES_TYPE& record) {
   SAY("Done.");
 }
 
-void DatSink::write_time(const RES_TYPE& record) {
+void DatSink::write_time_at(double, const RES_TYPE& record) {
   write(record.time, record);
   NOTE_WRITTEN(record.time, record);
 }

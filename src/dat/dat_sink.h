@@ -16,7 +16,7 @@ class DatSink : public ResultSink {
   const std::string& name() const override { return file_name; }
   void prepare(const ResultShape& shape, std::int64_t likely_time_count) override;
   void start_dataset(DatasetKind, const std::string&, const ResultShape&, std::int64_t) override {}
-  void write_time(const RES_TYPE& record) override;
+  void write_time_at(double hours, const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;
 

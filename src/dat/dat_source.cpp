@@ -6,16 +6,22 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/run_tally.h"
+#include "support/text.h"
 
 namespace quillet {
 
-void DatSource::read_header() {
-  SAY("Reading Header for: " + name());
+void READ_DAT_HEADER(DatReader& reader) {
+  SAY("Reading Header for: " + reader.name());
   reader.read_header();
   SAY("Number Cells: " + AINTEGER(reader.header().cell_count));
   SAY("Number Nodes: " + AINTEGER(reader.header().node_count));
   SAY("Data Description: " + reader.header().name);
   reader.check_counts();
+}
+
+void WARN_OF_UNREAD_DATA(const DatReader& reader) {
+  if (!reader.holds_more()) return;
+  SAY("WARNING - Data after the last output time is not read: " + QUOTED(reader.name()));
 }
 
 ResultShape DatSource::shape() const {
@@ -37,18 +43,16 @@ void DatSource::read_next(RES_TYPE& record) {
   reader.load(read_time_step(), record);
   NOTE_TIME_READ();
   SAY("Done.");
-  note_end(record);
-}
-
-void DatSource::read_values(RES_TYPE& record) {
-  if (reader.at_end()) return;
-  reader.load(read_time_step(), record);
-  note_end(record);
-}
-
-void DatSource::note_end(RES_TYPE& record) const {
   record.end_of_file = reader.at_end();
-  if (record.end_of_file) SAY("End of .dat file.");
+  if (!record.end_of_file) return;
+  SAY("End of .dat file.");
+  WARN_OF_UNREAD_DATA(reader);
+}
+
+void DatSource::pass_next() {
+  reader.advance();
+  NOTE_TIME_PASSED();
+  if (reader.at_end()) WARN_OF_UNREAD_DATA(reader);
 }
 
 void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
@@ -62,7 +66,8 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
       return;
     }
   }
-  FAIL_RUN("ERROR - Could not find specified timestep in .dat file.");
+  FAIL_RUN("ERROR - Could not find specified timestep in .dat file.",
+           QUOTED(name()) + ", asked for time " + AREAL(time) + ", tolerance " + AREAL(tolerance));
 }
 
 void DatSource::begin_scan(std::string_view sought) {
@@ -94,10 +99,13 @@ void DatSource::read_scanned(std::int32_t cell_count, OutputPieces& pieces) {
 
 void DatSource::end_scan() {
   SAY("Finished processing file.");
+  if (reader.at_end()) WARN_OF_UNREAD_DATA(reader);
 }
 
 std::vector<std::unique_ptr<ResultDataset>> DatSource::datasets() {
-  return LIST_DAT_DATASETS(reader);
+  auto datasets = LIST_DAT_DATASETS(reader);
+  WARN_OF_UNREAD_DATA(reader);
+  return datasets;
 }
 
 void DatSource::close() {

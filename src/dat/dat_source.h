@@ -11,27 +11,28 @@
 
 namespace quillet {
 
+// Reads and prints the header, checks its counts. Ends the run when they cannot be true.
+void READ_DAT_HEADER(DatReader& reader);
+
+// Warns when the file that was walked through goes on behind its last output time.
+void WARN_OF_UNREAD_DATA(const DatReader& reader);
+
 class DatSource : public ResultSource {
  public:
   // Opens the file. Nothing else is known before `read_header`.
   explicit DatSource(const std::string& file_name) : reader(file_name) {}
 
-  // Reads and prints the header, checks its counts. Ends the run when they cannot be true.
-  void read_header();
+  void read_header() { READ_DAT_HEADER(reader); }
 
   const std::string& name() const override { return reader.name(); }
   ResultShape shape() const override;
   std::int64_t likely_time_count() const override { return reader.time_count_bound(); }
 
   bool at_end() const override { return reader.at_end(); }
-  float next_time() override { return reader.next_time(); }
+  double next_time() override { return reader.next_time(); }
+  bool has_short_times() const override { return true; }
   void read_next(RES_TYPE& record) override;
-  void pass_next() override {
-    reader.advance();
-    NOTE_TIME_PASSED();
-  }
-  // As read_next, with fewer words: for files whose values go with those of another.
-  void read_values(RES_TYPE& record);
+  void pass_next() override;
 
   // The first output time within the tolerance (strictly), from the start of the file.
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
@@ -48,7 +49,6 @@ class DatSource : public ResultSource {
 
  private:
   DatStep read_time_step();
-  void note_end(RES_TYPE& record) const;
 
   DatReader reader;
   DatStep scanned;  // the output time that a scan has moved to

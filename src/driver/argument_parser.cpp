@@ -22,7 +22,9 @@ constexpr std::size_t longest_type_code = 4;
 void set_type(RunOptions& options, const OptionArgument& argument) {
   options.type_given = true;
   options.type_code = TRIMF(argument.from_column(6).substr(0, longest_type_code));
-  LOOK_UP_TYPE_NAME(options.type_code, options.type_name);
+  if (!LOOK_UP_TYPE_NAME(options.type_code, options.type_name)) {
+    SAY("WARNING - Unknown result type: " + QUOTED(options.type_code));
+  }
   if (BLANK(options.type_name)) {
     FAIL_RUN("ERROR - Unable to interpret Map Output Data Type: " + QUOTED(options.type_code));
   }

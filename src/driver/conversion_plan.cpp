@@ -58,14 +58,28 @@ std::string special_times_name(const InputType& type) {
   return "";
 }
 
+std::string suffix_of(const std::string& input) {
+  return FILE_SUFFIX(WITHOUT_BRACKETS(input));
+}
+
 bool is_of_known_type(const std::string& input) {
-  return !type_name_of(FILE_SUFFIX(input), false).empty();
+  return !type_name_of(suffix_of(input), false).empty();
+}
+
+// The input's name without its type suffix, unless that is all there is.
+std::string group_of(const std::string& input) {
+  const auto [bare, brackets] = SPLIT_BRACKETS(input);
+  std::string group = FILENAME(bare);
+  const std::size_t suffix_size = is_of_known_type(input) ? suffix_of(input).size() : 0;
+  if (suffix_size < group.size()) group.resize(group.size() - suffix_size);
+  for (const std::string& bracket : brackets) group += bracket;
+  return group;
 }
 
 std::string xmdf_dataset_name(const std::string& input, const InputType& type,
                               const ResultDataset& dataset) {
   if (dataset.kind() == DatasetKind::special_times) return special_times_name(type);
-  if (is_of_known_type(input)) return type_name_of(FILE_SUFFIX(input), dataset.is_vector());
+  if (is_of_known_type(input)) return type_name_of(suffix_of(input), dataset.is_vector());
   return FILENAME(input);
 }
 
@@ -142,10 +156,8 @@ struct DatPlan {
 
 ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& type,
                                   const Datasets& datasets) {
-  const std::string group =
-      is_of_known_type(input) ? FILENAMEPATHNO_(FILENAME(input)) : FILENAME(input);
   const std::string name = FILENAMEPATH(input) + EXTENSION_OF(FileKind::xmdf);
-  ConversionTarget target{FileKind::xmdf, name, group, {}};
+  ConversionTarget target{FileKind::xmdf, name, group_of(input), {}};
   for (const auto& dataset : datasets) {
     const std::string dataset_name = xmdf_dataset_name(input, type, *dataset);
     if (dataset_name.empty()) {

@@ -4,6 +4,7 @@
 
 #include "driver/conversion_plan.h"
 #include "driver/output_opening.h"
+#include "mesh/scan_2dm.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/text.h"
@@ -14,6 +15,7 @@ namespace {
 // One input with what becomes of it.
 struct Conversion {
   ResultSource* source = nullptr;
+  std::string mesh_file;
   Datasets datasets;
   std::vector<ConversionTarget> targets;
 };
@@ -23,6 +25,7 @@ Conversion plan(const RunSetup& setup, std::size_t input) {
   Conversion conversion;
   conversion.source = setup.inputs.sources[input].get();
   conversion.datasets = conversion.source->datasets();
+  conversion.mesh_file = setup.inputs.types[input].mesh_file;
   if (setup.input_kinds[input] == FileKind::dat) {
     conversion.targets = {PLAN_XMDF_TARGET(name, setup.inputs.types[input], conversion.datasets)};
   } else {
@@ -55,8 +58,11 @@ void check_targets(const RunSetup& setup, const std::vector<Conversion>& convers
     for (const ConversionTarget& target : conversion.targets) {
       const std::string& name = target.file_name;
       REFUSE_INPUT_AS_OUTPUT(setup, name);
-      const bool is_taken = std::find(names.begin(), names.end(), name) != names.end();
-      if (is_taken || (!named_by_user && FILE_EXISTS(name))) {
+      const bool is_taken = std::any_of(names.begin(), names.end(), [&](const std::string& other) {
+        return SAME_PLACE(name, other);
+      });
+      if (is_taken) FAIL_RUN("ERROR - Two inputs have one output: " + QUOTED(name));
+      if (!named_by_user && FILE_EXISTS(name)) {
         FAIL_RUN("ERROR - Output file already exists: " + QUOTED(name));
       }
       names.push_back(name);
@@ -75,9 +81,26 @@ void write_target(const ConversionTarget& target, RES_TYPE& step) {
   CONVERT_DATASETS(target.datasets, *sink, step);
 }
 
+// What a file tells that has no activity: the cells of the mesh beside it, all wet, where it is the
+// mesh of these results.
+std::int32_t cell_count_of(const Conversion& conversion) {
+  const ResultShape shape = conversion.source->shape();
+  if (shape.cell_count) return *shape.cell_count;
+  if (FILE_EXISTS(SYSTEM_NAME(conversion.mesh_file))) {
+    MESH_TYPE mesh;
+    const InputUnit unit(conversion.mesh_file);
+    SCAN_2DM_HEADER(unit, mesh);
+    SCAN_2DM(unit, mesh);
+    if (mesh.node_count == shape.node_count) return mesh.element_count;
+  }
+  SAY("WARNING - The number of cells is not known, none are written: " +
+      QUOTED(conversion.source->name()));
+  return 0;
+}
+
 void convert(const Conversion& conversion, RES_TYPE& step) {
   const ResultShape shape = conversion.source->shape();
-  SIZE_RECORD_OF_PAIRS(step, shape.node_count, shape.cell_count.value_or(0),
+  SIZE_RECORD_OF_PAIRS(step, shape.node_count, cell_count_of(conversion),
                        has_vectors(conversion.datasets));
   for (const ConversionTarget& target : conversion.targets) {
     write_target(target, step);

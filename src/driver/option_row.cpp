@@ -1,6 +1,7 @@
 #include "driver/option_row.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "support/console.h"
 #include "support/numbers.h"
@@ -11,9 +12,19 @@ namespace {
 
 constexpr std::size_t longest_tag = 100;
 
-[[noreturn]] void fail_value() {
-  SAY("ERROR - Reading time for keep or remove argument, or cutoff depth for duration");
-  END_WITH_PAUSE();
+template <typename Value>
+Value read_number(std::optional<Value> (*read)(std::string_view), std::string_view text,
+                  std::string_view argument) {
+  const auto value = read(text);
+  if (!value) {
+    SAY("ERROR - Reading time for keep or remove argument, or cutoff depth for duration");
+    SAY_HELP(QUOTED(argument));
+    END_WITH_PAUSE();
+  }
+  if (TEXT_FOLLOWS_NUMBER(text)) {
+    SAY("WARNING - Text after the number is ignored: " + QUOTED(argument));
+  }
+  return *value;
 }
 
 }  // namespace
@@ -23,15 +34,11 @@ std::string_view OptionArgument::from_column(std::size_t column) const {
 }
 
 float OptionArgument::real(std::size_t column) const {
-  const auto value = READ_REAL(from_column(column));
-  if (!value) fail_value();
-  return *value;
+  return read_number(READ_REAL, from_column(column), argument);
 }
 
 std::int32_t OptionArgument::integer(std::size_t column) const {
-  const auto value = READ_INTEGER(from_column(column));
-  if (!value) fail_value();
-  return *value;
+  return read_number(READ_INTEGER, from_column(column), argument);
 }
 
 std::string OptionArgument::tag() const {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "dat/dat_names.h"
+#include "dat/dat_level_files.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/file_names.h"
@@ -38,7 +38,10 @@ std::vector<std::string> FILES_READ(const RunSetup& setup) {
     const std::string& name = setup.input_names[input];
     files.push_back(name);
     files.push_back(setup.inputs.types[input].mesh_file);
-    if (setup.input_kinds[input] == FileKind::dat) files.push_back(WATER_LEVEL_FILE(name));
+    if (setup.input_kinds[input] != FileKind::dat) continue;
+    const LevelFiles levels = LEVEL_FILES(name);
+    files.push_back(levels.made_alike);
+    files.push_back(levels.original);
   }
   return files;
 }

@@ -15,8 +15,10 @@
 #include "support/numbers.h"
 #include "support/run_tally.h"
 #include "support/text.h"
+#include "xmdf/xmdf_headers.h"
 #include "xmdf/xmdf_names.h"
 #include "xmdf/xmdf_source.h"
+#include "xmdf/xmdf_type_search.h"
 #include "xmdf/xmdf_water_levels.h"
 
 namespace quillet {
@@ -164,6 +166,16 @@ void identify_inputs(RunSetup& setup) {
   }
 }
 
+// A dataset of water levels is one whatever it was asked for by.
+void note_water_levels(RunSetup& setup) {
+  std::size_t xmdf_inputs = 0;
+  for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
+    if (setup.input_kinds[input] != FileKind::xmdf) continue;
+    if (!IsXmdfWaterLevel(setup.xmdf_files[xmdf_inputs++])) continue;
+    setup.inputs.types[input].is_water_level = true;
+  }
+}
+
 // Whether the inputs are levels themselves is decided by the first. Nothing is opened yet.
 void choose_water_levels(RunSetup& setup) {
   if (!setup.operation.needs_water_levels || !setup.wet_dry_test) return;
@@ -176,7 +188,7 @@ void choose_water_levels(RunSetup& setup) {
     } else if (is_xmdf) {
       levels = std::make_unique<XmdfWaterLevels>(setup.xmdf_files[xmdf_inputs], setup.tolerance);
     } else {
-      levels = std::make_unique<DatWaterLevels>(WATER_LEVEL_FILE(setup.input_names[input]));
+      levels = std::make_unique<DatWaterLevels>(setup.input_names[input]);
     }
     if (is_xmdf) ++xmdf_inputs;
     setup.inputs.water_levels.push_back(std::move(levels));
@@ -224,6 +236,12 @@ void announce_walk(const RunSetup& setup) {
   }
 }
 
+// For an operation that looks at its inputs itself, which have told nothing yet.
+void take_shape_untold(RunSetup& setup) {
+  if (setup.xmdf_files.empty()) return;
+  setup.shape = ReadXmdfShapeSilently(setup.xmdf_files.front());
+}
+
 }  // namespace
 
 void SET_UP_RUN(RunSetup& setup) {
@@ -243,14 +261,18 @@ void SET_UP_RUN(RunSetup& setup) {
 
   open_inputs(setup);
   identify_inputs(setup);
-  if (operation.selection == XmdfSelection::none) return;
-  if (!operation.opens_output_itself) OPEN_OUTPUT(setup);
-  read_dat_headers(setup);
-  CHOOSE_XMDF_DATASETS(setup);
-  CHECK_CONSISTENCY(setup);
+  if (operation.selection == XmdfSelection::none) {
+    take_shape_untold(setup);
+  } else {
+    if (!operation.opens_output_itself) OPEN_OUTPUT(setup);
+    read_dat_headers(setup);
+    CHOOSE_XMDF_DATASETS(setup);
+    CHECK_CONSISTENCY(setup);
+    note_water_levels(setup);
+    take_shape(setup);
+  }
   for (const InputType& type : setup.inputs.types) REPORT_INPUT_TYPE(type);
   choose_water_levels(setup);
-  take_shape(setup);
   ALLOCATE_WORK_ARRAYS(arrays_of(setup), setup.shape, setup.work);
   announce_walk(setup);
 }

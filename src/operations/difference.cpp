@@ -1,10 +1,12 @@
 #include "operations/difference.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "mesh/read_2dm_elevations.h"
 #include "operations/difference_kernel.h"
+#include "operations/output_time_loop.h"
 #include "results/time_pairing.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -19,7 +21,11 @@ struct ComparedRun {
   WaterLevels* levels;  // none without the wet/dry test
   RES_TYPE& record;
 
-  bool exhausted() const { return source.at_end() || (levels != nullptr && levels->at_end()); }
+  // Moves past what is no result.
+  bool exhausted() {
+    PASS_MARKER_MAPS(source);
+    return source.at_end();
+  }
 
   // Moves on to the next output time; false when there is none.
   bool advance() {
@@ -68,14 +74,23 @@ struct Comparison {
   }
 
   void compare_all() {
+    std::optional<float> last_pair;
+    bool end_together = false;
     bool has_times = first.advance() && second.advance();
     while (has_times) {
       if (TIMES_MATCH(first.record.time, second.record.time)) {
         write_difference();
+        last_pair = first.record.time;
+        end_together = first.exhausted() && second.exhausted();
         has_times = first.advance() && second.advance();
       } else {
         has_times = skip_unpaired();
       }
+    }
+    if (!last_pair) {
+      SAY("WARNING - No output times in common.");
+    } else if (!end_together) {
+      SAY("WARNING - Compared up to time " + AREAL(*last_pair) + ".");
     }
   }
 

@@ -38,9 +38,9 @@ void fail_backwards(const ResultSource& source, float time, float previous) {
 // Reads the next ordinary output time; false when there is none.
 bool read_ordinary(ResultSource& source, RES_TYPE& step) {
   while (!source.at_end()) {
-    const std::string_view reason = WHY_NOT_ORDINARY(source.next_time());
+    const std::string_view reason = WHY_NOT_ORDINARY(source, source.next_time());
     if (reason.empty()) break;
-    SAY(std::string(reason) + AREAL(source.next_time()));
+    SAY(std::string(reason) + AREAL(static_cast<float>(source.next_time())));
     source.pass_next();
   }
   if (source.at_end()) return false;

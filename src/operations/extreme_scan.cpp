@@ -41,6 +41,11 @@ bool is_stored(float time) {
 bool is_stored_on_the_way(float time) {
   return std::fabs(time - stored_maximum_time) < 0.001F;
 }
+// Made by this program: a file that holds such a map alone, kept or trimmed, has it for its
+// maximum.
+bool is_maximum_or_minimum(float time) {
+  return time == maximum_marker_time || time == minimum_marker_time;
+}
 bool is_when_stored(float time) {
   return !(std::fabs(time - stored_when_time) > 0.01F);
 }
@@ -139,7 +144,10 @@ class Scan {
       ADOPT_STORED_EXTREME(time, file);
     } else if (is_stored(time)) {
       SAY(texts.stored_ignored);
-    } else {
+    } else if (is_maximum_or_minimum(time)) {
+      SAY(texts.compared);
+      fold(time);
+    } else if (!IS_MARKER_MAP(time) && !is_when_stored(time) && time != stored_minimum_time) {
       SAY("WARNING - Last output time is not compared: " + AREAL(time));
     }
   }

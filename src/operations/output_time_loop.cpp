@@ -1,5 +1,7 @@
 #include "operations/output_time_loop.h"
 
+#include <cmath>
+
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
@@ -11,10 +13,22 @@ void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
   SAY_APART(run.time ? std::string(one_time) + AREAL(*run.time) : std::string(all_times));
 }
 
-std::string_view WHY_NOT_ORDINARY(float time) {
+std::string_view WHY_NOT_ORDINARY(const ResultSource& source, double time) {
+  if (std::isnan(time)) {
+    FAIL_READING(source.name(), "expected an output time, found one that is not a number");
+  }
   if (time > last_ordinary_time) return "Skipping times above 99,998, time found: ";
-  if (time == stored_minimum_time) return "Skipping stored minimum, time found: ";
-  return "";
+  const bool is_minimum = time == stored_minimum_time || time == minimum_marker_time;
+  return is_minimum ? "Skipping stored minimum, time found: " : "";
+}
+
+void PASS_MARKER_MAPS(ResultSource& source) {
+  while (!source.at_end()) {
+    const auto time = static_cast<float>(source.next_time());
+    if (!IS_MARKER_MAP(time)) return;
+    SAY("Skipping marker time, time found: " + AREAL(time));
+    source.pass_next();
+  }
 }
 
 void REWRITE_OUTPUT_TIMES(OperationRun& run, const ResultShape& written,
@@ -29,7 +43,7 @@ void REWRITE_OUTPUT_TIMES(OperationRun& run, const ResultShape& written,
     run.output.write_time(step);
     return;
   }
-  while (!source.at_end()) {
+  for (PASS_MARKER_MAPS(source); !source.at_end(); PASS_MARKER_MAPS(source)) {
     source.read_next(step);
     change(step);
     run.output.write_time(step);

@@ -13,8 +13,11 @@ void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
                            std::string_view all_times);
 
 // What is said of an output time that is none of the simulation (stored maxima and minima); empty
-// for ordinary ones.
-std::string_view WHY_NOT_ORDINARY(float time);
+// for ordinary ones. A time that is not a number ends the run.
+std::string_view WHY_NOT_ORDINARY(const ResultSource& source, double time);
+
+// Moves past the maps of sources and times that follow: they are no results.
+void PASS_MARKER_MAPS(ResultSource& source);
 
 // Reads the output time asked for, or every one in turn, from the first input into the step record,
 // lets `change` work on it, and writes it. `written` tells the output what will come.

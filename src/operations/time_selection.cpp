@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "operations/output_time_loop.h"
@@ -12,24 +13,40 @@ namespace quillet {
 namespace {
 
 // Empty for an output time that is kept; else what is said of it.
-using ReasonToSkip = std::function<std::string_view(float time)>;
+using ReasonToSkip = std::function<std::string_view(double time)>;
 
 // Copies what is kept of one input. Returns how many output times were passed over.
-int copy_output_times(OperationRun& run, ResultSource& source, const ReasonToSkip& reason_to_skip) {
+int copy_output_times(OperationRun& run, ResultSource& source, const ReasonToSkip& reason_to_skip,
+                      bool keeps_64_bits = false) {
   int skipped = 0;
   while (!source.at_end()) {
-    const float time = source.next_time();
+    const double time = source.next_time();
     const std::string_view reason = reason_to_skip(time);
     if (reason.empty()) {
       source.read_next(run.work.step);
-      run.output.write_time(run.work.step);
+      if (keeps_64_bits) {
+        run.output.write_time_at(time, run.work.step);
+      } else {
+        run.output.write_time(run.work.step);
+      }
       continue;
     }
-    SAY(std::string(reason) + AREAL(time));
+    SAY(std::string(reason) + AREAL(static_cast<float>(time)));
     source.pass_next();
     ++skipped;
   }
   return skipped;
+}
+
+struct WrittenTime {
+  double hours = 0;
+  bool is_short = false;  // a 32-bit real in its file
+};
+
+// 0.1 h is the same time in 32 bits and in 64.
+bool is_later(const WrittenTime& time, const WrittenTime& last) {
+  if (!time.is_short && !last.is_short) return time.hours > last.hours;
+  return static_cast<float>(time.hours) > static_cast<float>(last.hours);
 }
 
 }  // namespace
@@ -44,7 +61,8 @@ void RUN_REMOVE(OperationRun& run) {
   SAY_APART("Removing data at time " + AREAL(*run.time));
   ResultSource& source = *run.inputs.sources.front();
   run.output.prepare(run.shape, source.likely_time_count());
-  const int removed = copy_output_times(run, source, [&](float time) {
+  const int removed = copy_output_times(run, source, [&](double hours) {
+    const auto time = static_cast<float>(hours);
     return run.tolerance > std::fabs(time - *run.time) ? "Skipping time to remove, time found: "
                                                        : "";
   });
@@ -58,7 +76,8 @@ void RUN_RANGE(OperationRun& run) {
   ResultSource& source = *run.inputs.sources.front();
   run.output.prepare(run.shape, 0);
   bool kept_any = false;
-  copy_output_times(run, source, [&](float time) {
+  copy_output_times(run, source, [&](double hours) {
+    const auto time = static_cast<float>(hours);
     const bool is_inside =
         time >= run.range_start - run.tolerance && time <= run.range_end + run.tolerance;
     kept_any = kept_any || is_inside;
@@ -70,21 +89,23 @@ void RUN_RANGE(OperationRun& run) {
 
 void RUN_CONCATENATE(OperationRun& run) {
   SAY_APART("Concatenating files.");
-  bool wrote_any = false;
-  float last_written = 0;
-  const auto reason_to_skip = [&](float time) -> std::string_view {
-    if (const auto reason = WHY_NOT_ORDINARY(time); !reason.empty()) return reason;
-    if (wrote_any && time <= last_written) return "Skipping time already written, time found: ";
-    wrote_any = true;
-    last_written = time;
-    return "";
-  };
+  std::optional<WrittenTime> last;
   std::int64_t likely_times = 0;
   for (const auto& source : run.inputs.sources) likely_times += source->likely_time_count();
   run.output.prepare(run.shape, likely_times);
   for (const auto& source : run.inputs.sources) {
     SAY_APART("Processing file: " + source->name());
-    copy_output_times(run, *source, reason_to_skip);
+    const bool is_short = source->has_short_times();
+    copy_output_times(
+        run, *source,
+        [&](double hours) -> std::string_view {
+          if (const auto reason = WHY_NOT_ORDINARY(*source, hours); !reason.empty()) return reason;
+          const WrittenTime time{hours, is_short};
+          if (last && !is_later(time, *last)) return "Skipping time already written, time found: ";
+          last = time;
+          return "";
+        },
+        true);
   }
   CLOSE_FILES_AND_EXIT(run);
 }

@@ -45,7 +45,11 @@ class ResultSink {
                              std::int64_t time_count) = 0;
 
   // Writes one output time of the output's dataset.
-  virtual void write_time(const RES_TYPE& record) = 0;
+  void write_time(const RES_TYPE& record) { write_time_at(record.time, record); }
+
+  // The same at a time that the record, whose own has 32 bits, may hold less exactly. A format with
+  // 32-bit times writes the record's.
+  virtual void write_time_at(double hours, const RES_TYPE& record) = 0;
 
   // Writes one map; the record's own time is not used.
   virtual void write_map(const ResultMap& map, const RES_TYPE& record) = 0;

@@ -29,7 +29,9 @@ class ResultSource {
 
   // The walk over all output times, from the first to the last.
   virtual bool at_end() const = 0;
-  virtual float next_time() = 0;  // not at the end
+  virtual double next_time() = 0;  // not at the end
+  // Whether the file's times are 32-bit reals, which differ a little from what they stand for.
+  virtual bool has_short_times() const = 0;
   // Reads the next output time into the record; sets its end-of-file flag when no more follow.
   // Does nothing at the end.
   virtual void read_next(RES_TYPE& record) = 0;

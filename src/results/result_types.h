@@ -78,7 +78,7 @@ constexpr std::array<ResultType, 60> result_types{{
 }};
 
 // Copies the name of every row whose code is the given one into `name`, first row to last, so that
-// the last wins. An unknown code leaves `name` as it was.
-void LOOK_UP_TYPE_NAME(std::string_view code, std::string& name);
+// the last wins. An unknown code leaves `name` as it was: false.
+bool LOOK_UP_TYPE_NAME(std::string_view code, std::string& name);
 
 }  // namespace quillet

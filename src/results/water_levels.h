@@ -7,8 +7,8 @@
 
 namespace quillet {
 
-// Read in step with the input's own walk: one output time of levels for each one of data. Metres.
-// Whatever cannot be read ends the run.
+// Read after each output time of data: the levels of its time. Metres. Whatever cannot be read ends
+// the run.
 class WaterLevels {
  public:
   virtual ~WaterLevels() = default;
@@ -16,16 +16,14 @@ class WaterLevels {
   // Prepares for reading levels over the mesh of the data.
   virtual void open(const ResultShape& data) = 0;
 
-  // True when the levels end here, and with them the input.
-  virtual bool at_end() const = 0;
-
-  // Reads the levels that go with the output time that `data` holds.
+  // Reads the levels that go with the output time that `data` holds. There may be none for a time
+  // that is not compared.
   virtual void read_next(const RES_TYPE& data) = 0;
 
   // Reads the levels of the output time that was asked for, to go with what `data` holds.
   virtual void read_at_time(float time, float tolerance, const RES_TYPE& data) = 0;
 
-  // One level per node; `data` is the record that the levels were read for.
+  // One level per node; `data` is the record that the levels were read for. None ends the run.
   virtual const float* levels(const RES_TYPE& data) const = 0;
 };
 
@@ -33,7 +31,6 @@ class WaterLevels {
 class OwnWaterLevels : public WaterLevels {
  public:
   void open(const ResultShape&) override {}
-  bool at_end() const override { return false; }
   void read_next(const RES_TYPE&) override {}
   void read_at_time(float, float, const RES_TYPE&) override {}
   const float* levels(const RES_TYPE& data) const override { return data.nd.x.data(); }

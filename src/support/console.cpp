@@ -16,7 +16,8 @@ std::string& last_error() {
   return line;
 }
 
-void show(std::string_view line) {
+void show(std::string_view text) {
+  const std::string line = SHOWN(text);
   if (line.starts_with("ERROR") || line.starts_with("Error")) {
     last_error() = line;
     ++RUN_TALLY().errors;
@@ -79,6 +80,12 @@ void END_WITH_PAUSE() {
 
 void FAIL_RUN(std::string_view line) {
   SAY_APART(line);
+  EXITS();
+}
+
+void FAIL_RUN(std::string_view line, std::string_view detail) {
+  SAY_APART(line);
+  SAY_HELP(detail);
   EXITS();
 }
 

@@ -39,7 +39,8 @@ class ConsoleInUse {
   Console* before;
 };
 
-// One line. Where an interrupt has come, ends the run instead, as waits do.
+// One line, as SHOWN shows it: names and descriptions come from files. Where an interrupt has come,
+// ends the run instead, as waits do.
 void SAY(std::string_view line);
 
 // An empty line, then the line.
@@ -71,6 +72,10 @@ void SAY_HELP(std::string_view line);
 
 // The message of a failure, set apart by an empty line, then EXITS.
 [[noreturn]] void FAIL_RUN(std::string_view line);
+
+// The same with a line below it that says what helps (the file, the dataset, the value asked for),
+// indented: the message itself is a text that users' scripts look for.
+[[noreturn]] void FAIL_RUN(std::string_view line, std::string_view detail);
 
 // The message of a file that cannot be read or written: the quoted name, what was expected and
 // found or the system's reason. Then EXITS.

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillet {
 
@@ -16,6 +17,18 @@ std::string FILE_SUFFIX(std::string_view name);     // "_h": FILENAME from its l
 // without "_" is only freed of its extension.
 std::string FILENAMEPATHNO_(std::string_view name);
 
+// A name and the "(...)" that close its own part, as the program appends them to what it writes:
+// C:\run\res_h(range)(maxmax).dat is C:\run\res_h.dat with "(range)" and "(maxmax)". Blanks before
+// a bracket belong to it. A name that would be empty without its brackets keeps them.
+struct BracketedName {
+  std::string name;
+  std::vector<std::string> brackets;
+};
+BracketedName SPLIT_BRACKETS(std::string_view name);
+
+// The name without its closing "(...)".
+std::string WITHOUT_BRACKETS(std::string_view name);
+
 // True for names that are not to be joined to a folder: "/x", "\x", "C:\x".
 bool IS_ABSOLUTE_NAME(std::string_view name);
 
@@ -24,6 +37,9 @@ std::string SYSTEM_NAME(std::string_view name);
 
 // True when both names lead to one file that exists, whatever their spelling.
 bool SAME_FILE(const std::string& a, const std::string& b);
+
+// True when both names stand for one place in the file system, whether anything is there or not.
+bool SAME_PLACE(const std::string& a, const std::string& b);
 
 // True when the name leads to something that exists and is not a folder.
 bool FILE_EXISTS(const std::string& name);

@@ -13,12 +13,12 @@
 namespace quillet {
 namespace {
 
+constexpr std::string_view number_ends = " \t,/";
+
 // The characters of the number at the start of the text, without a leading "+".
 std::string_view number_text(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  text = text.substr(first);
-  text = text.substr(0, text.find_first_of(" \t,/"));
+  text = TRIM_BOTH(text);
+  text = text.substr(0, text.find_first_of(number_ends));
   if (text.size() > 1 && text[0] == '+' && text[1] != '-' && text[1] != '+') text.remove_prefix(1);
   return text;
 }
@@ -112,6 +112,10 @@ std::optional<std::int32_t> READ_INTEGER(std::string_view text) {
   const auto [stop, error] = std::from_chars(number.data(), end, value);
   if (number.empty() || stop != end || error != std::errc{}) return std::nullopt;
   return value;
+}
+
+bool TEXT_FOLLOWS_NUMBER(std::string_view text) {
+  return TRIM_BOTH(text).find_first_of(number_ends) != std::string_view::npos;
 }
 
 }  // namespace quillet

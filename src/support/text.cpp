@@ -14,6 +14,10 @@ char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+int byte_of(char c) {
+  return static_cast<unsigned char>(c);
+}
+
 std::string without(std::string_view text, std::string_view unwanted) {
   std::string kept;
   std::copy_if(text.begin(), text.end(), std::back_inserter(kept),
@@ -69,6 +73,19 @@ std::string REMOVEQUOTES(std::string_view text) {
     name = TRIM_BOTH(name.substr(1, name.size() - 2));
   }
   return std::string(name);
+}
+
+std::string SHOWN(std::string_view text) {
+  std::string shown;
+  shown.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool is_wide_control =
+        text[i] == '\xC2' && i + 1 < text.size() && byte_of(text[i + 1]) / 0x20 == 4;
+    const bool is_control = byte_of(text[i]) < ' ' || text[i] == '\x7F' || is_wide_control;
+    shown += is_control ? '?' : text[i];
+    if (is_wide_control) ++i;
+  }
+  return shown;
 }
 
 std::string QUOTED(std::string_view text) {

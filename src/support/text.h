@@ -30,6 +30,11 @@ bool FLAGEXISTS(std::string_view examined, std::string_view key);
 // surrounding pair of single quotes. An apostrophe inside a name is part of it.
 std::string REMOVEQUOTES(std::string_view text);
 
+// The text as the console and reports may show it, with "?" for every control character (bytes 0 to
+// 31, 127, and U+0080 to U+009F in UTF-8): what a file holds must not reach the terminal as
+// commands or forge a line.
+std::string SHOWN(std::string_view text);
+
 // The text in double quotation marks, as messages show names.
 std::string QUOTED(std::string_view text);
 

@@ -28,7 +28,7 @@ void XmdfDatasetReader::open(const std::string& dataset_path, bool holds_vectors
   XfStatus status = XF_OPEN_GROUP(header.file, opened_path, group);
   if (status.ok()) status = XF_GET_DATASET_TIMES(group, output_times);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP] ", header.file_name, opened_path,
+    FAIL_XMDF("ERROR - Unable to open group [XF_OPEN_GROUP]", header.file_name, opened_path,
               status);
   }
 }
@@ -36,7 +36,7 @@ void XmdfDatasetReader::open(const std::string& dataset_path, bool holds_vectors
 void XmdfDatasetReader::close() {
   const XfStatus status = XF_CLOSE_GROUP(group);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Closing group [XF_CLOSE_GROUP] ", header.file_name, "", status);
+    FAIL_XMDF("ERROR - Closing group [XF_CLOSE_GROUP]", header.file_name, "", status);
   }
 }
 

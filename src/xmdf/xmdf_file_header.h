@@ -77,11 +77,14 @@ struct XmdfFileHeader {
   XmdfDatasets& datasets() { return uses_vectors() ? vectors : scalars; }
 };
 
-// Ends the run: the text, the file, the dataset and what was expected and found, then what may help
-// unless that is empty.
+// Ends the run: the text, with the file's name where it ends in a blank; below it the file, the
+// dataset and what was expected and found, then what may help unless that is empty.
 [[noreturn]] void FAIL_XMDF(std::string_view text, const std::string& file_name,
                             const std::string& path, const XfStatus& status,
                             const std::string& suggestion = "");
+
+// Ends the run: nothing of the file was selected that could be read.
+[[noreturn]] void FAIL_NOTHING_SELECTED(const XmdfFileHeader& header);
 
 // Closes a file that was read. Nothing of it is lost when that fails.
 void CLOSE_XMDF_INPUT(XmdfFileHeader& header);

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string_view>
+#include <tuple>
 
 #include "support/close_names.h"
 #include "support/console.h"
@@ -22,8 +23,8 @@ void open_file(XmdfFileHeader& header) {
   if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Could not open XMDF file ", QUOTED(header.file_name), "", status,
-              CLOSE_NAMES_QUESTION(header.file_name));
+    FAIL_XMDF("ERROR - Could not open XMDF file " + QUOTED(header.file_name), header.file_name, "",
+              status, CLOSE_NAMES_QUESTION(header.file_name));
   }
   SAY("Done.");
 }
@@ -32,7 +33,7 @@ void read_version(XmdfFileHeader& header) {
   float version = 0;
   const XfStatus status = XF_GET_LIBRARY_VERSION_FILE(header.file, version);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Determining XMDF Library Version. ", header.file_name, "", status);
+    FAIL_XMDF("ERROR - Determining XMDF Library Version.", header.file_name, "", status);
   }
   SAY("XMDF Version: " + AREAL(version));
 }
@@ -45,7 +46,7 @@ void read_counts(const XmdfFileHeader& header, const std::string& kind, Datasets
   XfDatasetsInfo info;
   const XfStatus status = get(header.file, info);
   if (!status.ok()) {
-    FAIL_XMDF("ERROR - Getting " + kind + " data set information. ", header.file_name, "", status);
+    FAIL_XMDF("ERROR - Getting " + kind + " data set information.", header.file_name, "", status);
   }
   if (info.count < 1) {
     SAY("Warning - Number of " + kind + " paths less than or equal to zero.");
@@ -109,7 +110,8 @@ SizeGroups open_size_groups(const XmdfFileHeader& header) {
   const std::string scalar_path = first_path(header.scalars);
   const std::string vector_path = first_path(header.vectors);
   if (!has_scalar && !has_vector) {
-    FAIL_RUN("ERROR" + message(scalar_path.empty() ? vector_path : scalar_path));
+    FAIL_RUN("ERROR" + message(scalar_path.empty() ? vector_path : scalar_path),
+             QUOTED(header.file_name));
   }
   if (!has_scalar && !scalar_path.empty()) SAY("WARNING" + message(scalar_path));
   if (!has_vector && !vector_path.empty()) SAY("WARNING" + message(vector_path));
@@ -127,7 +129,7 @@ void ask_groups(const XmdfFileHeader& header, const SizeGroups& groups,
   if (groups.vector) status = ask(groups.vector);
   if (status.ok()) return;
   const std::string path = first_path(groups.vector ? header.vectors : header.scalars);
-  FAIL_XMDF(std::string(failure) + " ", header.file_name, path, status);
+  FAIL_XMDF(failure, header.file_name, path, status);
 }
 
 bool is_hours(const std::string& units) {
@@ -192,11 +194,11 @@ void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files) {
     SAY("Getting dataset names from XMDF file " + QUOTED(header.file_name));
     read_paths(header,
                {"Scalar datasets available:",
-                "ERROR - Exracting Scalar Dataset Paths [XF_GET_SCALAR_DATASET_PATHS]. "},
+                "ERROR - Exracting Scalar Dataset Paths [XF_GET_SCALAR_DATASET_PATHS]."},
                XF_GET_SCALAR_DATASET_PATHS, header.scalars);
     read_paths(header,
                {"Vector datasets available:",
-                "ERROR - Exracting Vector Dataset Paths [XF_GET_VECTOR_DATASET_PATHS]. "},
+                "ERROR - Exracting Vector Dataset Paths [XF_GET_VECTOR_DATASET_PATHS]."},
                XF_GET_VECTOR_DATASET_PATHS, header.vectors);
   }
 }
@@ -247,6 +249,21 @@ void ReadXmdfTimes(XmdfFileHeader& header) {
     FAIL_XMDF("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file ", header.file_name,
               path, status);
   }
+}
+
+ResultShape ReadXmdfShapeSilently(const XmdfFileHeader& header) {
+  std::int32_t nodes = 0;
+  std::int32_t cells = 0;
+  for (const DatasetPaths list : {XF_GET_SCALAR_DATASET_PATHS, XF_GET_VECTOR_DATASET_PATHS}) {
+    std::vector<std::string> paths;
+    XfGroup group;
+    const bool is_open = list(header.file, paths).ok() && !paths.empty() &&
+                         XF_OPEN_GROUP(header.file, paths.front(), group).ok();
+    if (!is_open) continue;
+    if (nodes == 0) std::ignore = XF_GET_DATASET_NUMVALS(group, nodes);
+    if (cells == 0) std::ignore = XF_GET_DATASET_NUMACTIVE(group, cells);
+  }
+  return {nodes, cells, false};
 }
 
 }  // namespace quillet

@@ -29,4 +29,8 @@ void ReadXmdfChosenCellCount(XmdfFileHeader& header);
 void ReadXmdfTimeCount(XmdfFileHeader& header);
 void ReadXmdfTimes(XmdfFileHeader& header);
 
+// What the first datasets of an opened file tell, scalars first: 0 where they tell nothing. Prints
+// nothing and never ends the run.
+ResultShape ReadXmdfShapeSilently(const XmdfFileHeader& header);
+
 }  // namespace quillet

@@ -16,7 +16,9 @@ InputType TYPE_OF_XMDF_INPUT(std::string_view type_code) {
 }
 
 std::string DEFAULT_MESH_OF_XMDF(std::string_view file_name) {
-  return FILENAMEPATH(file_name) + std::string(mesh_extension);
+  const std::string own = FILENAMEPATH(file_name) + std::string(mesh_extension);
+  if (FILE_EXISTS(own)) return own;
+  return FILENAMEPATH(WITHOUT_BRACKETS(file_name)) + std::string(mesh_extension);
 }
 
 }  // namespace quillet

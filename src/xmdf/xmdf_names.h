@@ -12,7 +12,8 @@ namespace quillet {
 // Without the mesh.
 InputType TYPE_OF_XMDF_INPUT(std::string_view type_code);
 
-// The mesh that the name leads to: C:\run\res.xmdf has C:\run\res.2dm.
+// The mesh that the name leads to: C:\run\res.xmdf has C:\run\res.2dm, and so has
+// C:\run\res(maxmax).xmdf unless there is a mesh of its own name.
 std::string DEFAULT_MESH_OF_XMDF(std::string_view file_name);
 
 }  // namespace quillet

@@ -21,7 +21,7 @@ struct Report {
   OutputUnit output;
   XfStatus status;  // of the last failure
 
-  void line(const std::string& text) { output.write(text + '\n'); }
+  void line(const std::string& text) { output.write(SHOWN(text) + '\n'); }
 
   void note(const XfStatus& result) {
     if (!result.ok()) status = result;
@@ -66,8 +66,8 @@ void WRITE_XMDF_REPORT(XmdfFileHeader& header, const std::string& report_name) {
   report.write_section("Vector Datasets", header.vectors);
   report.write_section("Scalar Datasets", header.scalars);
   if (!report.status.ok()) {
-    SAY("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file " + header.file_name +
-        ": " + report.status.reason);
+    SAY("ERROR - Extracting times [XF_GET_DATASET_TIMES] from xmdf file " + header.file_name);
+    SAY_HELP(report.status.reason);
   }
   SAY("Closing output file.");
   report.output.complete();

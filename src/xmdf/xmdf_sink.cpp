@@ -56,7 +56,7 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
   std::string reason = part.create(file_name);
   if (reason.empty()) reason = XF_CREATE_FILE(part.name(), file).reason;
   if (!reason.empty()) {
-    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name + ": " + reason);
+    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name, reason);
   }
 }
 
@@ -78,7 +78,7 @@ void XmdfSink::start_dataset(DatasetKind kind, const std::string& dataset, const
                              std::int64_t time_count) {
   close_datasets();
   if (!folder || kind != names.kind) {
-    check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+    check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP]");
     names.kind = kind;
     create_folder();
   }
@@ -104,21 +104,21 @@ void XmdfSink::create_datasets(const std::string& dataset, const ResultShape& sh
   if (shape.is_vector) {
     SAY("Creating vector dataset: " + own_name);
     check(XF_CREATE_VECTOR_DATASET(folder, own_name, options, vector_dataset),
-          "ERROR - Creating group [XF_CREATE_VECTOR_DATASET] ");
+          "ERROR - Creating group [XF_CREATE_VECTOR_DATASET]");
     scalar_name = XMDF_MAGNITUDE_NAME(own_name);
   }
   SAY("Creating scalar dataset: " + scalar_name);
   // The message names the vector call for the magnitudes too: see docs/compatibility.md.
   check(XF_CREATE_SCALAR_DATASET(folder, scalar_name, options, scalar_dataset),
         std::string("ERROR - Creating group [XF_CREATE_") +
-            (shape.is_vector ? "VECTOR" : "SCALAR") + "_DATASET] ");
+            (shape.is_vector ? "VECTOR" : "SCALAR") + "_DATASET]");
   SAY("Done.");
   SAY("Done");
 }
 
-void XmdfSink::write_time(const RES_TYPE& record) {
+void XmdfSink::write_time_at(double hours, const RES_TYPE& record) {
   if (!has_datasets) start_dataset(names.kind, names.dataset, SHAPE_OF(record), expected_times);
-  write(record.time, record);
+  write(hours, record);
   NOTE_WRITTEN(record.time, record);
 }
 
@@ -129,10 +129,10 @@ void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
 }
 
-void XmdfSink::write(float time, const RES_TYPE& record) {
+void XmdfSink::write(double time, const RES_TYPE& record) {
   // A map of sources or times in a vector .dat file holds no vectors and no magnitudes.
   if (vector_dataset && !record.is_vector) {
-    SAY("WARNING - No vectors at time " + AREAL(time) + ", not written.");
+    SAY("WARNING - No vectors at time " + AREAL(static_cast<float>(time)) + ", not written.");
     return;
   }
   const auto count = static_cast<std::size_t>(record.node_count);
@@ -169,7 +169,7 @@ XfRange XmdfSink::prepare_vectors(const RES_TYPE& record) {
   return finder.range();
 }
 
-void XmdfSink::write_scalars(float time, const float* values, const XfRange& range,
+void XmdfSink::write_scalars(double time, const float* values, const XfRange& range,
                              const RES_TYPE& record) {
   const auto count = static_cast<std::size_t>(record.node_count);
   const XfStatus status = XF_WRITE_SCALAR_TIMESTEP(scalar_dataset, time, {values, count}, range);
@@ -185,16 +185,16 @@ void XmdfSink::finish_output(const XfDataset& dataset, XfStatus status, const RE
 }
 
 void XmdfSink::close_datasets() {
-  check(XF_CLOSE_GROUP(scalar_dataset), "ERROR - Closing group [XF_CLOSE_GROUP] ");
-  check(XF_CLOSE_GROUP(vector_dataset), "ERROR - Closing group [XF_CLOSE_GROUP] ");
+  check(XF_CLOSE_GROUP(scalar_dataset), "ERROR - Closing group [XF_CLOSE_GROUP]");
+  check(XF_CLOSE_GROUP(vector_dataset), "ERROR - Closing group [XF_CLOSE_GROUP]");
 }
 
 void XmdfSink::close() {
   if (!has_datasets) start_dataset(names.kind, names.dataset, expected, 0);
   SAY("Closing XMDF File: " + file_name);
   close_datasets();
-  check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP] ");
-  check(XF_CLOSE_FILE(file), "ERROR - Closing file [XF_CLOSE_FILE] ");
+  check(XF_CLOSE_GROUP(folder), "ERROR - Closing group [XF_CLOSE_GROUP]");
+  check(XF_CLOSE_FILE(file), "ERROR - Closing file [XF_CLOSE_FILE]");
   const std::string reason = part.complete();
   if (!reason.empty()) FAIL_WRITING(file_name, reason);
   SAY("Done.");
@@ -203,7 +203,8 @@ void XmdfSink::close() {
 void XmdfSink::check(const XfStatus& status, const std::string& message) {
   if (status.ok()) return;
   if (status.kind == XfStatus::Kind::no_memory) FAIL_ALLOCATION();
-  FAIL_RUN(message + file_name + ": " + status.reason);
+  FAIL_RUN(message + (message.ends_with(' ') ? file_name : ""),
+           QUOTED(file_name) + ": " + status.reason);
 }
 
 }  // namespace quillet

@@ -22,7 +22,7 @@ class XmdfSink : public ResultSink {
   void prepare(const ResultShape& shape, std::int64_t likely_time_count) override;
   void start_dataset(DatasetKind kind, const std::string& dataset, const ResultShape& shape,
                      std::int64_t time_count) override;
-  void write_time(const RES_TYPE& record) override;
+  void write_time_at(double hours, const RES_TYPE& record) override;
   void write_map(const ResultMap& map, const RES_TYPE& record) override;
   void close() override;
 
@@ -30,9 +30,10 @@ class XmdfSink : public ResultSink {
   void create_datasets(const std::string& dataset, const ResultShape& shape,
                        std::int64_t time_count);
   void create_folder();
-  void write(float time, const RES_TYPE& record);
+  void write(double time, const RES_TYPE& record);
   XfRange prepare_vectors(const RES_TYPE& record);
-  void write_scalars(float time, const float* values, const XfRange& range, const RES_TYPE& record);
+  void write_scalars(double time, const float* values, const XfRange& range,
+                     const RES_TYPE& record);
   void finish_output(const XfDataset& dataset, XfStatus status, const RES_TYPE& record,
                      const char* kind);
   void close_datasets();

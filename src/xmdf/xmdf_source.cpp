@@ -1,5 +1,7 @@
 #include "xmdf/xmdf_source.h"
 
+#include <algorithm>
+
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/run_tally.h"
@@ -16,14 +18,14 @@ std::int64_t XmdfSource::likely_time_count() const {
 // A file without a time series of the type has nothing to walk through; that is an error of the
 // request, not an end.
 bool XmdfSource::at_end() const {
-  if (header.datasets().temporal == 0) {
-    FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
-  }
+  if (header.datasets().temporal == 0) FAIL_NOTHING_SELECTED(header);
   return outputs_passed >= header.times.size();
 }
 
-float XmdfSource::next_time() {
-  return static_cast<float>(header.times[outputs_passed]);
+// Files exist whose 64-bit times were 32-bit reals before.
+bool XmdfSource::has_short_times() const {
+  return std::all_of(header.times.begin(), header.times.end(),
+                     [](double time) { return time == static_cast<float>(time); });
 }
 
 void XmdfSource::read_next(RES_TYPE& record) {

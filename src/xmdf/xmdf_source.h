@@ -25,7 +25,8 @@ class XmdfSource : public ResultSource {
   std::int64_t likely_time_count() const override;
 
   bool at_end() const override;
-  float next_time() override;
+  double next_time() override { return header.times[outputs_passed]; }
+  bool has_short_times() const override;
   void read_next(RES_TYPE& record) override;
   void pass_next() override {
     ++outputs_passed;

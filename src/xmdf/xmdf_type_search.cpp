@@ -7,6 +7,7 @@
 #include "results/result_types.h"
 #include "support/console.h"
 #include "support/text.h"
+#include "xmdf/xmdf_name_search.h"
 
 namespace quillet {
 namespace {
@@ -25,20 +26,55 @@ constexpr std::array<Folder, 4> folders{{{"/maximums/", &XmdfDatasets::maximums}
                                          {"/minimums/", &XmdfDatasets::minimums},
                                          {"/times/", &XmdfDatasets::times}}};
 
+const Folder* folder_of(const std::string& path) {
+  const std::string lower = LOWERCASE(path);
+  const auto* const folder =
+      std::find_if(folders.begin(), folders.end(),
+                   [&](const Folder& candidate) { return contains(lower, candidate.name); });
+  return folder == folders.end() ? nullptr : folder;
+}
+
+// What stands before the folder.
+std::string group_of(const std::string& path) {
+  return path.substr(0, LOWERCASE(path).find(folder_of(path)->name));
+}
+
+// A series of one run beside the maximum of another.
+void warn_of_groups(const XmdfDatasets& datasets) {
+  for (const std::int32_t stored : {datasets.maximums, datasets.minimums}) {
+    if (stored == 0 || datasets.temporal == 0) continue;
+    const std::string& extreme = datasets.path(stored);
+    const std::string& series = datasets.path(datasets.temporal);
+    if (group_of(extreme) == group_of(series)) continue;
+    SAY("WARNING - Datasets of different groups match: " + QUOTED(series) + " " + QUOTED(extreme));
+  }
+}
+
+void warn_of_both_kinds(const XmdfFileHeader& header) {
+  if (!header.scalars.found() || !header.vectors.found()) return;
+  const XmdfDatasets& used = header.vectors;
+  for (const std::int32_t position :
+       {used.selected, used.temporal, used.maximums, used.minimums, used.times}) {
+    if (position == 0) continue;
+    SAY("WARNING - Scalar and vector datasets match, using vector: " + QUOTED(used.path(position)));
+    return;
+  }
+}
+
+// One of the two lists of a file. A path may be named by its group and dataset alone.
 struct Search {
-  const std::string& type_name;
+  const XmdfNameSearch& type_names;
+  const std::string& name;
   bool by_path;
   bool vectors;
 
-  // An unknown type's name is NUL characters; it matches nothing, as an empty text does.
-  std::string shown_name() const { return type_name.substr(0, type_name.find('\0')); }
-
-  bool matches(const XmdfDatasets& datasets, std::size_t i) const {
-    const std::string wanted = LOWERCASE(TRIMF(shown_name()));
-    if (wanted.empty()) return false;
+  bool finds(const XmdfDatasets& datasets, std::size_t i) const {
+    if (!by_path) return type_names.finds(datasets, i);
     const XmdfPath& split = datasets.split_paths[i];
-    return contains(LOWERCASE(datasets.paths[i]), wanted) ||
-           (by_path && contains(LOWERCASE(split.group + "/" + split.dataset), wanted));
+    const bool matches = !BLANK(name) && (FLAGEXISTS(datasets.paths[i], name) ||
+                                          FLAGEXISTS(split.group + "/" + split.dataset, name));
+    if (matches) SAY("Found: " + QUOTED(datasets.paths[i]));
+    return matches;
   }
 
   static void choose(std::int32_t& index, std::int32_t position, const std::string& path) {
@@ -48,17 +84,13 @@ struct Search {
 
   void take(XmdfDatasets& datasets, std::int32_t position) const {
     const std::string& path = datasets.path(position);
-    SAY("Found: " + QUOTED(path));
     if (by_path) {
       choose(datasets.selected, position, path);
       datasets.temporal = position;
       return;
     }
-    const std::string lower = LOWERCASE(path);
-    const auto folder = std::find_if(folders.begin(), folders.end(), [&](const Folder& candidate) {
-      return contains(lower, candidate.name);
-    });
-    if (folder == folders.end()) fail_unknown_folder(path);
+    const Folder* const folder = folder_of(path);
+    if (folder == nullptr) fail_unknown_folder(path);
     choose(datasets.*folder->index, position, path);
   }
 
@@ -73,13 +105,13 @@ struct Search {
 
   void run(XmdfDatasets& datasets) const {
     const std::string kind = vectors ? "vector" : "scalar";
-    SAY("Searching " + kind + " datasets for " + QUOTED(shown_name()) + "...");
+    SAY("Searching " + kind + " datasets for " + QUOTED(name) + "...");
     datasets.clear_selection();
     for (std::size_t i = 0; i < datasets.paths.size(); ++i) {
-      if (matches(datasets, i)) take(datasets, static_cast<std::int32_t>(i) + 1);
+      if (finds(datasets, i)) take(datasets, static_cast<std::int32_t>(i) + 1);
     }
     if (!datasets.found()) {
-      SAY("Warning - No " + kind + " datasets found of type " + QUOTED(shown_name()));
+      SAY("Warning - No " + kind + " datasets found of type " + QUOTED(name));
     }
   }
 };
@@ -108,7 +140,7 @@ std::string types_in(const XmdfFileHeader& header) {
 }
 
 [[noreturn]] void fail_on_type(const Search& search, const XmdfFileHeader& header) {
-  SAY_APART("ERROR - No datasets found of type " + QUOTED(search.shown_name()) + " found in " +
+  SAY_APART("ERROR - No datasets found of type " + QUOTED(search.name) + " found in " +
             header.file_name);
   const std::string types = search.by_path ? "" : types_in(header);
   if (!types.empty()) SAY_HELP("Types in the file: " + types);
@@ -119,12 +151,17 @@ std::string types_in(const XmdfFileHeader& header) {
 }  // namespace
 
 void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeName, bool byPath) {
+  // An unknown type's name is NUL characters; it matches nothing, as an empty text does.
+  const std::string name = typeName.substr(0, typeName.find('\0'));
   for (XmdfFileHeader& header : files) {
     SAY("Searching specified xmdf type in " + QUOTED(header.file_name));
-    const Search scalar_search{typeName, byPath, false};
+    const XmdfNameSearch type_names(header, name);
+    const Search scalar_search{type_names, name, byPath, false};
     scalar_search.run(header.scalars);
-    Search{typeName, byPath, true}.run(header.vectors);
+    Search{type_names, name, byPath, true}.run(header.vectors);
     if (!header.datasets().found()) fail_on_type(scalar_search, header);
+    warn_of_both_kinds(header);
+    if (!byPath) warn_of_groups(header.datasets());
   }
 }
 
@@ -134,6 +171,13 @@ bool SelectXmdfDataset(XmdfFileHeader& header, bool vectors, std::int32_t positi
   datasets.selected = position;
   datasets.temporal = position;
   return true;
+}
+
+bool IsXmdfWaterLevel(const XmdfFileHeader& header) {
+  const XmdfDatasets& scalars = header.scalars;
+  if (header.uses_vectors() || scalars.selected == 0) return false;
+  const auto i = static_cast<std::size_t>(scalars.selected) - 1;
+  return ASAME(scalars.split_paths[i].dataset, "Water Level");
 }
 
 bool IsXmdfPeakTime(const XmdfFileHeader& header) {

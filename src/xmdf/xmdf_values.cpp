@@ -34,14 +34,16 @@ std::size_t nearest_time(const std::vector<double>& times, float request) {
   return nearest;
 }
 
-std::size_t near_time(const std::vector<double>& times, float request, float tolerance) {
+std::size_t near_time(const std::string& file_name, const std::vector<double>& times, float request,
+                      float tolerance) {
   const std::size_t nearest = nearest_time(times, request);
   if (times.empty()) return nearest;
   const auto chosen = static_cast<float>(times[nearest]);
   const bool is_near = std::fabs(chosen - request) - tolerance <= 0;
   if (is_near) return nearest;
-  FAIL_RUN("ERROR - Closest time " + QUOTED(AREAL(chosen)) +
-           " is not within time search tolerance");
+  FAIL_RUN(
+      "ERROR - Closest time " + QUOTED(AREAL(chosen)) + " is not within time search tolerance",
+      QUOTED(file_name) + ", asked for time " + AREAL(request) + ", tolerance " + AREAL(tolerance));
 }
 
 void tell_time(const std::vector<double>& times, std::int32_t time_index) {
@@ -91,7 +93,7 @@ XmdfOutput XMDF_OUTPUT_AT(const XmdfFileHeader& header, float time, float tolera
   if (time == stored_maximum_time) return stored_output(datasets.maximums);
   if (time == stored_minimum_time) return stored_output(datasets.minimums);
   if (asks_for_times_folder(time)) return {};
-  const std::size_t nearest = near_time(header.times, time, tolerance);
+  const std::size_t nearest = near_time(header.file_name, header.times, time, tolerance);
   return {datasets.temporal, static_cast<std::int32_t>(nearest) + 1};
 }
 
@@ -100,8 +102,10 @@ void FindXmdfTime(const std::vector<XmdfFileHeader>& files, float requestTime, f
   for (const XmdfFileHeader& header : files) find_time(header, requestTime, tolerance);
 }
 
-std::int32_t NearestXmdfTime(const std::vector<double>& times, float requestTime, float tolerance) {
-  const auto time_index = static_cast<std::int32_t>(near_time(times, requestTime, tolerance)) + 1;
+std::int32_t NearestXmdfTime(const std::string& fileName, const std::vector<double>& times,
+                             float requestTime, float tolerance) {
+  const std::size_t nearest = near_time(fileName, times, requestTime, tolerance);
+  const auto time_index = static_cast<std::int32_t>(nearest) + 1;
   tell_time(times, time_index);
   return time_index;
 }
@@ -111,7 +115,7 @@ void ReadXmdfData(XmdfDatasetReader& reader, XmdfOutput output, bool openGroup, 
   const XmdfFileHeader& header = reader.file();
   const bool is_vector = header.uses_vectors();
   if (output.dataset == 0 || output.time_index == 0) {
-    FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+    FAIL_NOTHING_SELECTED(header);
   }
   if (openGroup) {
     const std::string& path = header.datasets().path(output.dataset);

@@ -6,9 +6,18 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xmdf_name_search.h"
 #include "xmdf/xmdf_values.h"
 
 namespace quillet {
+namespace {
+
+void choose(std::int32_t& index, std::int32_t position, const std::string& path) {
+  if (index != 0) SAY("WARNING - More than one dataset matches, using " + QUOTED(path));
+  index = position;
+}
+
+}  // namespace
 
 void XmdfWaterLevels::open(const ResultShape& data) {
   FindWaterLevel();
@@ -21,15 +30,14 @@ void XmdfWaterLevels::read_at_time(float time, float time_tolerance, const RES_T
 
 void XmdfWaterLevels::FindWaterLevel() {
   SAY("Searching for water level datasets in " + header.file_name);
-  std::int32_t position = 0;
-  for (const std::string& path : header.scalars.paths) {
-    ++position;
-    if (!FLAGEXISTS(path, "water level")) continue;
-    SAY("Found: " + QUOTED(path));
+  const XmdfNameSearch search(header, "Water Level");
+  for (std::int32_t position = 1; position <= header.scalars.count; ++position) {
+    if (!search.finds(header.scalars, static_cast<std::size_t>(position) - 1)) continue;
+    const std::string& path = header.scalars.path(position);
     if (FLAGEXISTS(path, "/maximums/")) {
-      maximums = position;
+      choose(maximums, position, path);
     } else if (FLAGEXISTS(path, "/temporal/")) {
-      temporal = position;
+      choose(temporal, position, path);
     }
   }
   if (maximums == 0) {
@@ -58,13 +66,13 @@ void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
   } else {
     SAY("Using /Temporal/ folder.");
     open_dataset(temporal);
-    read_output(NearestXmdfTime(reader.times(), requestTime, timeTolerance));
+    read_output(NearestXmdfTime(header.file_name, reader.times(), requestTime, timeTolerance));
   }
 }
 
 // The dataset stays open from one output time to the next.
 void XmdfWaterLevels::open_dataset(std::int32_t position) {
-  if (position == 0) FAIL_RUN("ERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]");
+  if (position == 0) FAIL_NOTHING_SELECTED(header);
   const std::string& path = header.scalars.path(position);
   if (!reader.is_open() || reader.path() != path) reader.open(path, false);
 }

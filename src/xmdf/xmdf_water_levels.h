@@ -16,7 +16,6 @@ class XmdfWaterLevels : public WaterLevels {
 
   // Finds the datasets of water levels. A file without any ends the run.
   void open(const ResultShape& data) override;
-  bool at_end() const override { return false; }
   void read_next(const RES_TYPE& data) override { read_at_time(data.time, tolerance, data); }
   void read_at_time(float time, float tolerance, const RES_TYPE&) override;
   const float* levels(const RES_TYPE&) const override { return step.nd.x.data(); }

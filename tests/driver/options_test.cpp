@@ -39,16 +39,32 @@ TEST(OptionMessages, OfUnknownOptionsAndValues) {
     expect_console("\nERROR - Incorrect flag specified: \"" + option + "\"\n" + see_help, {option});
   }
   // -atoi is taken for -toi, but the value stands one column further on.
-  expect_console(
-      "ERROR - Reading time for keep or remove argument, or cutoff depth for duration\n" + pause,
-      {"-dur", "-durx", "-dur0.3x", "-durinf", "-ddur", "-trim", "-toi", "-atoi", "-k", "-r", "-t",
-       "-rangeA", "-rangeBx", "-range5", "-dttol", "-s", "-s1.5", "-velocity"});
+  for (const std::string option :
+       {"-dur", "-durx", "-dur0.3x", "-durinf", "-ddur", "-trim", "-toi", "-atoi", "-k", "-r", "-t",
+        "-rangeA", "-rangeBx", "-range5", "-dttol", "-s", "-s1.5", "-velocity"}) {
+    expect_console(
+        "ERROR - Reading time for keep or remove argument, or cutoff depth for duration\n   \"" +
+            option + "\"\n" + pause,
+        {option});
+  }
   expect_console(
       "\nERROR - Only one scalar dataset can be specified with \"-s\" option..\n" + exits,
       {"-s1 -s2"});
   expect_console(
       "\nERROR - Only one vector dataset can be specified with \"-v\" option..\n" + exits,
       {"-v1 -v2"});
+}
+
+TEST(OptionMessages, WarnOfWhatIsNotUsed) {
+  const std::string none =
+      "\nChecking operational flags.\n\nERROR - No operational flags specified.\n" + exits;
+  for (const std::string option : {"-t0,3", "-t1/5", "-s1,2", "-dttol0.1 h"}) {
+    EXPECT_EQ(console_of({option}),
+              "WARNING - Text after the number is ignored: \"" + option + "\"\n" + none);
+  }
+  expect_console("WARNING - Unknown result type: \"zz\"\n" + none, {"-typezz"});
+  expect_console("WARNING - Unknown result type: \"\"\n" + none, {"-type"});
+  EXPECT_EQ(console_of({"-t 5 ", "-typen/a", "-b"}), none);
 }
 
 // The first check that fails is the only one that speaks.

@@ -134,7 +134,8 @@ TEST(Console, SaysWhatItMakesOfTheInputs) {
                {"ERROR - expecting two or more files when using -max or -min with a specified time "
                 "(-t)"});
   expect_lines("-max -t3 a_d.dat a_d.dat",
-               {"ERROR - Could not find specified timestep in .dat file.", "Press Enter to Close"});
+               {"ERROR - Could not find specified timestep in .dat file.",
+                "   \"a_d.dat\", asked for time 3, tolerance 0.0001", "Press Enter to Close"});
 }
 
 }  // namespace

@@ -76,6 +76,43 @@ TEST(DatToXmdf, TakesMarkedExtremesForWhatTheyAreAndOfSeveralTheLast) {
   expect("c_d.xmdf", "Minimums", "-111111");
 }
 
+// Dots and brackets belong to the model; a name that is a suffix alone is a name.
+TEST(DatToXmdf, NamesTheGroupAfterTheModel) {
+  const Workspace folder;
+  for (const auto& [input, output, path] : std::vector<std::array<std::string, 3>>{
+           {"run_v1.2_d.dat", "run_v1.2_d.xmdf", "run_v1.2/Temporal/Depth"},
+           {"run_d(range).dat", "run_d(range).xmdf", "run(range)/Temporal/Depth"},
+           {"run_v1.2_d(k1.5)(trim0.3).dat", "run_v1.2_d(k1.5)(trim0.3).xmdf",
+            "run_v1.2(k1.5)(trim0.3)/Temporal/Depth"},
+           {"_d.dat", "_d.xmdf", "_d/Temporal/Depth"},
+           {"run_x(1.5).dat", "run_x(1.5).xmdf", "run_x(1.5)/Temporal/run_x(1.5)"}}) {
+    folder.write(input, DAT_FILE(shape, "any", {first}));
+    const RunResult run = RUN(folder, {"-conv", "-b", input});
+    EXPECT_EQ(READ_XMDF(folder, output, path).size(), 1U) << input << run.output;
+  }
+}
+
+// The mesh tells what the file does not.
+TEST(XmdfToDat, TakesTheCellsOfTheMeshWhereTheFileHasNoActivity) {
+  const std::string mesh =
+      "MESH2D\nND 1 0 0 0\nND 2 1 0 0\nE3T 1 1 2 2 1\nE3T 2 1 2 2 1\nE3T 3 1 2 2 1\n";
+  const std::string warning =
+      "WARNING - The number of cells is not known, none are written: \"a.xmdf\"";
+  for (const auto& [name, text, cells] : std::vector<std::tuple<std::string, std::string, int>>{
+           {"a.2dm", mesh, 3}, {"a.2dm", mesh + "ND 3 1 1 0\n", 0}, {"b.2dm", mesh, 0}}) {
+    const Workspace folder;
+    folder.write(name, text);
+    MAKE_XMDF(folder, "a.xmdf", {{"r/Temporal/Depth", {2, 0}, {{0.5F, {}, {1, 2}}}}});
+    const RunResult run = RUN(folder, WORDS("-conv -b a.xmdf"));
+    std::string expected =
+        DAT_FILE({2, cells}, "Depth",
+                 {{0.5F, std::vector<int>(static_cast<std::size_t>(cells), 1), {1, 2}}});
+    expected[96] = 1;  // statuses are stated, be it none
+    EXPECT_TRUE(folder.read("a_d.dat") == expected) << run.output;
+    EXPECT_EQ(run.has_line(warning), cells == 0) << run.output;
+  }
+}
+
 TEST(DatToXmdf, NamesVectorsByTheirTypeAndUnknownsByTheirFile) {
   const Workspace folder;
   folder.write("a_V.dat", DAT_FILE({1, 0, true}, "v", {{2, {}, {3, -4}}}));
@@ -216,7 +253,7 @@ TEST(Conversion, RefusalsComeBeforeAnythingIsWritten) {
     EXPECT_TRUE(run.ended_well());
   };
   expect("a_d.dat", "Output file already exists: \"a_d.xmdf\"");
-  expect("g_d.dat ./g_d.dat g_d.dat", "Output file already exists: \"g_d.xmdf\"");
+  expect("g_d.dat ./g_d.dat", "Two inputs have one output: \"./g_d.xmdf\"");
   expect("r.xmdf", "Output file already exists: \"r_v.dat\"");
   expect("e_d.dat", "Nothing to convert in \"e_d.dat\"");
   expect("r.xmdf -s7 -out a_d.dat -2dm a_d.dat", "Output file is also an input file: \"a_d.dat\"");

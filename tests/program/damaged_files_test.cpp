@@ -78,6 +78,21 @@ std::string with_counts(const DatShape& shape, const std::vector<int>& statuses)
   return DAT_FILE(shape, "a", {{0, statuses, values}, {1, statuses, values}});
 }
 
+// What a header said before it was cut counts.
+TEST(CutFiles, KeepTheCountsThatWereRead) {
+  const Workspace folder;
+  for (const int card : {170, 180}) {
+    folder.write("a_d.dat", DatBuilder().card(170, 2).card(180, 3).integer(card).byte(1).build());
+    const RunResult run = RUN(folder, WORDS("-b -max -out r.dat a_d.dat"));
+    EXPECT_TRUE(run.has_line("Number Cells: 3")) << run.output;
+    EXPECT_TRUE(run.has_line("Number Nodes: 2")) << run.output;
+    EXPECT_TRUE(folder.read("r.dat") == DAT_FILE({2, 3}, "Max Value",
+                                                 {{111111, {0, 0, 0}, {0, 0}},
+                                                  {222222, {0, 0, 0}, {0, 0}},
+                                                  {333333, {0, 0, 0}, {0, 0}}}));
+  }
+}
+
 TEST(RefusedFiles, EndTheRunBeforeAnythingIsSizedByThem) {
   const Workspace folder;
   for (const auto& [what, bytes] : std::vector<std::pair<std::string, std::string>>{

@@ -64,11 +64,17 @@ INSTANTIATE_TEST_SUITE_P(
             .gives(level_differences({1, 0, 0, 0, 0}, {0.5F, 2, -2, 1, at_level - above, 0}))
             .never_says("...")
             .never_says("WARNING"),
-        dif("all maps of two maxima are compared, the times of the peaks too",
-            "-nowetdry a_d.dat b_d.dat",
+        dif("of two maxima, their sources and times are no results", "-nowetdry a_d.dat b_d.dat",
+            {{"a_d.dat", results({{111111, {1}, {5, 6}}, {222222, {1}, {1, 1}}})},
+             {"b_d.dat", results({{111111, {1}, {4, 7}}, {333333, {1}, {2.5F, 4}}})}})
+            .gives(differences({{111111, {1}, {1, -1}}}))
+            .says("Skipping marker time, time found: 222222")
+            .says("Skipping marker time, time found: 333333")
+            .never_says("WARNING"),
+        dif("but one that is asked for is compared", "-nowetdry -t333333 a_d.dat b_d.dat",
             {{"a_d.dat", results({{111111, {1}, {5, 6}}, {333333, {1}, {2, 8}}})},
              {"b_d.dat", results({{111111, {1}, {4, 7}}, {333333, {1}, {2.5F, 4}}})}})
-            .gives(differences({{111111, {1}, {1, -1}}, {333333, {1}, {-0.5F, 4}}})),
+            .gives(differences({{333333, {1}, {-0.5F, 4}}})),
         dif("the second run has its own mesh", "a_h.dat b_h.dat",
             WITH(truth_table, {{"b.2dm", mesh({"20", "9", "11.999", "8", "10", "20"})}}))
             .gives(level_differences({1, 1, 1, 0, 0}, {99, 2, 0, -99, -99, 0})),
@@ -110,7 +116,10 @@ const Files depths =
                         {"b_h.dat", results({{1, {1}, {11, 21}}, {2, {1}, {10, 21}}})}});
 const DatTime first_depths{1, {1}, {4, -99}};
 const DatTime second_depths{2, {0}, {0, 6}};
-const std::string levels_differ = "WARNING - Water level time differs from data time: ";
+std::string no_levels(const std::string& hours, const std::string& file) {
+  return "ERROR - No water levels at time " + hours + " in \"" + file +
+         "\". Use -nowetdry to compare without the wet/dry test.";
+}
 const std::string files_d = "a_d.dat b_d.dat";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -119,22 +128,27 @@ INSTANTIATE_TEST_SUITE_P(
         dif("are read in step with the data", files_d, depths)
             .gives(differences({first_depths, second_depths}))
             .never_says("WARNING"),
-        dif("are skipped with the data", files_d,
+        dif("are not needed for times that are not compared", files_d,
             WITH(depths,
-                 {{"b_d.dat", results({{3, {1}, {9, 9}}, {1, {1}, {1, 1}}, {2, {0}, {2, 2}}})},
-                  {"b_h.dat", results({{3, {1}, {0, 0}}, {1, {1}, {11, 21}}})}}))
-            .gives(differences({first_depths}))
-            .says("Skipping time in second data file, time: 3")
-            .never_says(levels_differ),
-        dif("that end early end the comparison", files_d,
-            WITH(depths, {{"b_h.dat", results({{1, {1}, {11, 21}}})}}))
-            .gives(differences({first_depths})),
-        dif("of other times are used with a warning", files_d,
-            WITH(depths,
-                 {{"a_h.dat", results({{0.5F, {1}, {11, 20}}, {2.00004F, {1}, {10, 21}}})}}))
+                 {{"b_d.dat", results({{3, {1}, {9, 9}}, {1, {1}, {1, 1}}, {2, {0}, {2, 2}}})}}))
             .gives(differences({first_depths, second_depths}))
-            .says(levels_differ + "0.5 1")
-            .never_says(levels_differ + "2"),
+            .says("Skipping time in second data file, time: 3"),
+        dif("are those of the data's own time, wherever they stand", files_d,
+            WITH(depths, {{"a_h.dat", results({{0.5F, {1}, {9, 9}},
+                                               {2.00004F, {1}, {10, 21}},
+                                               {0.99996F, {1}, {11, 20}},
+                                               {7, {1}, {9, 9}}})}}))
+            .gives(differences({first_depths, second_depths}))
+            .never_says("WARNING"),
+        dif("of other times end the run", files_d,
+            WITH(depths, {{"a_h.dat", results({{0.9999F, {1}, {11, 20}}, {2, {1}, {10, 21}}})}}))
+            .says(no_levels("1", "a_h.dat")),
+        dif("at one time are those of that time", "-t2 -dttol0.75 " + files_d,
+            WITH(depths, {{"a_h.dat", results({{1.5F, {1}, {11, 20}}, {2, {1}, {0, 0}}})}}))
+            .gives(differences({{2, {0}, {0, -99}}})),
+        dif("that the data have none of", "-t2 " + files_d,
+            WITH(depths, {{"b_h.dat", results({{1, {1}, {11, 21}}})}}))
+            .says(no_levels("2", "b_h.dat")),
         dif("of another mesh end the run", files_d,
             WITH(depths, {{"b_h.dat", results({{1, {1}, {11, 21, 31}}}, {3, 1})}}))
             .says("ERROR - Number nodes and/or cells in b_h.dat not the same as in primary .dat "
@@ -142,11 +156,10 @@ INSTANTIATE_TEST_SUITE_P(
         dif("that are missing end the run", files_d,
             WITH(depths_alone, {{"a_h.dat", depths.at("a_h.dat")}}))
             .says("ERROR - Could not open file: \"b_h.dat\""),
-        dif("at one time within a wide tolerance may be those of another",
+        dif("at one time within a wide tolerance may be those of another where it has none",
             "-t2 -dttol0.75 " + files_d,
-            WITH(depths, {{"a_h.dat", results({{1.5F, {1}, {11, 20}}, {2, {1}, {0, 0}}})}}))
-            .gives(differences({{2, {0}, {99, -99}}}))
-            .says(levels_differ + "1.5 2"),
+            WITH(depths, {{"a_h.dat", results({{1.5F, {1}, {11, 20}}})}}))
+            .gives(differences({{2, {0}, {99, -99}}})),
         dif("of files whose names tell no type", "a.dat b.dat",
             WITH(depths, {{"a.dat", depths.at("a_d.dat")}, {"b.dat", depths.at("b_d.dat")}}))
             .gives(DAT_FILE(two_nodes, "diff_a - b", {first_depths, second_depths}))
@@ -157,6 +170,73 @@ INSTANTIATE_TEST_SUITE_P(
             .says("Unexpected results may occur.")
             .never_says("...need to read water level data.")),
     NameOfCase{});
+
+// Maxima of depths and of levels, as files of one operation hold them. The node of the first run is
+// wet, that of the second dry.
+std::string map(float hours, float value) {
+  return DAT_FILE({2, 1}, "data", {{hours, {1}, {value, value}}});
+}
+Files of_maxima(const std::string& brackets, float hours, float level_hours) {
+  return WITH(bed_0, {{"a_d" + brackets, map(hours, 5)},
+                      {"b_d" + brackets, map(hours, 3)},
+                      {"a_h" + brackets, map(level_hours, 2)},
+                      {"b_h" + brackets, map(level_hours, -2)}});
+}
+FileRun dif_of(const std::string& name, const std::string& brackets, const Files& files) {
+  return dif(name, "a_d" + brackets + " b_d" + brackets, files);
+}
+std::string first_wet(float hours, const std::string& brackets) {
+  return DAT_FILE(two_nodes, "diff_a_d" + brackets + " - b_d" + brackets, {{hours, {1}, {99, 99}}});
+}
+const std::string maxmax = "(maxmax).dat";
+const std::string minmin = "(minmin).dat";
+
+INSTANTIATE_TEST_SUITE_P(
+    DifferencesOfWhatTheProgramMade, FileRuns,
+    ::testing::Values(
+        dif_of("maxima take the levels that -max made", maxmax, of_maxima(maxmax, 111111, 111111))
+            .gives(first_wet(111111, "(maxmax)"))
+            .never_says("WARNING"),
+        dif_of("maxima of an engine and of this program have one time", maxmax,
+               of_maxima(maxmax, 99999, 111111))
+            .gives(first_wet(99999, "(maxmax)")),
+        dif_of("the other way round too", maxmax, of_maxima(maxmax, 111111, 99999))
+            .gives(first_wet(111111, "(maxmax)")),
+        dif_of("times of maxima have the levels of the maxima", ".dat",
+               of_maxima(".dat", 99999.1F, 99999))
+            .gives(first_wet(99999.1F, "")),
+        dif_of("minima stand at 111111", minmin, of_maxima(minmin, 111111, 111111))
+            .gives(first_wet(111111, "(minmin)")),
+        dif_of("which are no maxima", minmin, of_maxima(minmin, 111111, 99999))
+            .says(no_levels("111111", "a_h(minmin).dat")),
+        dif_of("without the levels of the maxima it says what to make", maxmax,
+               WITH(bed_0, {{"a_d(maxmax).dat", map(111111, 5)},
+                            {"b_d(maxmax).dat", map(111111, 3)},
+                            {"a_h.dat", map(111111, 2)},
+                            {"b_h.dat", map(111111, 2)}}))
+            .says("ERROR - No water levels for \"a_d(maxmax).dat\": make \"a_h(maxmax).dat\" with "
+                  "the same operation, or use -nowetdry."),
+        dif_of("cropped data take cropped levels", "(range).dat",
+               WITH(of_maxima("(range).dat", 3, 3),
+                    {{"a_h.dat", map(3, -9)}, {"b_h.dat", map(3, 9)}}))
+            .gives(first_wet(3, "(range)"))
+            .never_says("WARNING"),
+        dif("cropped data without cropped levels", "a_d(range).dat b_d(range).dat",
+            WITH(bed_0, {{"a_d(range).dat", map(3, 5)},
+                         {"b_d(range).dat", map(3, 3)},
+                         {"a_h(range).dat", map(3, 2)},
+                         {"b_h.dat", results({{1, {1}, {9, 9}}, {3, {1}, {-2, -2}}})}}))
+            .gives(first_wet(3, "(range)"))
+            .says("WARNING - Water levels from \"b_h.dat\""),
+        dif_of("trimmed data have the levels that they had", "(trim4).dat",
+               WITH(of_maxima(".dat", 3, 3),
+                    {{"a_d(trim4).dat", map(3, 4)}, {"b_d(trim4).dat", map(3, 3)}}))
+            .gives(first_wet(3, "(trim4)"))
+            .never_says("WARNING"),
+        dif("cropped levels are levels", "a_h(range).dat b_h(range).dat",
+            of_maxima("(range).dat", 3, 3))
+            .gives(DAT_FILE(two_nodes, "diff_a_h(range) - b_h(range)", {{3, {1}, {99, 99}}}))
+            .never_says("...need to read water level data.")));
 
 DatTime both(float hours, float value) {
   return {hours, {1}, {value, value}};
@@ -180,6 +260,8 @@ INSTANTIATE_TEST_SUITE_P(
             .says(inconsistent + "2 1")
             .says("Skipping time in first data file, time: 2")
             .says(inconsistent + "4 1")
+            .says("WARNING - No output times in common.")
+            .never_says("WARNING - Compared up to")
             .never_says("Processing"),
         pairs("the smaller time of the first run moves the second run on",
               {both(1, 1), both(2, 1), both(3, 1)}, {both(2, 1), both(3, 1)})
@@ -196,7 +278,19 @@ INSTANTIATE_TEST_SUITE_P(
         pairs("pairs after skipped times; the last output times take part",
               {both(9, 50), both(1, 5), both(2, 6), both(99999, 8)},
               {both(1, 1), both(8, 50), both(2, 2), both(99999, 3)})
-            .gives(differences({both(1, 4), both(2, 4), both(99999, 5)})),
+            .gives(differences({both(1, 4), both(2, 4), both(99999, 5)}))
+            .never_says("WARNING - Compared up to"),
+        pairs("a first run that ends early says how far it was compared", {both(1, 5)},
+              {both(1, 1), both(2, 2)})
+            .gives(differences({both(1, 4)}))
+            .says("WARNING - Compared up to time 1."),
+        pairs("and so does a second", {both(1, 5), both(2, 5)}, {both(1, 1)})
+            .gives(differences({both(1, 4)}))
+            .says("WARNING - Compared up to time 1."),
+        pairs("maps of sources and times are no output times", {both(111111, 5), both(222222, 1)},
+              {both(111111, 1)})
+            .gives(differences({both(111111, 4)}))
+            .never_says("WARNING"),
         pairs("within 0.00005 h; the output has the first time", {both(1.00004F, 5), both(2, 5)},
               {both(1, 1), both(2.00004F, 1)})
             .gives(differences({both(1.00004F, 4), both(2, 4)}))
@@ -242,16 +336,16 @@ TEST(DifferenceConsole, OfLevelsAtAllTimes) {
   folder.write("b_h.dat", results({both(1.5F, 30), both(1, 30), both(2, 30), both(3, 30)}));
   const std::string output = "a_h - b_h.dat";
   const std::string processed = "Processing difference results.\n";
-  const std::string expected = SET_UP({"-dif (difference)",
-                                       {{"a_h.dat", "_h", "a.2dm"}, {"b_h.dat", "_h", "b.2dm"}},
-                                       two_nodes,
-                                       output}) +
-                               announced + "...reading .2dm file\nFinished reading .2dm files.\n" +
-                               READ_TEXT("1.000") + READ_TEXT("1.500") + inconsistent +
-                               "1 1.5\nSkipping time in second data file, time: 1.5\n" +
-                               READ_TEXT("1.000") + processed + FIRST_WRITE_TEXT(output) +
-                               READ_TEXT("2.000", true) + READ_TEXT("2.000") + processed +
-                               WRITE_TEXT(output) + "Closing files and exiting\n" + closing_text;
+  const std::string expected =
+      SET_UP({"-dif (difference)",
+              {{"a_h.dat", "_h", "a.2dm"}, {"b_h.dat", "_h", "b.2dm"}},
+              two_nodes,
+              output}) +
+      announced + "...reading .2dm file\nFinished reading .2dm files.\n" + READ_TEXT("1.000") +
+      READ_TEXT("1.500") + inconsistent + "1 1.5\nSkipping time in second data file, time: 1.5\n" +
+      READ_TEXT("1.000") + processed + FIRST_WRITE_TEXT(output) + READ_TEXT("2.000", true) +
+      READ_TEXT("2.000") + processed + WRITE_TEXT(output) +
+      "WARNING - Compared up to time 2.\nClosing files and exiting\n" + closing_text;
   EXPECT_EQ(RUN(folder, WORDS("-dif a_h.dat b_h.dat")).output, expected + end_text);
   EXPECT_EQ(RUN(folder, WORDS("-b -dif a_h.dat b_h.dat")).output, expected);
 }

@@ -85,5 +85,11 @@ TEST(DocumentedExamples, RunWithoutErrors) {
   EXPECT_GE(pages, 4);
 }
 
+TEST(DocumentedWorkflows, RunWithoutErrors) {
+  const auto commands = commands_of(tests_folder + "/../docs/workflows.md", "```", "```sh");
+  EXPECT_GT(commands.size(), 20U);
+  expect_to_run(commands, true);
+}
+
 }  // namespace
 }  // namespace quillet::testing

@@ -217,9 +217,10 @@ TEST(UnopenedFiles, LeadToThoseWithLikeNames) {
         << run.output;
   }
   const RunResult run = RUN(folder, WORDS("-b -max -typed in/run5.xmdf"));
-  EXPECT_NE(run.output.find("\nERROR - Could not open XMDF file \"in/run5.xmdf\": " + missing +
-                            "\n   Did you mean \"in/run4.xmdf\"?\n\nPress Enter to Close\n"),
-            std::string::npos)
+  EXPECT_NE(
+      run.output.find("\nERROR - Could not open XMDF file \"in/run5.xmdf\"\n   \"in/run5.xmdf\": " +
+                      missing + "\n   Did you mean \"in/run4.xmdf\"?\n\nPress Enter to Close\n"),
+      std::string::npos)
       << run.output;
 }
 

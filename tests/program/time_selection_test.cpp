@@ -1,5 +1,7 @@
 // -k, -r, -rangeA and -rangeB, -con, -times on small files: every byte of what they write and of
 // what they say, worked out by hand.
+#include <cmath>
+
 #include "program/file_runs.h"
 #include "program/set_up_text.h"
 #include "program/xmdf_view.h"
@@ -150,6 +152,59 @@ TEST(Times, OfAnXmdfFileStandOnTheConsoleAndInATextFile) {
   EXPECT_EQ(run.output.substr(run.output.find("Output Text File")), end);
 }
 
+// Replaces the output times by 64-bit ones.
+void set_times(const Workspace& folder, const std::string& name, const std::vector<double>& hours) {
+  const XfFileHandle file(H5Fopen(folder.path(name).c_str(), H5F_ACC_RDWR, H5P_DEFAULT));
+  const XfDatasetHandle times(H5Dopen2(file.get(), "r/Temporal/Depth/Times", H5P_DEFAULT));
+  ASSERT_GE(H5Dwrite(times.get(), H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, hours.data()),
+            0);
+}
+
+std::vector<double> written_hours(const Workspace& folder, const std::string& name) {
+  const XfFileHandle file(H5Fopen(folder.path(name).c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
+  const XfGroupHandle group(H5Gopen2(file.get(), "Concatenate/Temporal/out", H5P_DEFAULT));
+  return XMDF_MEMBER<double>(group.get(), "Times", H5T_NATIVE_DOUBLE);
+}
+
+// Times that 32 bits cannot tell apart.
+TEST(LongXmdfTimes, AreToldApart) {
+  const Workspace folder;
+  MAKE_XMDF(folder, "a.xmdf", {{"r/Temporal/Depth", small, {xmdf_start, xmdf_half}}});
+  MAKE_XMDF(folder, "b.xmdf", {{"r/Temporal/Depth", small, {xmdf_half, xmdf_one}}});
+  set_times(folder, "a.xmdf", {20000.001, 20000.0021});
+  set_times(folder, "b.xmdf", {20000.0021, 20000.003});
+  RUN(folder, WORDS("-times -b -typed -out list a.xmdf"));
+  EXPECT_EQ(folder.read("list.txt"), "      20000.001\n      20000.002\n");
+  const RunResult run = RUN(folder, WORDS("-b -con -typed -out out.xmdf a.xmdf b.xmdf"));
+  EXPECT_EQ(written_hours(folder, "out.xmdf"),
+            (std::vector<double>{20000.001, 20000.0021, 20000.003}))
+      << run.output;
+}
+
+// A .dat file holds the same hours less exactly.
+TEST(LongXmdfTimes, AreThoseOfDatFilesInFewerBits) {
+  const Workspace folder;
+  MAKE_XMDF(folder, "a.xmdf", {{"r/Temporal/Depth", small, {xmdf_start, xmdf_half}}});
+  set_times(folder, "a.xmdf", {0.1, 0.7});
+  folder.write("b_d.dat", DAT_FILE(small, "d", {{0.7F, {1}, {8, 8}}, {0.9F, {1}, {9, 9}}}));
+  const RunResult run = RUN(folder, WORDS("-b -con -typed -out out.xmdf a.xmdf b_d.dat"));
+  EXPECT_TRUE(run.has_line("Skipping time already written, time found: 0.7")) << run.output;
+  EXPECT_EQ(written_hours(folder, "out.xmdf"), (std::vector<double>{0.1, 0.7, 0.9F}));
+}
+
+TEST(TimesThatAreNoNumbers, EndTheRun) {
+  const Workspace folder;
+  folder.write("a_d.dat", DAT_FILE(small, "d", {xmdf_start, {NAN, {1}, {3, 4}}, xmdf_one}));
+  for (const std::string operation : {"-con a_d.dat", "-dur1", "-toi1"}) {
+    const RunResult run = RUN(folder, WORDS("-b -out out.dat a_d.dat " + operation));
+    EXPECT_TRUE(
+        run.has_line("ERROR - Reading file \"a_d.dat\": expected an output time, found one "
+                     "that is not a number"))
+        << run.output;
+    EXPECT_FALSE(folder.has("out.dat"));
+  }
+}
+
 // Whole consoles.
 constexpr DatShape one_node{1, 2};
 const std::string short_input =
@@ -207,7 +262,9 @@ INSTANTIATE_TEST_SUITE_P(
                 kept("Keep a_d", {{99999, {1, 1}, {3}}})),
         console("-b -k3 a_d.dat", "-k (keep)", "a_d(k3).dat",
                 "\nKeeping data at time 3\n" + three_found +
-                    "\nERROR - Could not find specified timestep in .dat file.\n" + end_text,
+                    "\nERROR - Could not find specified timestep in .dat file.\n"
+                    "   \"a_d.dat\", asked for time 3, tolerance 0.0001\n" +
+                    end_text,
                 ""),
         console("-r1 a_d.dat", "-r (remove)", "a_d(r1).dat",
                 "\nRemoving data at time 1\n" + READ_TEXT("0.000") +

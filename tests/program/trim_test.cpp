@@ -45,12 +45,16 @@ INSTANTIATE_TEST_SUITE_P(
                              {0.5F, {0, 1}, {-1.2F, 1.6F, 0, 0, 3 / root_4_5, -3 / root_4_5}}}),
                    "in_V(trim2).dat")
             .says("WARNING - Negative times are written as 111111 in .dat files."),
-        FileRun("of a maximum, the number of the input is limited like any value", "-trim2 max.dat",
+        FileRun("maps of sources and times are no results", "-trim2 max.dat",
                 {{"max.dat",
                   DAT_FILE(scalars, "Max",
                            {{111111, {1, 1}, {5, 0, 1, 2}}, {222222, {1, 1}, {3, 0, 1, 2}}})}})
-            .gives(trimmed({{111111, {1, 1}, {2, 0, 1, 2}}, {222222, {1, 1}, {2, 0, 1, 2}}}),
-                   "max(trim2).dat"),
+            .gives(trimmed({{111111, {1, 1}, {2, 0, 1, 2}}}), "max(trim2).dat")
+            .says("Skipping marker time, time found: 222222"),
+        FileRun("unless they are asked for", "-trim2 -t222222 max.dat",
+                {{"max.dat", DAT_FILE(scalars, "Max", {{222222, {1, 1}, {3, 0, 1, 2}}})}})
+            .gives(trimmed({{222222, {1, 1}, {2, 0, 1, 2}}}), "max(trim2).dat")
+            .never_says("Skipping"),
         FileRun("a file without output times", "-trim-1 in_V.dat",
                 {{"in_V.dat", DAT_FILE(vectors, "data", {})}})
             .gives(DAT_FILE(vectors, "trim-1", {}), "in_V(trim-1).dat")),

@@ -35,7 +35,8 @@ INSTANTIATE_TEST_SUITE_P(
                 {{"max.dat",
                   DAT_FILE(vectors, "Max",
                            {{111111, {1, 0, -1}, flow}, {222222, {1, 0, -1}, degrees}})}})
-            .says("ERROR - Must be vector dataset to process velocity angle."),
+            .gives(angles({{111111, {1, 0, -1}, degrees}}, "max_va"), "max_va.dat")
+            .says("Skipping marker time, time found: 222222"),
         FileRun("stored minima are not stored maxima", "-va -t-99999 in/run.v1_V.dat", input)
             .says("ERROR - Could not find specified timestep in .dat file.")),
     NameOfCase{});

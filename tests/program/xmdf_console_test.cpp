@@ -101,6 +101,32 @@ TEST_F(XmdfReports, StandBesideTheirFiles) {
   EXPECT_TRUE(run.ended_well());
 }
 
+// The report goes through the same lines as every operation, whatever becomes of them.
+TEST_F(XmdfReports, SayWhatTheInputsAreFirst) {
+  const RunResult run = RUN(folder, WORDS("-b -xnfo a.xmdf in/b.xmdf -typed"));
+  EXPECT_NE(run.output.find("\nSMS data type identified as: \"_d\"\n2dm filename: \"a.2dm\"\n"
+                            "\nSMS data type identified as: \"_d\"\n2dm filename: \"in/b.2dm\"\n"
+                            "\nAllocating RAM for a mesh of 3 nodes and 1 cells...\n"
+                            "\nAllocation nd1\n    Done.\n"),
+            std::string::npos)
+      << run.output;
+  EXPECT_NE(run.output.find(
+                "\nAllocation geom2_%\n    Done.\nExtracting information from .xmdf files.\n"),
+            std::string::npos)
+      << run.output;
+  MAKE_XMDF(folder, "none.xmdf", {});
+  EXPECT_TRUE(RUN(folder, WORDS("-b -xnfo none.xmdf"))
+                  .has_line("Allocating RAM for a mesh of 0 nodes and 0 cells..."));
+}
+
+TEST_F(XmdfReports, ShowNoControlCharacters) {
+  MAKE_XMDF(folder, "c.xmdf", {depth("r/Temporal/a\x1b[2J\nb", {{7, {}, {1, 2, 3}}})});
+  RUN(folder, WORDS("-b -xnfo c.xmdf"));
+  EXPECT_EQ(folder.read("c.xmdf_xmdf_info.txt"),
+            "c.xmdf\nScalar Datasets\nNumber Datasets:          1\nr/Temporal/a?[2J?b\n"
+            "Num Times         1\n          7.000\n");
+}
+
 TEST_F(XmdfReports, OfOneFileCanBeNamed) {
   RUN(folder, WORDS("-b -xnfo a.xmdf -out report.txt"));
   EXPECT_EQ(folder.read("report.txt"), report_a);
@@ -234,12 +260,24 @@ TEST_F(XmdfWetDry, HasNoMinimumsOrTimes) {
 TEST_F(XmdfWetDry, NeedsLevelsAtTheTimesOfTheData) {
   make("a.xmdf", levels_a, 0.75F);
   const RunResult run = run_difference("");
-  EXPECT_NE(
-      run.output.find("Using /Temporal/ folder.\n\nERROR - Closest time \"0.5\" is not within "
-                      "time search tolerance\n\nPress Enter to Close\n"),
-      std::string::npos)
+  EXPECT_NE(run.output.find(
+                "Using /Temporal/ folder.\n\nERROR - Closest time \"0.5\" is not within "
+                "time search tolerance\n   \"a.xmdf\", asked for time 0.75, tolerance 0.0001\n"
+                "\nPress Enter to Close\n"),
+            std::string::npos)
       << run.output;
   EXPECT_FALSE(folder.has("out.xmdf"));
+}
+
+// Selected by its place or path it is a water level as well as by its type.
+TEST_F(XmdfWetDry, KnowsWaterLevelsHoweverTheyAreSelected) {
+  for (const std::string how : {"-pathTemporal/Water", "-s3"}) {
+    const RunResult run = RUN(folder, WORDS("-b -dif a.xmdf b.xmdf -out out.xmdf " + how));
+    EXPECT_EQ(run.count_lines_with("...need to read water level data."), 0) << run.output;
+    const Times written = READ_XMDF(folder, "out.xmdf", "Difference/Temporal/diff_a - b");
+    EXPECT_TRUE(DAT_FILE(shape, "", written) ==
+                DAT_FILE(shape, "", {{0, {1}, {0, 0, 0}}, {0.5F, {1}, {1, 99, -99}}}));
+  }
 }
 
 TEST_F(XmdfWetDry, NeedsLevels) {

@@ -142,28 +142,29 @@ TEST(WrongFiles, EndTheRunWithOneLine) {
     const bool has_written = run.output.find("Creating scalar dataset") != std::string::npos;
     EXPECT_EQ(folder.has("out.xmdf.part"), has_written);
   };
-  const std::string in_depth = "a.xmdf, dataset \"run1/Temporal/Depth\": ";
+  const std::string in_depth = "\n   \"a.xmdf\", dataset \"run1/Temporal/Depth\": ";
   const std::string reading_values =
-      "Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading " + in_depth;
+      "Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading a.xmdf" + in_depth;
   expect(removed("/File Version"),
-         "Determining XMDF Library Version. a.xmdf: File Version is missing or no number");
+         "Determining XMDF Library Version.\n   \"a.xmdf\": File Version is missing or no number");
   expect(removed("/File Type"),
-         "Could not open XMDF file \"a.xmdf\": an HDF5 file but not an XMDF file, it has no File "
-         "Type");
-  expect(removed("Values"), "Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS]. " +
+         "Could not open XMDF file \"a.xmdf\"\n   \"a.xmdf\": an HDF5 file but not an XMDF file, "
+         "it has no File Type");
+  expect(removed("Values"), "Exracting Number of Values in Dataset [XF_GET_DATASET_NUMVALS]." +
                                 in_depth + "Values is missing");
   expect([](hid_t group) { H5Adelete(group, "TimeUnits"); },
-         "Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS]. " + in_depth +
+         "Exracting Time Unit Dataset [XF_GET_DATASET_TIME_UNITS]." + in_depth +
              "TimeUnits is missing or no text");
-  expect(removed("Times"), "Extracting number of times [XF_GET_DATASET_NUM_TIMES] from xmdf file " +
-                               in_depth + "Times is missing");
+  expect(removed("Times"),
+         "Extracting number of times [XF_GET_DATASET_NUM_TIMES] from xmdf file a.xmdf" + in_depth +
+             "Times is missing");
   expect(replaced("Times", H5T_IEEE_F64LE, {6}),
          reading_values + "Times holds 6 output times, Values 7");
   expect(replaced("Active", H5T_STD_U8LE, {6, 15}),
-         "Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading " + in_depth +
+         "Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading a.xmdf" + in_depth +
              "Times holds 7 output times, Active 6");
   expect(replaced("Active", H5T_IEEE_F32LE, {7, 15}),
-         "Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE]. " + in_depth +
+         "Exracting Number Active in Dataset [XF_GET_DATASET_NUMACTIVE]." + in_depth +
              "Active holds no flags");
   expect(remove_output_times, reading_values + "there is no output time 1, the dataset has 0",
          "-t1");
@@ -232,8 +233,8 @@ TEST(XmdfFiles, OfOtherSizesAreRefused) {
                             "primary .dat file.\nPress Enter to Continue\n"),
             std::string::npos);
   expect_failure_line(RUN(folder, WORDS("-b -trim50 -typed c.xmdf -out o")),
-                      "ERROR - Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading c.xmdf, "
-                      "dataset \"r/Temporal/Depth\": expected 40 values, found 41");
+                      "ERROR - Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading c.xmdf\n"
+                      "   \"c.xmdf\", dataset \"r/Temporal/Depth\": expected 40 values, found 41");
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.xmdf", "b.xmdf", "c.xmdf"}));
 }
 
@@ -252,8 +253,9 @@ TEST(XmdfFiles, ThatAreNoneAreRefused) {
            {"empty.xmdf", "not an HDF5 file"},
            {"folder.xmdf", "Is a directory"},
            {"cut.xmdf", "truncated, expected " + size + " bytes, found 1000"}}) {
-    expect_failure_line(RUN(folder, {"-b", "-max", "-typed", "-out", "out", name}),
-                        "ERROR - Could not open XMDF file \"" + name + "\": " + reason);
+    expect_failure_line(
+        RUN(folder, {"-b", "-max", "-typed", "-out", "out", name}),
+        "ERROR - Could not open XMDF file \"" + name + "\"\n   \"" + name + "\": " + reason);
   }
   EXPECT_FALSE(folder.has("out.xmdf"));
 }
@@ -271,12 +273,12 @@ TEST(FullDisksOfXmdf, EndTheRunAndLeaveTheEarlierResult) {
   MAKE_XMDF(folder, "a.xmdf", {{"r/Temporal/Vector Velocity", {nodes, 0, true}, times}});
   folder.write("out.xmdf", "an earlier result");
   for (const auto& [room, call] : std::vector<std::pair<rlim_t, std::string>>{
-           {1000000, "Writing data [XF_WRITE_VECTOR_TIMESTEP]"},
-           {7000000, "Writing data [XF_WRITE_SCALAR_TIMESTEP]"},
+           {1000000, "Writing data [XF_WRITE_VECTOR_TIMESTEP] out.xmdf"},
+           {7000000, "Writing data [XF_WRITE_SCALAR_TIMESTEP] out.xmdf"},
            {10829000, "Closing file [XF_CLOSE_FILE]"}}) {
     const RunResult run =
         RUN(folder, WORDS("-b -trim50 -typev -out out.xmdf a.xmdf"), {.largest_file = room});
-    expect_failure_line(run, "ERROR - " + call + " out.xmdf: File too large");
+    expect_failure_line(run, "ERROR - " + call + "\n   \"out.xmdf\": File too large");
     EXPECT_EQ(folder.read("out.xmdf"), "an earlier result");
     EXPECT_TRUE(folder.has("out.xmdf.part"));
   }
@@ -301,11 +303,11 @@ TEST(XmdfOutputs, ThatAreInputsOrCannotBeCreatedAreRefused) {
                       "ERROR - Output file is also an input file: \"./a.xmdf\"");
   expect_failure_line(
       RUN(folder, WORDS("-b -trim50 -typed -out none/out.xmdf a.xmdf")),
-      "ERROR - Creating file [XF_CREATE_FILE] none/out.xmdf: No such file or directory");
+      "ERROR - Creating file [XF_CREATE_FILE] none/out.xmdf\n   No such file or directory");
   // Noticed before the work, as for a .dat output.
   fs::create_directories(folder.path("folder.xmdf"));
   expect_failure_line(RUN(folder, WORDS("-b -trim50 -typed -out folder.xmdf a.xmdf")),
-                      "ERROR - Creating file [XF_CREATE_FILE] folder.xmdf: Is a directory");
+                      "ERROR - Creating file [XF_CREATE_FILE] folder.xmdf\n   Is a directory");
   EXPECT_FALSE(folder.has("folder.xmdf.part"));
   fs::remove(folder.path("folder.xmdf"));
   EXPECT_TRUE(SAME_RESULTS(folder.read("a.xmdf"), before));

@@ -89,7 +89,8 @@ TEST_P(Selections, TakeTheDatasetAndSaySo) {
 }
 
 const std::string nothing_selected =
-    "\nERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]\n";
+    "\nERROR - Unable trying to open group ID = 0 [xmdf_get_data_time]\n"
+    "   \"a.xmdf\" holds no such output times of what was asked for\n";
 const std::string trimmed = "Trim/Temporal/trim99";
 const Times some_values{{0, {1, 1}, {1, 2, 3}}};
 const Times some_angles{{0, {1, 1}, {36.869896F, 0, 0}}};
@@ -136,12 +137,56 @@ INSTANTIATE_TEST_SUITE_P(
                {some_vector("run1/Max/Vector Velocity")})
             .fails("If File has not been written by ORVANE, other folders can be accessed by "
                    "specifying the path (-path)\n"),
-        select("folders in any case; the last match of a folder", "-trim99 -typed",
-               {scalar("R/TEMPORAL/DEPTH", {{1, {1, 1}, {1, 1, 1}}}),
+        select("folders in any case; a dataset called as the type goes before others",
+               "-trim99 -typed",
+               {scalar("R/TEMPORAL/DEPTH", {depths[1]}),
+                scalar("R/Temporal/Max Depth", {{1, {1, 1}, {1, 1, 1}}})})
+            .says("Found: \"R/TEMPORAL/DEPTH\"\n"
+                  "WARNING - Not used, its name differs: \"R/Temporal/Max Depth\"\n"
+                  "Searching vector")
+            .gives(trimmed, {depths[1]}),
+        select("without one, the last that holds the type", "-trim99 -typed",
+               {scalar("R/Temporal/Depth b", {{1, {1, 1}, {1, 1, 1}}}),
                 scalar("R/Temporal/Max Depth", {depths[1]})})
-            .says("Found: \"R/TEMPORAL/DEPTH\"\nFound: \"R/Temporal/Max Depth\"\n"
+            .says("Found: \"R/Temporal/Depth b\"\n"
+                  "WARNING - Dataset is not called as the type: \"R/Temporal/Depth b\"\n"
+                  "Found: \"R/Temporal/Max Depth\"\n"
+                  "WARNING - Dataset is not called as the type: \"R/Temporal/Max Depth\"\n"
                   "WARNING - More than one dataset matches, using \"R/Temporal/Max Depth\"\n")
             .gives(trimmed, {depths[1]}),
+        select("of a type, not of a group called so", "-trim99 -typed",
+               {some_scalar("Depth study/Temporal/Water Level")})
+            .fails("\nERROR - No datasets found of type \"Depth\" found in a.xmdf\n"
+                   "   Types in the file: h (Water Level)\n"
+                   "   -xnfo lists all that the file holds, -path takes any of it.\n"),
+        select("an exact name in the other list counts", "-va -typew",
+               {some_vector("r/Temporal/Vector Wind"), some_scalar("r/Temporal/Wind"),
+                some_vector("r/Temporal/Vector Wind 2")})
+            .says("Found: \"r/Temporal/Vector Wind\"\n"
+                  "WARNING - Not used, its name differs: \"r/Temporal/Vector Wind 2\"\n")
+            .gives("Velocity Angle/Temporal/Vector Angle", some_angles),
+        select("and keeps vectors from taking its place", "-trim99 -typewi10",
+               {some_vector("r/Temporal/Vector Wind"), some_scalar("r/Temporal/Wind")})
+            .says("Found: \"r/Temporal/Wind\"\n"
+                  "Searching vector datasets for \"Wind\"...\n"
+                  "WARNING - Not used, its name differs: \"r/Temporal/Vector Wind\"\n"
+                  "Warning - No vector datasets found of type \"Wind\"\n")
+            .gives(trimmed, some_values),
+        select("a series and a maximum of two runs", "-trim99 -typed",
+               {some_scalar("new/Temporal/Depth"), scalar("old/Maximums/Depth", {stored})})
+            .says("Warning - No vector datasets found of type \"Depth\"\n"
+                  "WARNING - Datasets of different groups match: \"new/Temporal/Depth\" "
+                  "\"old/Maximums/Depth\"\n")
+            .gives(trimmed, some_values),
+        select("scalars and vectors", "-va -pathvelocity",
+               {some_scalar("r/Temporal/Velocity"), some_vector("r/Temporal/Vector Velocity")})
+            .says("WARNING - Scalar and vector datasets match, using vector: "
+                  "\"r/Temporal/Vector Velocity\"\n")
+            .gives("Velocity Angle/Temporal/Vector Angle", some_angles),
+        select("names cannot write to the terminal", "-trim99 -s1",
+               {some_scalar("r/Temporal/a\x1b[31m\nERROR - b\xC2\x9B")})
+            .says("\nUsing specifed scalar dataset: r/Temporal/a?[31m?ERROR - b?\n")
+            .gives(trimmed, some_values),
         select("a type in the folder Times alone has no time series", "-trim9 -typed",
                {some_scalar("run1/Times/Time of First Depth > 0.1")})
             .fails(nothing_selected),
@@ -207,7 +252,8 @@ INSTANTIATE_TEST_SUITE_P(
             .gives("Trim/Minimums/trim99", {stored_least}),
         select("a tolerance does not widen the search for the stored maximum",
                "-trim9 -typed -t99999.01 -dttol0.1")
-            .fails("\nERROR - Closest time \"1\" is not within time search tolerance\n"),
+            .fails("\nERROR - Closest time \"1\" is not within time search tolerance\n"
+                   "   \"a.xmdf\", asked for time 99999.01, tolerance 0.1\n"),
         select("no stored maximum", "-va -typev -t99999")
             .fails("Looking for data in /Maximums/ folder.\n"
                    "\nERROR - No stored maximum found in \"a.xmdf\"\n"),
@@ -254,7 +300,8 @@ INSTANTIATE_TEST_SUITE_P(
             .gives("Velocity Angle/Temporal/Vector Angle", some_angles),
         select("no datasets", "-max -typed", {})
             .fails("Getting time units, number of cells and nodes from XMDF file \"a.xmdf\"\n"
-                   "\nERROR - Could not open data group \"\" in XMDF file.\n"),
+                   "\nERROR - Could not open data group \"\" in XMDF file.\n"
+                   "   \"a.xmdf\"\n"),
         select("100 of every kind are read, without depth some", "-trim99 -typed",
                many("Duration Above ", 100))
             .says("  101 run1/Times/Duration Above 99\nGetting time units")

@@ -37,6 +37,29 @@ INSTANTIATE_TEST_SUITE_P(
                       Parts{"run_.dat", "", "run_", ".dat", "_", "run"},
                       Parts{".dat", "", "", ".dat", "", ""}, Parts{"", "", "", "", "", ""}));
 
+TEST(Brackets, CloseTheNamesThatTheProgramMakes) {
+  const auto expect = [](const std::string& name, const std::string& bare,
+                         const std::vector<std::string>& brackets) {
+    EXPECT_EQ(SPLIT_BRACKETS(name).name, bare) << name;
+    EXPECT_EQ(SPLIT_BRACKETS(name).brackets, brackets) << name;
+  };
+  expect("a(1)/run1_h(range)(maxmax).dat ", "a(1)/run1_h.dat", {"(range)", "(maxmax)"});
+  expect("run_h(k99999.1).dat", "run_h.dat", {"(k99999.1)"});
+  expect("run_h (2).xmdf", "run_h.xmdf", {" (2)"});
+  expect("run_d(a(b)).dat", "run_d.dat", {"(a(b))"});
+  expect("run(v2)_h.dat", "run(v2)_h.dat", {});
+  expect("C:\\r\\(x).dat", "C:\\r\\(x).dat", {});
+  expect("run_h).dat", "run_h).dat", {});
+  expect("a(b/c).dat", "a(b/c).dat", {});
+}
+
+TEST(Texts, AreShownWithoutControlCharacters) {
+  EXPECT_EQ(SHOWN("a\tb\n\x1b[2Jc\x7f"), "a?b??[2Jc?");
+  EXPECT_EQ(SHOWN(std::string("\0x", 2)), "?x");
+  EXPECT_EQ(SHOWN("\xC2\x80 \xC2\x9F \xC2\xA0"), "? ? \xC2\xA0");
+  EXPECT_EQ(SHOWN("gr\xC3\x9F \xE2\x82\x80 \xC2"), "gr\xC3\x9F \xE2\x82\x80 \xC2");
+}
+
 TEST(Texts, AreComparedWithoutCaseQuotesAndBlanks) {
   EXPECT_TRUE(ASAME(" \"Me%\"\t", "mE% "));
   EXPECT_TRUE(ASAME("'h'", "H"));

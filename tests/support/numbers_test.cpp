@@ -63,6 +63,15 @@ TEST(Numbers, IntegersMustBeIntegers) {
   EXPECT_EQ(READ_INTEGER(""), nothing);
 }
 
+TEST(Numbers, TextMayFollowThem) {
+  for (const char* const text : {"0,3", "1/5", "2 h", "7,"}) {
+    EXPECT_TRUE(TEXT_FOLLOWS_NUMBER(text)) << text;
+  }
+  for (const char* const text : {"0.3", " 1 ", "\t2\t", ""}) {
+    EXPECT_FALSE(TEXT_FOLLOWS_NUMBER(text)) << text;
+  }
+}
+
 TEST(Numbers, DoublesKeepTheirDigits) {
   EXPECT_EQ(READ_DOUBLE("6123456.789"), 6123456.789);
   EXPECT_EQ(READ_DOUBLE("1d300"), 1e300);

@@ -1,0 +1,28 @@
+// Which datasets of an XMDF file are of a type, told from their own names.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "xmdf/xmdf_file_header.h"
+
+namespace quillet {
+
+// Datasets that are called as the type; only where the file has none, those whose names hold it.
+// Groups and folders do not count: "Wind" is not "Vector Wind", nor anything in "Wind setup/". Case
+// does not matter. An empty type name finds nothing.
+class XmdfNameSearch {
+ public:
+  XmdfNameSearch(const XmdfFileHeader& header, std::string_view type_name);
+
+  // Whether dataset i (from 0) of one of the file's lists is of the type. Says what was found, and
+  // what comes close but is passed over.
+  bool finds(const XmdfDatasets& datasets, std::size_t i) const;
+
+ private:
+  std::string wanted;  // lower case
+  bool has_exact = false;
+};
+
+}  // namespace quillet
