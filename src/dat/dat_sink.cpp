@@ -36,6 +36,7 @@ void DatSink::write_header(const ResultShape& shape) {
 
 void DatSink::write(float time, const RES_TYPE& record) {
   if (!has_header) write_header(SHAPE_OF(record));
+  if (record.is_vector && !header_says_vector) FAIL_WRITING(file_name, VECTORS_AFTER_SCALARS(time));
   SAY("Writing output data to: " + file_name);
   writer.write_time(time, record);
   if (time < 0 && !std::exchange(warned_of_negative_time, true)) {

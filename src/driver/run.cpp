@@ -43,6 +43,7 @@ Ending perform(RunSetup& setup) {
 // What the end of a run needs of it, however it ends.
 struct RunNotes {
   RequestedRun requested;
+  bool has_failed = false;
   bool wants_summary = false;
 };
 
@@ -72,7 +73,16 @@ Ending run_parsed(const RunOptions& options, RunNotes& notes) {
   return perform(setup);
 }
 
-Ending run(const std::vector<std::string>& arguments, Console& console, RunNotes& notes) {
+Ending run(const std::vector<std::string>& arguments, const EarlyOptions& early, Console& console,
+           RunNotes& notes) {
+  if (early.help) {
+    PRINT_HELP();
+    return Ending::at_once;
+  }
+  if (early.version) {
+    SAY("quillet " + std::string(PROGRAM_VERSION()));
+    return Ending::at_once;
+  }
   SAY_APART("Build 2020-07-AH");
   SAY("");
   if (arguments.empty()) {
@@ -88,14 +98,15 @@ Ending run(const std::vector<std::string>& arguments, Console& console, RunNotes
 }
 
 // Everything that the run has opened is closed when this returns.
-Ending run_to_its_end(const std::vector<std::string>& arguments, Console& console,
-                      RunNotes& notes) try {
-  return run(arguments, console, notes);
+Ending run_to_its_end(const std::vector<std::string>& arguments, const EarlyOptions& early,
+                      Console& console, RunNotes& notes) try {
+  return run(arguments, early, console, notes);
 } catch (const RunEnd& end) {
+  notes.has_failed = true;
   return end.ending;
 } catch (const std::bad_alloc&) {
   // Of something small: where arrays are sized, the sizing says so.
-  ++RUN_TALLY().errors;
+  notes.has_failed = true;
   console.say("");
   console.say("ERROR - Could not allocate enough memory (RAM).");
   return Ending::press_enter_to_close;
@@ -115,13 +126,14 @@ void print_summary(const RequestedRun& requested, std::chrono::steady_clock::tim
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-int perform_run(const std::vector<std::string>& arguments, bool is_strict, Console& console) {
+int perform_run(const std::vector<std::string>& arguments, const EarlyOptions& early,
+                Console& console) {
   const auto start = std::chrono::steady_clock::now();
   RunNotes notes;
-  const Ending ending = run_to_its_end(arguments, console, notes);
+  const Ending ending = run_to_its_end(arguments, early, console, notes);
   if (notes.wants_summary) print_summary(notes.requested, start);
   wait_at_the_end(ending, console);
-  return is_strict && RUN_TALLY().errors > 0 ? 1 : 0;
+  return early.strict && (notes.has_failed || RUN_TALLY().errors > 0) ? 1 : 0;
 }
 
 }  // namespace
@@ -133,15 +145,7 @@ int RUN_QUILLET(const std::vector<std::string>& arguments, Console& console) {
   UnattendedConsole unattended(console);
   Console& used = early.strict ? static_cast<Console&>(unattended) : console;
   const ConsoleInUse in_use(used);
-  if (early.help) {
-    PRINT_HELP();
-    return 0;
-  }
-  if (early.version) {
-    SAY("quillet " + std::string(PROGRAM_VERSION()));
-    return 0;
-  }
-  return perform_run(arguments, early.strict, used);
+  return perform_run(arguments, early, used);
 }
 
 }  // namespace quillet

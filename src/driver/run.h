@@ -10,7 +10,7 @@ namespace quillet {
 
 // `arguments` without the program's own name. Whatever ends the run, everything that it opened is
 // closed before the console waits for the last time. Returns the exit status: 1 with --strict after
-// an error line, else 0.
+// an error, else 0.
 int RUN_QUILLET(const std::vector<std::string>& arguments, Console& console);
 
 }  // namespace quillet

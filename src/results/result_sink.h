@@ -8,6 +8,7 @@
 #include "results/dataset_kind.h"
 #include "results/result_shape.h"
 #include "results/results_record.h"
+#include "support/numbers.h"
 
 namespace quillet {
 
@@ -26,6 +27,12 @@ struct DatasetNames {
   DatasetKind kind = DatasetKind::series;
   std::string dataset;  // empty: the output's own name
 };
+
+// Why an output that began with one value per node cannot take an output time of vectors.
+inline std::string VECTORS_AFTER_SCALARS(float time) {
+  return "expected one value per node, as at the output times before, found vectors at time " +
+         AREAL(time);
+}
 
 // A sink never changes the caller's record. Whatever cannot be written ends the run.
 class ResultSink {

@@ -34,6 +34,7 @@ void show(std::string_view text) {
 }  // namespace
 
 Console* USE_CONSOLE(Console* console) {
+  last_error().clear();
   return std::exchange(current_console, console);
 }
 

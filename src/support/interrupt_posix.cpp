@@ -1,3 +1,4 @@
+#include <atomic>
 #include <csignal>
 
 #include "support/interrupt.h"
@@ -7,7 +8,8 @@ namespace {
 
 constexpr int noted_signals[] = {SIGINT, SIGTERM, SIGHUP};
 
-volatile std::sig_atomic_t noted_signal = 0;
+std::atomic<int> noted_signal = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
 
 void note(int signal) {
   noted_signal = signal;

@@ -34,9 +34,10 @@ void tighten_heap() {
   ::malloc_trim(0);
 }
 
-// Nobody says anything on the console, and nothing of the parent is flushed or closed.
+// Nobody says anything on the console, and nothing of the parent is flushed or closed. An exception
+// must not reach the parent's frames: it ends the child as a crash does.
 [[noreturn]] void be_the_child(const ChildTask& task, const std::string& argument,
-                               const ChildLimits& limits) {
+                               const ChildLimits& limits) noexcept {
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_CPU, static_cast<rlim_t>(limits.seconds));
   if (can_limit_memory) limit(RLIMIT_DATA, memory_in_use() + limits.memory);

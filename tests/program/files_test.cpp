@@ -241,5 +241,25 @@ TEST(UnopenedFiles, AreTriedAgainForAUserWhoPutsThemInPlace) {
   EXPECT_TRUE(SAME_RESULTS(folder.read("out/r.dat"), expected));
 }
 
+// Without its first map the rest of a maximum of vectors begins with single values.
+TEST(MixedOutputs, EndTheRun) {
+  const Workspace folder;
+  const DatShape vectors{2, 1, true};
+  DatBuilder file = DAT_HEADER(vectors, "v");
+  ADD_TIME(file, {111111, {1}, {1, 2, 3, 4}});
+  ADD_TIME(file, {222222, {1}, {1, 1}});
+  ADD_TIME(file, {5, {1}, {1, 2, 3, 4}});
+  folder.write("a_V.dat", file.integer(210).build());
+  for (const std::string output : {"r.dat", "r.xmdf"}) {
+    const RunResult run = RUN(folder, WORDS("-b -r111111 a_V.dat -out " + output));
+    EXPECT_TRUE(run.has_line("ERROR - Writing file \"" + output +
+                             "\": expected one value per node, as at the output times before, "
+                             "found vectors at time 5"))
+        << run.output;
+    EXPECT_FALSE(folder.has(output));
+    EXPECT_TRUE(run.ended_well());
+  }
+}
+
 }  // namespace
 }  // namespace quillet::testing

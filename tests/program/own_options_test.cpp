@@ -80,6 +80,15 @@ TEST(Strict, TellsAnErrorByItsStatusAndReadsNothing) {
 }
 
 // A warning that waits goes on.
+TEST(Strict, TellsFailuresWithoutAnErrorLine) {
+  const Workspace folder;
+  folder.write("a_h.dat", DAT_FILE({2, 1}, "h", {{0, {1}, {5, 6}}, {1, {1}, {0, 0}}}));
+  folder.write("a.2dm", "no mesh\n");
+  const RunResult run = RUN(folder, WORDS("--strict -max a_h.dat"));
+  EXPECT_EQ(run.output.find("ERROR"), std::string::npos);
+  EXPECT_EQ(run.exit_status, 1);
+}
+
 TEST(Strict, GoesOnAfterWarnings) {
   const Workspace folder;
   MAKE_INPUTS_OF_WRITING_RUNS(folder);
