@@ -41,6 +41,15 @@ bool set_summary(RunOptions& options, std::string_view) {
   return true;
 }
 
+bool set_threads(RunOptions& options, std::string_view value) {
+  constexpr int most = 1024;
+  int count = 0;
+  const auto [end, error] = std::from_chars(value.begin(), value.end(), count);
+  if (error != std::errc{} || end != value.end() || count < 1 || count > most) return false;
+  options.threads = count;
+  return true;
+}
+
 constexpr std::array own_options{
     OwnOptionRow{help_option, "", "shows this help", note_nothing},
     OwnOptionRow{version_option, "", "shows the version", note_nothing},
@@ -52,6 +61,9 @@ constexpr std::array own_options{
     OwnOptionRow{"--no-progress", "", "does not, on a terminal either", set_no_progress},
     OwnOptionRow{"--summary", "", "says at the end, on standard error, what the run did",
                  set_summary},
+    OwnOptionRow{"--threads", "<number>",
+                 "how many threads share the work (default: what the process may use, at most 8)",
+                 set_threads},
 };
 
 // "--threads=4" is "--threads" and "4"; without "=" there is no value, not even an empty one.

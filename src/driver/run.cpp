@@ -21,6 +21,7 @@
 #include "support/standard_console.h"
 #include "support/terminal.h"
 #include "support/version.h"
+#include "support/work_crew.h"
 
 namespace quillet {
 namespace {
@@ -59,6 +60,7 @@ void note_options(const RunOptions& options, RunNotes& notes) {
   notes.wants_summary = options.summary;
   notes.requested.inputs = options.inputs;
   WRITTEN_VALUES().are_wanted = options.summary;
+  WORK_CREW().set_thread_count(options.threads.value_or(USUAL_THREAD_COUNT()));
 }
 
 Ending run_parsed(const RunOptions& options, RunNotes& notes) {

@@ -44,6 +44,7 @@ struct RunOptions {
   // Our own options.
   std::optional<bool> progress;  // --progress, --no-progress
   bool summary = false;          // --summary
+  std::optional<int> threads;    // --threads; as many as the process may use, within reason
 
   // More than one is an error, which is told later.
   void choose(const OperationRow& operation) {

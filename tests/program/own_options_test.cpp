@@ -54,7 +54,9 @@ TEST(OwnOptions, ThatAreNoneOrHaveAnotherFormEndTheRun) {
               banner + "\nERROR - Incorrect flag specified: \"" + option +
                   "\"\n   quillet --help shows all options.\n" + pause);
   }
-  for (const std::string option : {"--summary=", "--progress=1", "--strict=yes"}) {
+  for (const std::string option :
+       {"--summary=", "--progress=1", "--strict=yes", "--threads", "--threads=", "--threads=0",
+        "--threads=-1", "--threads=2x", "--threads=1.5", "--threads=9999999999"}) {
     EXPECT_EQ(RUN(folder, {option}).output,
               banner + "\nERROR - Reading value of option: \"" + option + "\"\n" + pause);
   }

@@ -1,0 +1,111 @@
+#include "support/work_crew.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace quillet {
+
+void CrewJob::start(std::function<void()> new_work) {
+  work = std::move(new_work);
+  WORK_CREW().add(*this);
+}
+
+void CrewJob::finish() {
+  WORK_CREW().finish(*this);
+}
+
+void CrewJob::take_back() {
+  WORK_CREW().take_back(*this);
+}
+
+WorkCrew::~WorkCrew() {
+  dismiss_helpers();
+}
+
+void WorkCrew::set_thread_count(int count) {
+  dismiss_helpers();
+  thread_count = count;
+}
+
+void WorkCrew::dismiss_helpers() {
+  {
+    const std::lock_guard lock(mutex);
+    stopping = true;
+  }
+  job_came.notify_all();
+  for (std::thread& helper : helpers) helper.join();
+  helpers.clear();
+  stopping = false;
+}
+
+void WorkCrew::add(CrewJob& job) {
+  start_helpers();
+  {
+    const std::lock_guard lock(mutex);
+    job.state = CrewJob::State::waiting;
+    waiting.push_back(&job);
+  }
+  job_came.notify_one();
+}
+
+// A system that gives no more threads is served by those that there are.
+void WorkCrew::start_helpers() {
+  if (!helpers.empty()) return;
+  try {
+    while (std::ssize(helpers) < thread_count - 1) helpers.emplace_back([this] { help(); });
+  } catch (const std::system_error&) {
+    thread_count = static_cast<int>(helpers.size()) + 1;
+  }
+}
+
+void WorkCrew::help() {
+  std::unique_lock lock(mutex);
+  for (;;) {
+    job_came.wait(lock, [&] { return stopping || !waiting.empty(); });
+    if (stopping) return;
+    do_first(lock);
+  }
+}
+
+void WorkCrew::do_first(std::unique_lock<std::mutex>& lock) {
+  CrewJob& job = *waiting.front();
+  waiting.pop_front();
+  job.state = CrewJob::State::running;
+  lock.unlock();
+  job.work();
+  lock.lock();
+  job.state = CrewJob::State::done;
+  job_done.notify_all();
+}
+
+void WorkCrew::finish(CrewJob& job) {
+  std::unique_lock lock(mutex);
+  while (job.state == CrewJob::State::waiting || job.state == CrewJob::State::running) {
+    if (waiting.empty()) {
+      job_done.wait(lock);
+    } else {
+      do_first(lock);
+    }
+  }
+  job.state = CrewJob::State::idle;
+}
+
+void WorkCrew::take_back(CrewJob& job) {
+  std::unique_lock lock(mutex);
+  if (job.state == CrewJob::State::waiting) std::erase(waiting, &job);
+  job_done.wait(lock, [&] { return job.state != CrewJob::State::running; });
+  job.state = CrewJob::State::idle;
+}
+
+WorkCrew& WORK_CREW() {
+  static WorkCrew crew;
+  return crew;
+}
+
+int USUAL_THREAD_COUNT() {
+  constexpr int most = 8;
+  return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, most);
+}
+
+}  // namespace quillet

@@ -1,0 +1,86 @@
+// Helper threads that share the work of a run. Jobs are pieces of computation on memory: they print
+// nothing, call no library that is not for threads, end no run and throw nothing; what they meet
+// they note, and who waits for them tells it. So what a run reads, writes and says is the same with
+// any number of threads.
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace quillet {
+
+class WorkCrew;
+
+// One piece of work handed to the crew. What it works on outlives it: its destructor takes the work
+// back, or waits when it is being done.
+class CrewJob {
+ public:
+  CrewJob() = default;
+  CrewJob(const CrewJob&) = delete;
+  CrewJob& operator=(const CrewJob&) = delete;
+  ~CrewJob() { take_back(); }
+
+  // Hands the work to the crew, which does jobs in the order in which they come. Not while another
+  // piece of work is under way.
+  void start(std::function<void()> work);
+
+  // Returns when the work is done. The caller takes part: it does this job, or others that wait
+  // before it, when no helper has begun them.
+  void finish();
+
+  void take_back();
+
+ private:
+  friend class WorkCrew;
+  enum class State { idle, waiting, running, done };
+
+  std::function<void()> work;
+  State state = State::idle;  // guarded by the crew's mutex
+};
+
+class WorkCrew {
+ public:
+  WorkCrew() = default;
+  WorkCrew(const WorkCrew&) = delete;
+  WorkCrew& operator=(const WorkCrew&) = delete;
+  ~WorkCrew();
+
+  // How many threads work, the caller's included: 1 unless set. The others are started with the
+  // first job. To be set while there is none.
+  void set_thread_count(int count);
+  // False when all work is the caller's, and nothing is gained by handing it out early.
+  bool has_helpers() const { return thread_count > 1; }
+
+ private:
+  friend class CrewJob;
+
+  void add(CrewJob& job);
+  void finish(CrewJob& job);
+  void take_back(CrewJob& job);
+  void start_helpers();
+  void dismiss_helpers();
+  void help();
+  void do_first(std::unique_lock<std::mutex>& lock);
+
+  int thread_count = 1;
+  std::vector<std::thread> helpers;
+  std::mutex mutex;
+  std::condition_variable job_came;
+  std::condition_variable job_done;
+  std::deque<CrewJob*> waiting;
+  bool stopping = false;
+};
+
+// The crew of the run.
+WorkCrew& WORK_CREW();
+
+// As many threads as this process may use at once, at most 8: disks and memory do not keep up with
+// more.
+int USUAL_THREAD_COUNT();
+
+}  // namespace quillet

@@ -1,0 +1,64 @@
+#include "xf/xf_inflater.h"
+
+#include <cstring>
+#include <new>
+
+#include "support/kernel.h"
+
+namespace quillet {
+namespace {
+
+// Shuffled: first every element's lowest byte, then every element's second byte, and so on.
+KERNEL_LOOP void unshuffle_4(const unsigned char* planes, std::size_t count,
+                             std::uint32_t* elements) {
+#pragma omp simd
+  for (std::size_t i = 0; i < count; ++i) {
+    elements[i] = std::uint32_t{planes[i]} | std::uint32_t{planes[count + i]} << 8U |
+                  std::uint32_t{planes[2 * count + i]} << 16U |
+                  std::uint32_t{planes[3 * count + i]} << 24U;
+  }
+}
+
+void unshuffle(const std::byte* planes, std::size_t size, std::size_t count, std::byte* elements) {
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t plane = 0; plane < size; ++plane) {
+      elements[i * size + plane] = planes[plane * count + i];
+    }
+  }
+}
+
+}  // namespace
+
+XfStatus XfInflater::inflate(const XfChunkForm& form, const std::byte* stored, std::size_t size,
+                             std::uint32_t skipped_filters, std::byte* chunk) {
+  const std::uint32_t shuffle_bit = form.shuffled ? 1U : 0U;
+  const std::uint32_t deflate_bit = form.shuffled ? 2U : 1U;
+  const bool planes = form.shuffled && (skipped_filters & shuffle_bit) == 0;
+  std::byte* const target = planes ? shuffled.room(form.bytes) : chunk;
+  if ((skipped_filters & deflate_bit) != 0) {
+    if (size != form.bytes) return xf_failure("has a damaged size");
+    std::memcpy(target, stored, size);
+  } else {
+    XfStatus status = inflate_bytes(stored, size, target, form.bytes);
+    if (!status.ok()) return status;
+  }
+  if (planes && form.element_size == 4) {
+    Kernel<unshuffle_4>::run(reinterpret_cast<const unsigned char*>(target), form.bytes / 4,
+                             reinterpret_cast<std::uint32_t*>(chunk));
+  } else if (planes) {
+    unshuffle(target, form.element_size, form.bytes / form.element_size, chunk);
+  }
+  return {};
+}
+
+XfStatus XfInflater::inflate_bytes(const std::byte* stored, std::size_t size, std::byte* chunk,
+                                   std::size_t chunk_bytes) {
+  if (!decompressor) decompressor.reset(libdeflate_alloc_decompressor());
+  if (!decompressor) throw std::bad_alloc();
+  // Without a place for the actual size, libdeflate insists on exactly chunk_bytes.
+  const libdeflate_result result =
+      libdeflate_zlib_decompress(decompressor.get(), stored, size, chunk, chunk_bytes, nullptr);
+  return result == LIBDEFLATE_SUCCESS ? XfStatus{} : xf_failure("has damaged compressed bytes");
+}
+
+}  // namespace quillet

@@ -1,0 +1,71 @@
+// The crew by itself; what helpers do to files is the matter of their users' tests.
+#include "support/work_crew.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "in_crew_of.h"
+
+namespace quillet {
+namespace {
+
+class Crews : public ::testing::TestWithParam<int> {};
+
+// Each job has its own place to write, so that nothing but the crew keeps them apart.
+TEST_P(Crews, DoEveryJobOnceBeforeItIsFinished) {
+  test::in_crew_of(GetParam(), [] {
+    constexpr std::size_t count = 500;
+    std::vector<int> done(count);
+    const auto jobs = std::make_unique<std::array<CrewJob, count>>();
+    for (std::size_t i = 0; i < count; ++i) {
+      (*jobs)[i].start([&done, i] { done[i] += static_cast<int>(i) + 1; });
+      if (i % 7 != 6) continue;
+      (*jobs)[i - 3].finish();
+      EXPECT_EQ(done[i - 3], static_cast<int>(i) - 2);
+    }
+    for (std::size_t i = count; i-- > 0;) {
+      (*jobs)[i].finish();
+      EXPECT_EQ(done[i], static_cast<int>(i) + 1);
+    }
+  });
+}
+
+TEST_P(Crews, LeaveAloneWhatIsTakenBack) {
+  test::in_crew_of(GetParam(), [] {
+    for (int round = 0; round < 200; ++round) {
+      auto value = std::make_unique<int>(0);
+      CrewJob job;
+      job.start([&value] { ++*value; });
+      if (round % 2 == 0) job.take_back();
+      job.take_back();  // of an idle job: nothing
+      EXPECT_LE(*value, 1);
+      value.reset();
+      job.finish();
+    }
+  });
+}
+
+TEST_P(Crews, DoAJobAgainWhenItIsStartedAgain) {
+  test::in_crew_of(GetParam(), [] {
+    CrewJob job;
+    int sum = 0;
+    for (int i = 1; i <= 100; ++i) {
+      job.start([&sum, i] { sum += i; });
+      job.finish();
+    }
+    EXPECT_EQ(sum, 5050);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, Crews, ::testing::Values(1, 2, 3, 8));
+
+TEST(UsualThreadCount, IsFromOneToEight) {
+  EXPECT_GE(USUAL_THREAD_COUNT(), 1);
+  EXPECT_LE(USUAL_THREAD_COUNT(), 8);
+}
+
+}  // namespace
+}  // namespace quillet
