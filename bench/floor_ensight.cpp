@@ -27,9 +27,10 @@ struct Mesh : FullMesh {
   explicit Mesh(const DatFile& results) : FullMesh(results.nodes, results.cells) {}
 
   std::int64_t count(int kind) const { return static_cast<std::int64_t>(ids[kind - 3].size()); }
-  const std::int32_t* corners(std::int32_t id) const { return elements[id - 1].nodes; }
+  const std::int32_t* corners(std::int32_t id) const { return FullMesh::corners + 4 * (id - 1); }
 
   std::vector<std::int32_t> ids[2];  // triangles, quadrilaterals
+  double x_min = 1.0e9, x_max = -1.0e9, y_min = 1.0e9, y_max = -1.0e9;
   float z_min = 1.0e9F, z_max = -1.0e9F;
 };
 
@@ -37,12 +38,16 @@ Mesh read_mesh(const char* name, const DatFile& results) {
   Mesh mesh(results);
   take_lines(name, mesh);
   for (std::int64_t i = 0; i < mesh.node_count; ++i) {
-    mesh.z_min = std::min(mesh.z_min, mesh.nodes[i].z);
-    mesh.z_max = std::max(mesh.z_max, mesh.nodes[i].z);
+    mesh.x_min = std::min(mesh.x_min, mesh.x[i]);
+    mesh.x_max = std::max(mesh.x_max, mesh.x[i]);
+    mesh.y_min = std::min(mesh.y_min, mesh.y[i]);
+    mesh.y_max = std::max(mesh.y_max, mesh.y[i]);
+    mesh.z_min = std::min(mesh.z_min, mesh.z[i]);
+    mesh.z_max = std::max(mesh.z_max, mesh.z[i]);
   }
   for (auto& ids : mesh.ids) ids.reserve(static_cast<std::size_t>(mesh.element_count));
   for (std::int32_t i = 0; i < mesh.element_count; ++i) {
-    mesh.ids[mesh.elements[i].kind - 3].push_back(i + 1);
+    mesh.ids[mesh.corners(i + 1)[3] == 0 ? 0 : 1].push_back(i + 1);
   }
   return mesh;
 }
@@ -146,13 +151,13 @@ void write_text_geometry(const Mesh& mesh, const std::string& name) {
     return end_line(quillet::WRITE_I10(static_cast<std::int32_t>(i + 1), at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_COORDINATE(mesh.nodes[i].x - mesh.x_min, at));
+    return end_line(quillet::WRITE_COORDINATE(mesh.x[i] - mesh.x_min, at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_COORDINATE(mesh.nodes[i].y - mesh.y_min, at));
+    return end_line(quillet::WRITE_COORDINATE(mesh.y[i] - mesh.y_min, at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.nodes[i].z, at));
+    return end_line(quillet::WRITE_E12_5(mesh.z[i], at));
   });
   write_text_block(mesh, 3, out);
   write_text_block(mesh, 4, out);
@@ -208,10 +213,10 @@ void write_binary_geometry(const Mesh& mesh, const std::string& name) {
   out.items(mesh.node_count,
             [](std::int64_t i, char* at) { return store(static_cast<std::int32_t>(i + 1), at); });
   out.items(mesh.node_count,
-            [&](std::int64_t i, char* at) { return store(mesh.nodes[i].x - mesh.x_min, at); });
+            [&](std::int64_t i, char* at) { return store(mesh.x[i] - mesh.x_min, at); });
   out.items(mesh.node_count,
-            [&](std::int64_t i, char* at) { return store(mesh.nodes[i].y - mesh.y_min, at); });
-  out.items(mesh.node_count, [&](std::int64_t i, char* at) { return store(mesh.nodes[i].z, at); });
+            [&](std::int64_t i, char* at) { return store(mesh.y[i] - mesh.y_min, at); });
+  out.items(mesh.node_count, [&](std::int64_t i, char* at) { return store(mesh.z[i], at); });
   write_binary_block(mesh, 3, out);
   write_binary_block(mesh, 4, out);
   out.close();

@@ -1,7 +1,7 @@
 // The floor under the mesh readers: one thread, one pass, no checks, and nothing but the work.
-// Parses an ordinary .2dm in the full form into plain tables.
+// Parses a .2dm into plain tables.
 //
-//     floor_mesh full FILE         nodes, elements, extents and node kinds
+//     floor_mesh full FILE         coordinates, elevations and all nodes of elements
 //     floor_mesh elevations FILE   elevations and corners alone
 //
 // Prints seconds, MB/s and sums over the tables, which keep the work from being left out.
@@ -21,18 +21,18 @@ namespace {
 constexpr std::int64_t shortest_line = 12;
 
 struct Full : FullMesh {
-  explicit Full(std::int64_t lines) : FullMesh(lines, lines) {}
+  Full(std::int64_t lines, Form form_of_file) : FullMesh(lines, lines) { form = form_of_file; }
 
   double sum() const {
-    double total = x_min + x_max + y_min + y_max;
-    for (std::int64_t i = 0; i < node_count; ++i) total += nodes[i].z + nodes[i].kind[0];
-    for (std::int64_t i = 0; i < element_count; ++i) total += elements[i].nodes[2];
+    double total = 0;
+    for (std::int64_t i = 0; i < node_count; ++i) total += x[i] + y[i] + z[i];
+    for (std::int64_t i = 0; i < element_count; ++i) total += corners[4 * i + 2];
     return total;
   }
 };
 
 struct Elevations {
-  explicit Elevations(std::int64_t lines) : z(make_array<float>(lines, Scheme{})) {
+  Elevations(std::int64_t lines, Form) : z(make_array<float>(lines, Scheme{})) {
     for (auto& corner : corners) corner = make_array<std::int32_t>(lines, Scheme{});
   }
 
@@ -65,15 +65,26 @@ struct Elevations {
   std::int64_t node_count = 0, element_count = 0;
 };
 
+// Told by the length of the first line.
+Form form_of(int file) {
+  char line[256] = {};
+  const ssize_t length = ::pread(file, line, sizeof line, 0);
+  const std::string_view text(line, length < 0 ? 0 : static_cast<std::size_t>(length));
+  const std::size_t end = text.find_last_not_of(" \r", text.find('\n') - 1) + 1;
+  if (end < 10) return Form::fv;
+  return end < 83 ? Form::pre_2005 : Form::full;
+}
+
 template <typename Tables>
 int run(const char* name) {
   const int file = ::open(name, O_RDONLY);
   if (file < 0) return EXIT_FAILURE;
+  const Form form = form_of(file);
   const std::int64_t size = ::lseek(file, 0, SEEK_END);
   ::close(file);
 
   const auto start = std::chrono::steady_clock::now();
-  Tables tables(size / shortest_line);
+  Tables tables(size / shortest_line, form);
   take_lines(name, tables);
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
   std::printf("%.4f s, %.0f MB/s, %lld nodes, %lld elements, sum %.17g\n", time.count(),

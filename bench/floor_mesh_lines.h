@@ -1,24 +1,29 @@
 // The lines of a .2dm file for the floor programs: one pass in large blocks, digits turned into
-// numbers in place. Numbers have blanks before them, no exponents, and up to nine decimals.
+// numbers in place. Numbers have blanks, tabs or commas before them, and those with more digits
+// than a 64-bit real holds are left to the library.
 #pragma once
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 namespace quillet_floor {
 
+// The values that the cards have, which the length of the first line tells.
+enum class Form { full, pre_2005, fv };
+
 inline const char* skip_blanks(const char* at) {
-  while (*at == ' ') ++at;
+  while (*at == ' ' || *at == '\t' || *at == ',') ++at;
   return at;
 }
 
 inline const char* skip_item(const char* at) {
   at = skip_blanks(at);
-  while (*at > ' ') ++at;
+  while (*at > ' ' && *at != ',') ++at;
   return at;
 }
 
@@ -41,17 +46,33 @@ inline const char* take_integer(const char* at, Integer& result) {
 
 template <typename Real>
 inline const char* take_real(const char* at, Real& result) {
-  constexpr double powers_of_ten[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  constexpr double powers_of_ten[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
   at = skip_blanks(at);
+  const char* const start = at;
   const bool is_negative = *at == '-';
   std::int64_t value = 0;
   at = take_digits(at + is_negative, value);
-  double real = static_cast<double>(value);
+  std::int64_t exponent = 0;
   if (*at == '.') {
     const char* const point = at + 1;
     at = take_digits(point, value);
-    real = static_cast<double>(value) / powers_of_ten[at - point];
+    exponent = point - at;
   }
+  if (*at == 'E' || *at == 'e') {
+    std::int64_t written = 0;
+    at = take_integer(at + (at[1] == '+' ? 2 : 1), written);
+    exponent += written;
+  }
+  if (value > (std::int64_t{1} << 53) || value < 0 || at - start > 22) {
+    double real = 0;
+    const char* const end = std::from_chars(start, start + 40, real).ptr;
+    result = static_cast<Real>(real);
+    return end;
+  }
+  double real = static_cast<double>(value);
+  real = exponent < 0 ? real / powers_of_ten[-exponent] : real * powers_of_ten[exponent];
   result = static_cast<Real>(is_negative ? -real : real);
   return at;
 }

@@ -14,7 +14,7 @@ constexpr std::array<ElementShape, 3> shapes{{
     {"quad8", 9, 4, 8, "Writing eight node quadrilaterals (quad8)...", "Done writing quad8"},
 }};
 
-void take_nodes(LargeArray<MESH_NODE_TYPE> nodes, EnsightMesh& mesh) {
+void take_nodes(ZeroedTable<MESH_NODE_TYPE> nodes, EnsightMesh& mesh) {
   mesh.x.reserve(nodes.size());
   mesh.y.reserve(nodes.size());
   mesh.z.reserve(nodes.size());

@@ -9,9 +9,8 @@
 namespace quillet {
 
 // Opens a .2dm file (see InputUnit), scans it, compares its counts with those of the results where
-// they are known, sizes the tables and reads it; all in one pass where both counts are known and
-// the file is an ordinary one, which shows in nothing but the time. Whatever `mesh` held is
-// replaced.
+// they are known, sizes the tables and reads it. All of that is one pass over the file when there
+// is nothing wrong with it. Whatever `mesh` held is replaced.
 //
 // `expected_nodes` is not given for finite-volume results, which have a value per cell, and
 // `expected_cells` not where the results do not tell. Ends the run when a count differs, and as the

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/large_array.h"
+#include "support/zeroed_table.h"
 
 namespace quillet {
 
@@ -52,8 +52,8 @@ struct MESH_TYPE {
   std::int32_t quad4_count = 0;
   std::int32_t quad9_count = 0;
   std::int32_t mesh_part_count = 0;
-  LargeArray<MESH_NODE_TYPE> nodes;
-  LargeArray<MESH_ELEMENT_TYPE> elements;
+  ZeroedTable<MESH_NODE_TYPE> nodes;
+  ZeroedTable<MESH_ELEMENT_TYPE> elements;
   double x_minimum = std::numeric_limits<double>::max();
   double x_maximum = std::numeric_limits<double>::lowest();
   double y_minimum = std::numeric_limits<double>::max();

@@ -17,7 +17,6 @@
 #include <string_view>
 
 #include "mesh/mesh.h"
-#include "support/line_reader.h"
 
 namespace quillet {
 
@@ -49,34 +48,18 @@ constexpr std::array<std::size_t, 3> triangle_slots{0, 2, 1};
 constexpr std::array<std::size_t, 4> quad4_slots{0, 3, 2, 1};
 constexpr std::array<std::size_t, 9> quad9_slots{0, 4, 1, 5, 2, 6, 3, 7, 8};
 
-// Hands every line to `cards`: in place to take_quickly(text), which returns where it stopped in
-// the line, or null to leave a line that is out of the ordinary to take(line).
-template <typename Cards>
-void TAKE_LINES(LineReader& reader, Cards& cards) {
-  std::string_view line;
-  for (;;) {
-    const char* const text = reader.whole_line();
-    const char* const stop = text != nullptr ? cards.take_quickly(text) : nullptr;
-    if (stop != nullptr) {
-      reader.pass_line(stop);
-    } else if (reader.next(line)) {
-      cards.take(line);
-    } else {
-      return;
-    }
-  }
-}
-
 // Takes consecutive values. Both readings of a line, QuickValues and ListValues, will do.
 template <typename Values, typename... Results>
 [[gnu::always_inline]] inline bool TAKE(Values& values, Results&... results) {
   return (... && values.value(results));
 }
 
+// The beginning of an element card: its id, and its nodes in their slots.
 template <typename Values, std::size_t count>
 [[gnu::always_inline]] inline bool TAKE_NODES(Values& values,
                                               const std::array<std::size_t, count>& slots,
-                                              std::array<std::int32_t, 9>& nodes) {
+                                              std::int32_t& id, std::int32_t* nodes) {
+  if (!values.value(id)) return false;
   for (const std::size_t slot : slots) {
     if (!values.value(nodes[slot])) return false;
   }

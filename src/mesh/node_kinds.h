@@ -17,7 +17,7 @@ constexpr NodeKind centre_node{'C', ' '};
 constexpr NodeKind fv_node{'F', 'V'};
 
 // Marks the nodes of one element: nothing where its kind is unknown, or is 9 without nine nodes.
-inline void MARK_NODES_OF(const MESH_ELEMENT_TYPE& element, LargeArray<MESH_NODE_TYPE>& nodes) {
+inline void MARK_NODES_OF(const MESH_ELEMENT_TYPE& element, ZeroedTable<MESH_NODE_TYPE>& nodes) {
   const auto mark = [&](int first, int end, NodeKind kind) {
     for (int slot = first; slot < end; ++slot) nodes[element.nodes[slot] - 1].kind = kind;
   };

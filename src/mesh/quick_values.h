@@ -1,6 +1,6 @@
-// Quick reading of the values of an ordinary line: plain numbers with blanks between them. That is
-// how meshes are written, and reading them is mostly this loop over digits; the general reading
-// takes many times as long.
+// Quick reading of the values of an ordinary line: plain numbers, with or without an exponent, with
+// blanks, tabs or commas between them. That is how meshes are written, and reading them is mostly
+// this loop over digits; the general reading takes many times as long.
 #pragma once
 
 #include <array>
@@ -18,8 +18,8 @@ namespace quillet {
 // which decides.
 class QuickValues {
  public:
-  // The text must be followed by a line end or a CR.
-  explicit QuickValues(const char* text) : at(text) {}
+  // The text must be followed by a line end.
+  explicit QuickValues(const char* text) : first(text), at(text) {}
 
   // Just after the last value taken; null when what follows shows that the line is not ordinary.
   const char* end() const { return is_separator(*at) ? at : nullptr; }
@@ -29,10 +29,9 @@ class QuickValues {
 
   // Goes past what value(float&) would take, without working out what nobody wants to know.
   [[gnu::always_inline]] bool skip_real() {
-    Number number(at);
-    const std::size_t digits = number.take_decimal();
-    if (digits == 0) return false;
-    if (digits > most_decimal_digits || !is_blank_or_control(*number.place)) {
+    Number number(value_start());
+    if (!number.take_real()) return false;
+    if (!number.is_exact() || !may_follow(*number.place)) {
       float ignored = 0;
       return take_long(ignored);
     }
@@ -41,12 +40,12 @@ class QuickValues {
   }
 
   [[gnu::always_inline]] bool value(std::int32_t& result) {
-    Number number(at);
+    Number number(value_start());
     if (number.take_digits() - 1 >= most_integer_digits) return false;
     const auto size = static_cast<std::int32_t>(number.digits);
     result = number.is_negative ? -size : size;
     at = number.place;
-    return is_blank_or_control(*at);
+    return may_follow(*at);
   }
 
   [[gnu::always_inline]] bool value(std::int8_t& result) {
@@ -56,27 +55,35 @@ class QuickValues {
     return is_ordinary && result == number;
   }
 
-  bool code(std::array<char, 2>& result) {
-    while (*at == ' ') ++at;
-    if (!is_letter(at[0]) || !is_letter(at[1]) || !is_separator(at[2])) return false;
-    result = {at[0], at[1]};
-    at += 2;
+  // What is longer than two characters is not ordinary.
+  [[gnu::always_inline]] bool code(std::array<char, 2>& result) {
+    const char* const text = value_start();
+    const bool is_quoted = *text == '"' || *text == '\'';
+    const char* place = text + (is_quoted ? 1 : 0);
+    const auto ends = [&](char c) { return is_quoted ? c == *text : is_separator(c); };
+    if (*place < ' ' || ends(*place)) return false;
+    result = {*place++, ' '};
+    if (!ends(*place)) result[1] = *place++;
+    if (result[1] < ' ' || !ends(*place)) return false;
+    at = place + (is_quoted ? 1 : 0);
     return true;
   }
 
  private:
-  // So many digits always fit; a 64-bit real holds fifteen exactly.
+  // So many digits always fit.
   static constexpr std::size_t most_integer_digits = 9;
-  static constexpr std::size_t most_decimal_digits = 15;
-  static constexpr std::array<double, most_decimal_digits + 1> powers_of_ten{
-      1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  static constexpr std::size_t most_digits = 19;
+  // A 64-bit real holds whole numbers up to this one, and these powers of ten, exactly.
+  static constexpr std::uint64_t most_exact = std::uint64_t{1} << 53;
+  static constexpr std::array<double, 23> powers_of_ten{
+      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-  // A number being read, from the blanks before it. Its place in the text is its own, as a place in
-  // the object would be written to memory with every character.
+  // A number being read. Its place in the text is its own, as a place in the object would be
+  // written to memory with every character.
   struct Number {
-    [[gnu::always_inline]] explicit Number(const char* text) : place(text) {
-      while (*place == ' ') ++place;
-      is_negative = *place == '-';
+    [[gnu::always_inline]] explicit Number(const char* text)
+        : place(text), is_negative(*text == '-') {
       place += is_negative ? 1 : 0;
     }
 
@@ -94,43 +101,72 @@ class QuickValues {
       return count;
     }
 
-    // The same for digits with or without a decimal point.
-    [[gnu::always_inline]] std::size_t take_decimal() {
-      const std::size_t whole = take_digits();
-      if (*place != '.') return whole;
-      ++place;
-      decimals = take_digits();
-      return whole + decimals;
+    // Digits with or without a decimal point and an exponent; false without any digit.
+    [[gnu::always_inline]] bool take_real() {
+      digit_count = take_digits();
+      if (*place == '.') {
+        ++place;
+        const std::size_t decimals = take_digits();
+        digit_count += decimals;
+        exponent = -static_cast<int>(decimals);
+      }
+      if ((*place | 0x21) == 'e') take_exponent();  // E or D in either case
+      return digit_count != 0;
+    }
+
+    // An exponent that is none leaves the place where nothing may follow a number.
+    [[gnu::always_inline]] void take_exponent() {
+      const char* at = place + 1;
+      const bool is_minus = *at == '-';
+      at += is_minus || *at == '+' ? 1 : 0;
+      unsigned size = 0;
+      int length = 0;
+      for (unsigned digit = 0;
+           length < 4 && (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) < 10; ++at) {
+        size = size * 10 + digit;
+        ++length;
+      }
+      if (length == 0) return;
+      exponent += is_minus ? -static_cast<int>(size) : static_cast<int>(size);
+      place = at;
+    }
+
+    // Whether one multiplication or division gives the correctly rounded value.
+    [[gnu::always_inline]] bool is_exact() const {
+      return digit_count <= most_digits && digits <= most_exact && exponent + 22 >= 0 &&
+             exponent <= 22;
+    }
+
+    [[gnu::always_inline]] double size() const {
+      const auto whole = static_cast<double>(static_cast<std::int64_t>(digits));
+      return exponent <= 0 ? whole / powers_of_ten[static_cast<std::size_t>(-exponent)]
+                           : whole * powers_of_ten[static_cast<std::size_t>(exponent)];
     }
 
     const char* place;
     std::uint64_t digits = 0;
-    std::size_t decimals = 0;  // digits after the point
+    std::size_t digit_count = 0;
+    int exponent = 0;  // the value is digits * 10^exponent
     bool is_negative;
   };
 
-  // Whole numbers that are held exactly make one division give the correctly rounded value.
   template <typename Real>
   [[gnu::always_inline]] bool take_real(Real& result) {
-    Number number(at);
-    const std::size_t digits = number.take_decimal();
-    if (digits == 0) return false;
-    if (digits > most_decimal_digits || !is_blank_or_control(*number.place)) {
-      return take_long(result);
-    }
-    const double size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
-                        powers_of_ten[number.decimals];
+    Number number(value_start());
+    if (!number.take_real()) return false;
+    if (!number.is_exact() || !may_follow(*number.place)) return take_long(result);
+    const double size = number.size();
     if (std::is_same_v<Real, float> && is_midway(size)) return take_long(result);
     result = static_cast<Real>(number.is_negative ? -size : size);
     at = number.place;
     return true;
   }
 
-  // A number that begins with digits, with many of them or with an exponent.
+  // A number that begins with digits, with many of them or a large exponent.
   template <typename Real>
   [[gnu::always_inline]] bool take_long(Real& result) {
     Real value = 0;
-    const char* const stop = read_long(at, value);
+    const char* const stop = read_long(value_start(), value);
     if (stop == nullptr) return false;
     result = value;
     at = stop;
@@ -141,7 +177,6 @@ class QuickValues {
   // need not stand in memory for it.
   template <typename Real>
   [[gnu::noinline]] static const char* read_long(const char* text, Real& value) {
-    while (*text == ' ') ++text;
     const char* end = text;
     while (!is_separator(*end)) ++end;
     const auto [stop, error] = std::from_chars(text, end, value);
@@ -156,12 +191,28 @@ class QuickValues {
     return (bits & 0x1FFFFFFF) == 0x10000000;
   }
 
-  // Cheaper than the exact test, which only the last value needs: where another character than a
-  // blank follows, the next value cannot be read.
-  static bool is_blank_or_control(char c) { return static_cast<unsigned char>(c) <= ' '; }
-  static bool is_separator(char c) { return c == ' ' || c == '\n' || c == '\r'; }
-  static bool is_letter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+  // Where the next value starts, or something that is none: mostly after one blank.
+  [[gnu::always_inline]] const char* value_start() const {
+    const char* place = at;
+    place += *place == ' ' ? 1 : 0;
+    return *place <= ',' ? after_separators(place) : place;
+  }
 
+  [[gnu::always_inline]] const char* after_separators(const char* place) const {
+    while (is_blank(*place)) ++place;
+    if (*place != ',' || at == first) return place;
+    ++place;
+    while (is_blank(*place)) ++place;
+    return place;
+  }
+
+  // Cheaper than the exact test, which only the last value needs: where another character than a
+  // separator follows, the next value cannot be read.
+  static bool may_follow(char c) { return static_cast<unsigned char>(c) <= ' ' || c == ','; }
+  static bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+  static bool is_separator(char c) { return is_blank(c) || c == '\n' || c == ',' || c == '/'; }
+
+  const char* first;
   const char* at;
 };
 

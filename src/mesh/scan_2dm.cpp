@@ -5,8 +5,8 @@
 #include <limits>
 #include <string_view>
 
-#include "mesh/card_counts.h"
 #include "mesh/list_values.h"
+#include "mesh/mesh_cards.h"
 #include "mesh/mesh_messages.h"
 #include "support/console.h"
 #include "support/line_reader.h"
@@ -58,6 +58,27 @@ void scan_header(const InputUnit& unit, MESH_TYPE& mesh) {
   }
 }
 
+// Cards by kind, none of their values read.
+struct CardCounts {
+  std::int64_t nodes = 0;
+  std::int64_t triangles = 0;
+  std::int64_t quads4 = 0;
+  std::int64_t quads9 = 0;
+};
+
+CardCounts count_cards(const InputUnit& unit) {
+  CardCounts counts;
+  LineReader reader(unit, line_width);
+  for (std::string_view line; reader.next(line);) {
+    const MeshCard card = CARD_OF(line);
+    counts.nodes += card == MeshCard::node;
+    counts.triangles += card == MeshCard::triangle;
+    counts.quads4 += card == MeshCard::quad4;
+    counts.quads9 += card == MeshCard::quad9;
+  }
+  return counts;
+}
+
 std::int32_t table_size(const InputUnit& unit, std::int64_t count) {
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
   if (count > most) {
@@ -67,7 +88,7 @@ std::int32_t table_size(const InputUnit& unit, std::int64_t count) {
   return static_cast<std::int32_t>(count);
 }
 
-void store_counts(const InputUnit& unit, const CARD_COUNTS_TYPE& found, MESH_TYPE& mesh) {
+void store_counts(const InputUnit& unit, const CardCounts& found, MESH_TYPE& mesh) {
   mesh.node_count = table_size(unit, found.nodes);
   mesh.element_count = table_size(unit, found.triangles + found.quads4 + found.quads9);
   mesh.triangle_count = static_cast<std::int32_t>(found.triangles);
@@ -91,7 +112,7 @@ void SCAN_2DM_HEADER(const InputUnit& unit, MESH_TYPE& mesh) {
 }
 
 void SCAN_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
-  store_counts(unit, COUNT_CARDS(unit), mesh);
+  store_counts(unit, count_cards(unit), mesh);
   FINISH_2DM_SCAN(mesh);
 }
 

@@ -8,6 +8,12 @@
 
 namespace quillet {
 
+std::string_view LINE_AT(std::string_view text, std::size_t width) {
+  std::string_view line = text.substr(0, text.find('\n'));
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line.substr(0, width);
+}
+
 LineReader::LineReader(const InputUnit& input, std::size_t width, std::size_t block_bytes)
     : file(input), line_width(width), block_size(block_bytes) {
   // Not set to anything: most small files touch only a part of it.
@@ -16,8 +22,23 @@ LineReader::LineReader(const InputUnit& input, std::size_t width, std::size_t bl
 }
 
 bool LineReader::next(std::string_view& line) {
-  const char* const line_end = find_line_end(start);
-  return line_end != nullptr ? take(line_end, line) : next_beyond_block(line);
+  if (start == lines_end && !fetch_lines()) return false;
+  const std::string_view lines(block.get() + start, lines_end - start);
+  line = LINE_AT(lines, line_width);
+  start += lines.find('\n') + 1;
+  return true;
+}
+
+bool LineReader::next_lines(std::string_view& lines) {
+  if (start == lines_end && !fetch_lines()) return false;
+  lines = {block.get() + start, lines_end - start};
+  start = lines_end;
+  return true;
+}
+
+std::int64_t LineReader::bytes_left() const {
+  const std::int64_t beyond = file.size() - file_position;
+  return std::max<std::int64_t>(beyond, 0) + static_cast<std::int64_t>(filled - start);
 }
 
 void LineReader::rewind() {
@@ -27,13 +48,21 @@ void LineReader::rewind() {
   file_position = 0;
 }
 
-void LineReader::pass_all() {
-  rewind();
-  file_position = file.size();
-}
-
-const char* LineReader::find_line_end(std::size_t from) const {
-  return static_cast<const char*>(std::memchr(block.get() + from, '\n', filled - from));
+// Goes on to the lines that follow those in the block; false at the end of the file. Of a line
+// longer than the block only the part that counts is kept.
+bool LineReader::fetch_lines() {
+  do {
+    const std::size_t rest = filled - start;
+    filled = rest < block_size ? rest : line_width;
+    std::memmove(block.get(), block.get() + start, filled);
+    start = 0;
+    lines_end = 0;
+    if (refill() == 0) {
+      if (filled > 0) block[filled++] = '\n';
+      lines_end = filled;
+    }
+  } while (lines_end == 0 && filled > 0);
+  return lines_end > 0;
 }
 
 // Adds to the block what there is room for. Returns how many bytes that were; 0 only at the end of
@@ -45,31 +74,6 @@ std::size_t LineReader::refill() {
   filled += static_cast<std::size_t>(got);
   lines_end = std::string_view(block.get(), filled).rfind('\n') + 1;  // 0 without any
   return static_cast<std::size_t>(got);
-}
-
-// The next line begins in the block and does not end in it. Of a line longer than the block only
-// the part that will be shown is kept.
-bool LineReader::next_beyond_block(std::string_view& line) {
-  for (;;) {
-    const std::size_t kept = std::min(filled - start, line_width);
-    std::memmove(block.get(), block.get() + start, kept);
-    start = 0;
-    filled = kept;
-    if (refill() == 0) break;
-    const char* const line_end = find_line_end(kept);
-    if (line_end != nullptr) return take(line_end, line);
-  }
-  if (filled == 0) return false;
-  block[filled] = '\n';
-  return take(block.get() + filled++, line);
-}
-
-bool LineReader::take(const char* line_end, std::string_view& line) {
-  const char* const first = block.get() + start;
-  start = static_cast<std::size_t>(line_end - block.get()) + 1;
-  if (line_end > first && line_end[-1] == '\r') --line_end;
-  line = {first, std::min(static_cast<std::size_t>(line_end - first), line_width)};
-  return true;
 }
 
 }  // namespace quillet

@@ -11,6 +11,10 @@
 
 namespace quillet {
 
+// The line at the start of a text: without its line end (LF or CR LF), and cut to `width`
+// characters.
+std::string_view LINE_AT(std::string_view text, std::size_t width);
+
 class LineReader {
  public:
   static constexpr std::size_t usual_block_size = std::size_t{256} << 10;
@@ -20,31 +24,23 @@ class LineReader {
   LineReader(const InputUnit& input, std::size_t width, std::size_t block = usual_block_size);
 
   // The next line without its line end (LF or CR LF); the last line of the file may lack one. False
-  // at the end of the file. The characters stay until the next call, and the one after the last may
-  // be looked at too: it is a line end, unless the line was cut.
+  // at the end of the file. The characters stay until the next call.
   bool next(std::string_view& line);
 
-  // The next line where it stands, when the block holds all of it, with its line end and without
-  // any cut; else null.
-  const char* whole_line() const { return start < lines_end ? block.get() + start : nullptr; }
+  // All lines that the block holds, at least one, each with its line end (see LINE_AT): the last
+  // line of the file is given one, and of a line longer than the block a part is missing that lies
+  // beyond the width. False at the end of the file. The characters stay until the next call.
+  bool next_lines(std::string_view& lines);
 
-  // Goes past the line that whole_line() gave. `place` is any character of it or its line end.
-  void pass_line(const char* place) {
-    if (*place != '\n') place = find_line_end(static_cast<std::size_t>(place - block.get()));
-    start = static_cast<std::size_t>(place - block.get()) + 1;
-  }
+  // Bytes of the file that no call has handed out.
+  std::int64_t bytes_left() const;
 
   // Back to the first line.
   void rewind();
 
-  // Goes to the end of the file.
-  void pass_all();
-
  private:
-  const char* find_line_end(std::size_t from) const;
+  bool fetch_lines();
   std::size_t refill();
-  bool next_beyond_block(std::string_view& line);
-  bool take(const char* line_end, std::string_view& line);
 
   const InputUnit& file;
   std::size_t line_width;
@@ -52,7 +48,7 @@ class LineReader {
   std::unique_ptr<char[]> block;  // block_size bytes and one for a line end at the end of the file
   std::size_t start = 0;          // of the next line in the block
   std::size_t filled = 0;
-  std::size_t lines_end = 0;       // just after the last line end in the block
+  std::size_t lines_end = 0;       // just after the last line end in the block, or at the start
   std::int64_t file_position = 0;  // just after what is in the block
 };
 

@@ -61,8 +61,8 @@ MESH_TYPE naive_mesh(const std::string& text, const Cards& cards) {
   const std::vector<int> slots[10] = {{}, {}, {}, {0, 2, 1}, {0, 3, 2, 1},
                                       {}, {}, {}, {},        {0, 4, 1, 5, 2, 6, 3, 7, 8}};
   MESH_TYPE mesh;
-  mesh.nodes.resize(cards.nodes.size());
-  mesh.elements.resize(cards.elements.size());
+  mesh.nodes.grow(cards.nodes.size());
+  mesh.elements.grow(cards.elements.size());
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     std::istringstream values(line);
@@ -99,15 +99,13 @@ MESH_TYPE naive_mesh(const std::string& text, const Cards& cards) {
   return mesh;
 }
 
-bool is_read_at_once(const std::string& path, std::int32_t nodes, std::int32_t cells) {
+bool is_read_at_once(const std::string& path, Count nodes, Count cells) {
   const InputUnit unit(path);
   MESH_TYPE mesh;
   bool is_read = false;
   test::console_of_returning([&] {
     SCAN_2DM_HEADER(unit, mesh);
-    mesh.node_count = nodes;
-    mesh.element_count = cells;
-    is_read = READ_2DM_AT_ONCE(unit, mesh);
+    is_read = READ_2DM_AT_ONCE(unit, {nodes, cells}, mesh);
   });
   return is_read;
 }
@@ -158,11 +156,106 @@ TEST_P(LoadedMeshes, hold_what_the_text_states_whichever_way_they_are_read) {
   EXPECT_EQ(console, expect_naive(std::nullopt));
   EXPECT_EQ(console.find("Element:   10000\n") == std::string::npos, nine_nodes);
   EXPECT_TRUE(is_read_at_once(path, node_count, cell_count));
+  EXPECT_TRUE(is_read_at_once(path, std::nullopt, std::nullopt));
 }
 
 INSTANTIATE_TEST_SUITE_P(Orders, LoadedMeshes,
                          ::testing::Combine(::testing::Bool(), ::testing::Bool(), ::testing::Bool(),
                                             ::testing::Bool()));
+
+// A form changes how a line is written, not what it states.
+struct LineForm {
+  std::string name;
+  std::string (*write)(const std::string& line);
+};
+class WrittenForms : public ::testing::TestWithParam<LineForm> {};
+
+// Between the values; the card's name keeps its blank.
+std::string with_separator(const std::string& line, const std::string& separator) {
+  const std::size_t values = line.find(' ') + 1;
+  std::string result = line.substr(0, values);
+  for (const char c : line.substr(values)) result += c == ' ' ? separator : std::string(1, c);
+  return result;
+}
+
+// The coordinates and the elevation of a node in another style.
+std::string with_reals(const std::string& line, fmt::format_string<double> style) {
+  if (!line.starts_with("ND")) return line;
+  std::istringstream words(line);
+  std::string result;
+  int place = 0;
+  for (std::string word; words >> word; ++place) {
+    const bool is_point = place >= 2 && place <= 4;
+    result += (is_point ? fmt::format(style, std::stod(word)) : word) + ' ';
+  }
+  return result;
+}
+
+std::string with_code(const std::string& line, std::string (*write)(const std::string&)) {
+  const std::size_t start = line.rfind(' ') + 1;
+  return line.starts_with("E3T") ? line.substr(0, start) + write(line.substr(start)) : line;
+}
+
+TEST_P(WrittenForms, are_read_at_once_and_state_the_same) {
+  std::mt19937 random(23);
+  const Cards cards = grid_cards(40, false, random);
+  std::string plain = test::header_line(90);
+  std::string written = plain;
+  for (const auto* lines : {&cards.nodes, &cards.elements}) {
+    for (const std::string& line : *lines) {
+      plain += line + "\n";
+      written += GetParam().write(line) + "\n";
+    }
+  }
+  const MESH_TYPE naive = naive_mesh(plain, cards);
+  MESH_TYPE mesh;
+  const std::string path = test::text_file("form.2dm", written);
+  test::console_of_returning([&] { LOAD_MESH(path, std::nullopt, std::nullopt, mesh); });
+  const auto node_values = [](const MESH_NODE_TYPE& n) {
+    return std::tuple(n.x, n.y, n.z, n.further, n.kind, n.elevation_flag);
+  };
+  const auto corners = [](const MESH_ELEMENT_TYPE& e) {
+    return std::tuple(e.kind, e.nodes, e.material, e.further, e.byte, e.code[0]);
+  };
+  EXPECT_TRUE(std::ranges::equal(mesh.nodes, naive.nodes, {}, node_values, node_values));
+  EXPECT_TRUE(std::ranges::equal(mesh.elements, naive.elements, {}, corners, corners));
+  EXPECT_TRUE(is_read_at_once(path, std::nullopt, std::nullopt));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, WrittenForms,
+    ::testing::Values(
+        LineForm{"tabs", [](const std::string& line) { return with_separator(line, "\t"); }},
+        LineForm{"commas", [](const std::string& line) { return with_separator(line, ","); }},
+        LineForm{"columns", [](const std::string& line) { return with_separator(line, "     "); }},
+        LineForm{"mixed", [](const std::string& line) { return with_separator(line, " ,\t "); }},
+        LineForm{"cr_lf", [](const std::string& line) { return line + "\r"; }},
+        LineForm{"exponents", [](const std::string& line) { return with_reals(line, "{:.12E}"); }},
+        LineForm{"long_exponents",
+                 [](const std::string& line) { return with_reals(line, "{:.18e}"); }},
+        LineForm{"long_decimals",
+                 [](const std::string& line) { return with_reals(line, "{:.14f}"); }},
+        LineForm{"fortran_exponents",
+                 [](const std::string& line) {
+                   std::string result = with_reals(line, "{:.9E}");
+                   std::replace(result.begin() + 1, result.end(), 'E',
+                                line.starts_with("ND") ? 'D' : 'E');
+                   return result;
+                 }},
+        LineForm{"one_letter_codes",
+                 [](const std::string& line) {
+                   return with_code(line,
+                                    [](const std::string& code) { return code.substr(0, 1); });
+                 }},
+        LineForm{"quoted_codes",
+                 [](const std::string& line) {
+                   return with_code(line, [](const std::string& code) { return "'" + code + "'"; });
+                 }},
+        LineForm{"long_codes",
+                 [](const std::string& line) {
+                   return with_code(line, [](const std::string& code) { return code + "W"; });
+                 }}),
+    [](const auto& form) { return form.param.name; });
 
 // Five nodes and two elements are expected; the last lines decide.
 struct LastLines {

@@ -41,7 +41,28 @@ TEST(Read2dmElevations, files_of_another_mesh_and_bad_lines_end_the_run) {
        {"ND 1 0 0", "ND -1 0 0 0", "E3T 1 1 2", "E3T 1 1 2 4", "E3T 0 1 2 3"}) {
     EXPECT_EQ(console_of_reading(line, 3, 1), on_line + line + "\n" + close);
   }
-  EXPECT_NE(console_of_reading(cards + "ND 1 0 0 0\n", 3, 3).find("found node 1 again"),
+}
+
+// Whether the number of elements is known or not: their cards are read.
+TEST(Read2dmElevations, ids_that_stand_twice_and_bad_elements_end_the_run) {
+  for (const std::optional<std::int32_t> cells :
+       {std::optional(3), std::optional<std::int32_t>()}) {
+    EXPECT_NE(console_of_reading(cards + "ND 1 0 0 0\n", 3, cells)
+                  .find(": expected every node id once, found node 1 again\n"),
+              std::string::npos);
+    EXPECT_NE(console_of_reading(cards + "E3T 2 1 2 3\n", 3, cells)
+                  .find(": expected every element id once, found element 2 again\n"),
+              std::string::npos);
+    for (const std::string line : {"E3T 3 1 2", "E4Q 3 1 2 3", "E4Q 3 1 2 3 0", "E3T 3 1 2 4",
+                                   "E4Q 3 1 2 3 x", "E3T 0 1 2 3", "E3T -1 1 2 3"}) {
+      EXPECT_NE(console_of_reading(cards + line, 3, cells).find("\n" + line + "\n"),
+                std::string::npos)
+          << line;
+    }
+  }
+  const auto far = std::to_string(2147483647);
+  const std::string twice = "E3T " + far + " 1 2 3\nE3T " + far + " 1 2 3\n";
+  EXPECT_NE(console_of_reading(cards + twice, 3, std::nullopt).find("found element " + far),
             std::string::npos);
 }
 

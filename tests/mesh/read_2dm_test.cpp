@@ -5,7 +5,6 @@
 #include <random>
 #include <string>
 
-#include "mesh/card_counts.h"
 #include "mesh/load_mesh.h"
 #include "mesh/node_kinds.h"
 #include "mesh_test_files.h"
@@ -174,26 +173,6 @@ TEST(Read2dm, files_cut_anywhere_and_damaged_files_end_in_order) {
       damaged[90 + random() % (text.size() - 90)] = static_cast<char>(random() % 256);
     console_of_loading(damaged);
   }
-}
-
-TEST(CountCards, agrees_with_a_look_at_every_line_across_blocks) {
-  std::mt19937 random(3);
-  std::string text((std::size_t{5} << 19) + 17, ' ');
-  for (char& c : text) c = "\nNDE349TQ"[random() % 9];
-  text += "\nE9Q";
-  const auto lines_with = [&](const std::string& card) {
-    int count = 0;
-    for (auto at = text.find("\n" + card); at != text.npos; at = text.find("\n" + card, at + 1)) {
-      ++count;
-    }
-    return count;
-  };
-  const auto found = COUNT_CARDS(InputUnit(test::text_file("cards.2dm", text)));
-  EXPECT_GT(found.quads9, 100);
-  EXPECT_EQ(found.nodes, lines_with("ND"));
-  EXPECT_EQ(found.triangles, lines_with("E3T"));
-  EXPECT_EQ(found.quads4, lines_with("E4Q"));
-  EXPECT_EQ(found.quads9, lines_with("E9Q"));
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ std::string mesh(const std::vector<std::string>& beds) {
   std::string text = "MESH2D\n";
   int id = 0;
   for (const std::string& z : beds) text += "ND " + std::to_string(++id) + " 0 0 " + z + "\n";
-  return text + "E3T 1 1 2 3 1\n";
+  return text + "E3T 1 1 2 1 1\n";
 }
 
 constexpr DatShape two_nodes{2, 1};
@@ -93,6 +93,18 @@ INSTANTIATE_TEST_SUITE_P(
                          {"b_h.dat", ones}}))
             .gives(DAT_FILE(two_nodes, "diff_a_h - b_h", {{1, {1}, {-8, -99}}}))
             .says("WARNING - Did not read an elevation for all nodes from .2dm file."),
+        dif("an element of the mesh that cannot be read ends the run", "a_h.dat b_h.dat",
+            WITH(bed_0, {{"b.2dm", mesh({"0", "0"}) + "E4Q 2 1 2 1\n"},
+                         {"a_h.dat", ones},
+                         {"b_h.dat", ones}}))
+            .says("ERROR - Reading .2dm file from following line in .2dm file")
+            .says("E4Q 2 1 2 1"),
+        dif("so does one whose id another has", "a_h.dat b_h.dat",
+            WITH(bed_0, {{"b.2dm", mesh({"0", "0"}) + "E4Q 1 1 2 1 2 1\n"},
+                         {"a_h.dat", ones},
+                         {"b_h.dat", ones}}))
+            .says("ERROR - Reading file \"b.2dm\": expected every element id once, found element 1 "
+                  "again"),
         dif("a mesh of more nodes does not belong to the results", "a_h.dat b_h.dat",
             WITH(bed_0, {{"a.2dm", bed_10}, {"a_h.dat", ones}, {"b_h.dat", ones}}))
             .says("ERROR - .2dm file is incompatible with .dat file whilst reading node "
