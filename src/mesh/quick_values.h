@@ -30,10 +30,9 @@ class QuickValues {
   // Goes past what value(float&) would take, without working out what nobody wants to know.
   [[gnu::always_inline]] bool skip_real() {
     Number number(value_start());
-    if (!number.take_real()) return false;
-    if (!number.is_exact() || !may_follow(*number.place)) {
+    if (!number.take_short_decimal()) {
       float ignored = 0;
-      return take_long(ignored);
+      return take_other(ignored);
     }
     at = number.place;
     return true;
@@ -73,6 +72,8 @@ class QuickValues {
   // So many digits always fit.
   static constexpr std::size_t most_integer_digits = 9;
   static constexpr std::size_t most_digits = 19;
+  // So many digits make a whole number that a 64-bit real holds exactly.
+  static constexpr std::size_t most_decimal_digits = 15;
   // A 64-bit real holds whole numbers up to this one, and these powers of ten, exactly.
   static constexpr std::uint64_t most_exact = std::uint64_t{1} << 53;
   static constexpr std::array<double, 23> powers_of_ten{
@@ -101,21 +102,25 @@ class QuickValues {
       return count;
     }
 
-    // Digits with or without a decimal point and an exponent; false without any digit.
-    [[gnu::always_inline]] bool take_real() {
+    // Digits with or without a decimal point.
+    [[gnu::always_inline]] void take_decimal() {
       digit_count = take_digits();
-      if (*place == '.') {
-        ++place;
-        const std::size_t decimals = take_digits();
-        digit_count += decimals;
-        exponent = -static_cast<int>(decimals);
-      }
-      if ((*place | 0x21) == 'e') take_exponent();  // E or D in either case
-      return digit_count != 0;
+      if (*place != '.') return;
+      ++place;
+      const std::size_t decimals = take_digits();
+      digit_count += decimals;
+      exponent = -static_cast<int>(decimals);
+    }
+
+    // The same; false when there is more or less to the number than a few digits.
+    [[gnu::always_inline]] bool take_short_decimal() {
+      take_decimal();
+      return digit_count - 1 < most_decimal_digits && may_follow(*place);
     }
 
     // An exponent that is none leaves the place where nothing may follow a number.
-    [[gnu::always_inline]] void take_exponent() {
+    void take_exponent() {
+      if ((*place | 0x21) != 'e') return;  // E or D in either case
       const char* at = place + 1;
       const bool is_minus = *at == '-';
       at += is_minus || *at == '+' ? 1 : 0;
@@ -132,12 +137,12 @@ class QuickValues {
     }
 
     // Whether one multiplication or division gives the correctly rounded value.
-    [[gnu::always_inline]] bool is_exact() const {
+    bool is_exact() const {
       return digit_count <= most_digits && digits <= most_exact && exponent + 22 >= 0 &&
              exponent <= 22;
     }
 
-    [[gnu::always_inline]] double size() const {
+    double size() const {
       const auto whole = static_cast<double>(static_cast<std::int64_t>(digits));
       return exponent <= 0 ? whole / powers_of_ten[static_cast<std::size_t>(-exponent)]
                            : whole * powers_of_ten[static_cast<std::size_t>(exponent)];
@@ -153,20 +158,20 @@ class QuickValues {
   template <typename Real>
   [[gnu::always_inline]] bool take_real(Real& result) {
     Number number(value_start());
-    if (!number.take_real()) return false;
-    if (!number.is_exact() || !may_follow(*number.place)) return take_long(result);
-    const double size = number.size();
-    if (std::is_same_v<Real, float> && is_midway(size)) return take_long(result);
+    if (!number.take_short_decimal()) return take_other(result);
+    const double size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
+                        powers_of_ten[static_cast<std::size_t>(-number.exponent)];
+    if (std::is_same_v<Real, float> && is_midway(size)) return take_other(result);
     result = static_cast<Real>(number.is_negative ? -size : size);
     at = number.place;
     return true;
   }
 
-  // A number that begins with digits, with many of them or a large exponent.
+  // A number with many digits or with an exponent.
   template <typename Real>
-  [[gnu::always_inline]] bool take_long(Real& result) {
+  [[gnu::always_inline]] bool take_other(Real& result) {
     Real value = 0;
-    const char* const stop = read_long(value_start(), value);
+    const char* const stop = read_other(value_start(), value);
     if (stop == nullptr) return false;
     result = value;
     at = stop;
@@ -176,7 +181,21 @@ class QuickValues {
   // Where the number ends; null when it cannot be read. A function of its own, so that the object
   // need not stand in memory for it.
   template <typename Real>
-  [[gnu::noinline]] static const char* read_long(const char* text, Real& value) {
+  [[gnu::noinline]] static const char* read_other(const char* text, Real& value) {
+    Number number(text);
+    number.take_decimal();
+    number.take_exponent();
+    if (number.digit_count == 0) return nullptr;
+    if (number.is_exact() && may_follow(*number.place)) {
+      const double size = number.size();
+      value = static_cast<Real>(number.is_negative ? -size : size);
+      if (!std::is_same_v<Real, float> || !is_midway(size)) return number.place;
+    }
+    return read_by_library(text, value);
+  }
+
+  template <typename Real>
+  static const char* read_by_library(const char* text, Real& value) {
     const char* end = text;
     while (!is_separator(*end)) ++end;
     const auto [stop, error] = std::from_chars(text, end, value);
@@ -194,13 +213,13 @@ class QuickValues {
   // Where the next value starts, or something that is none: mostly after one blank.
   [[gnu::always_inline]] const char* value_start() const {
     const char* place = at;
-    place += *place == ' ' ? 1 : 0;
-    return *place <= ',' ? after_separators(place) : place;
+    place += *place == ' ' || *place == '\t' ? 1 : 0;
+    return *place <= ',' ? after_separators(place, at != first) : place;
   }
 
-  [[gnu::always_inline]] const char* after_separators(const char* place) const {
+  [[gnu::noinline]] static const char* after_separators(const char* place, bool may_be_comma) {
     while (is_blank(*place)) ++place;
-    if (*place != ',' || at == first) return place;
+    if (*place != ',' || !may_be_comma) return place;
     ++place;
     while (is_blank(*place)) ++place;
     return place;
