@@ -4,7 +4,7 @@
 //     mesh_speed scanned FILE      LOAD_MESH without any, as where results do not tell them
 //     mesh_speed elevations FILE   READ_2DM_ELEVATIONS with the counts of the file
 //
-// Seconds and MB/s go to standard error, the readers' own lines to standard output.
+// Seconds and MB/s go to standard error.
 
 #include <algorithm>
 #include <chrono>
