@@ -121,19 +121,20 @@ class QuickValues {
     // An exponent that is none leaves the place where nothing may follow a number.
     void take_exponent() {
       if ((*place | 0x21) != 'e') return;  // E or D in either case
-      const char* at = place + 1;
-      const bool is_minus = *at == '-';
-      at += is_minus || *at == '+' ? 1 : 0;
+      const char* digit_at = place + 1;
+      const bool is_minus = *digit_at == '-';
+      digit_at += is_minus || *digit_at == '+' ? 1 : 0;
       unsigned size = 0;
       int length = 0;
       for (unsigned digit = 0;
-           length < 4 && (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) < 10; ++at) {
+           length < 4 && (digit = static_cast<unsigned char>(*digit_at) - unsigned{'0'}) < 10;
+           ++digit_at) {
         size = size * 10 + digit;
         ++length;
       }
       if (length == 0) return;
       exponent += is_minus ? -static_cast<int>(size) : static_cast<int>(size);
-      place = at;
+      place = digit_at;
     }
 
     // Whether one multiplication or division gives the correctly rounded value.
