@@ -2,7 +2,8 @@
 
 namespace quillet {
 
-// --help: the usage text, then every operation with its page, then our own options.
+// --help: the usage text, then every operation with its page, the options that the usage leaves
+// out, then our own.
 void PRINT_HELP();
 
 }  // namespace quillet

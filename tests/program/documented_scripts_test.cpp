@@ -1,4 +1,5 @@
-// The blocks of shell commands on the page about scripts, each in an example model of its own.
+// The blocks of shell commands on the first page and on that about scripts, each in an example
+// model of its own.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -28,9 +29,7 @@ std::vector<std::string> blocks_of(const std::string& page) {
   return blocks;
 }
 
-TEST(DocumentedScripts, RunAsTheyStand) {
-  const auto blocks = blocks_of(tests_folder + "/../docs/scripting.md");
-  EXPECT_GT(blocks.size(), 8U);
+void expect_to_run(const std::vector<std::string>& blocks) {
   for (const std::string& block : blocks) {
     SCOPED_TRACE(block);
     const Workspace folder;
@@ -45,6 +44,18 @@ TEST(DocumentedScripts, RunAsTheyStand) {
         << folder.read("console.txt");
     EXPECT_FALSE(folder.has("failed.txt"));
   }
+}
+
+TEST(DocumentedScripts, RunAsTheyStand) {
+  const auto blocks = blocks_of(tests_folder + "/../docs/scripting.md");
+  EXPECT_GT(blocks.size(), 8U);
+  expect_to_run(blocks);
+}
+
+TEST(DocumentedFirstSteps, RunAsTheyStand) {
+  const auto blocks = blocks_of(tests_folder + "/../docs/index.md");
+  EXPECT_EQ(blocks.size(), 3U);
+  expect_to_run(blocks);
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ TEST(Help, IsTheUsageThenEveryOperationThenOurOptions) {
   for (const std::string line :
        {"     -max       maximum                            docs/operations/max-min.md",
         "     -xnfo      XMDF information                   docs/operations/xnfo.md",
+        "     -2dm <mesh>            names the mesh of all inputs",
         "  Options with two dashes:", "     --version              shows the version"}) {
     EXPECT_TRUE(help.has_line(line)) << line;
   }
