@@ -135,7 +135,8 @@ void XmdfSink::write(double time, const RES_TYPE& record) {
     SAY("WARNING - No vectors at time " + AREAL(static_cast<float>(time)) + ", not written.");
     return;
   }
-  if (record.is_vector && !vector_dataset) FAIL_WRITING(file_name, VECTORS_AFTER_SCALARS(time));
+  if (record.is_vector && !vector_dataset)
+    FAIL_WRITING(file_name, VECTORS_AFTER_SCALARS(static_cast<float>(time)));
   const auto count = static_cast<std::size_t>(record.node_count);
   if (record.is_vector) {
     const XfRange range = prepare_vectors(record);
