@@ -8,6 +8,14 @@
 
 namespace quillet::testing {
 
+// The sanitizer makes calls of its own, before and after the program's: which of all calls is to
+// fail cannot be told then.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool can_inject_faults = false;
+#else
+constexpr bool can_inject_faults = true;
+#endif
+
 struct WritingRun {
   std::string name;
   std::string arguments;
