@@ -230,7 +230,8 @@ TEST_F(EnsightExport, OutputTimesArePlainDecimalsAndWarnWhereTheyDoNotAscend) {
 }
 
 TEST_F(EnsightExport, TimesOfXmdfFilesHave64Bits) {
-  MAKE_XMDF(folder, "a.xmdf", {{"a/Temporal/d", shape, {{0, all_wet, ones}, {0.1F, {}, ones}}}});
+  MAKE_XMDF(folder, "a.xmdf",
+            {{"a/Temporal/d", shape, {{0, all_wet, ones}, {0.1F, all_wet, ones}}}});
   exported("a.xmdf");
   EXPECT_NE(folder.read("out.case").find("time values:\n0\n0.10000000149011612\n"),
             std::string::npos);
