@@ -30,14 +30,14 @@ XmdfResults::FOLDER_TYPE XmdfResults::make_folder(const std::string& name, int t
   return made;
 }
 
-XfDataset XmdfResults::make_dataset(const XfFolder& folder, const std::string& name,
-                                    const char* units, int times, bool vector) {
+XfDatasetWriter XmdfResults::make_dataset(const XfFolder& folder, const std::string& name,
+                                          const char* units, int times, bool vector) {
   XfDatasetOptions options;
   options.units = units;
   options.compression = storage_.compression;
   options.expected_times = times;
   options.times_per_chunk = times == 1 ? 1 : storage_.times_per_chunk;
-  XfDataset dataset;
+  XfDatasetWriter dataset;
   check(vector ? XF_CREATE_VECTOR_DATASET(folder, name, options, dataset)
                : XF_CREATE_SCALAR_DATASET(folder, name, options, dataset));
   return dataset;
@@ -53,7 +53,7 @@ void XmdfResults::write_maps(const FOLDER_TYPE& folder, float hours, const RESUL
   for (std::size_t i = 0; i < points; ++i) {
     speed_[i] = magnitude(maps.velocity[2 * i], maps.velocity[2 * i + 1]);
   }
-  const XfRange speeds = xf_range_of(speed_.data(), points);
+  const XfRange speeds = XF_RANGE_OF(speed_.data(), points);
   write_scalar(folder.level, hours, maps.level, maps.wet);
   write_scalar(folder.depth, hours, maps.depth, maps.wet);
   check(XF_WRITE_VECTOR_TIMESTEP(folder.vectors, hours, maps.velocity, speeds));
@@ -61,11 +61,11 @@ void XmdfResults::write_maps(const FOLDER_TYPE& folder, float hours, const RESUL
   write_scalar(folder.speed, hours, speed_, maps.wet);
 }
 
-void XmdfResults::write_scalar(const XfDataset& dataset, float hours,
+void XmdfResults::write_scalar(const XfDatasetWriter& dataset, float hours,
                                const std::vector<float>& values,
                                const std::vector<std::int8_t>& wet) {
   check(
-      XF_WRITE_SCALAR_TIMESTEP(dataset, hours, values, xf_range_of(values.data(), values.size())));
+      XF_WRITE_SCALAR_TIMESTEP(dataset, hours, values, XF_RANGE_OF(values.data(), values.size())));
   check(XF_WRITE_ACTIVITY_TIMESTEP(dataset, wet));
 }
 
@@ -93,13 +93,14 @@ void XmdfResults::write_extremes(const std::string& folder, float hours,
 void XmdfResults::write_special_time(const XfFolder& folder, const std::string& name,
                                      const std::vector<float>& values,
                                      const std::vector<std::int8_t>& wet) {
-  XfDataset dataset = make_dataset(folder, name, "h", 1);
+  XfDatasetWriter dataset = make_dataset(folder, name, "h", 1);
   write_scalar(dataset, special_time, values, wet);
   check(XF_CLOSE_GROUP(dataset));
 }
 
 void XmdfResults::close_folder(FOLDER_TYPE& folder) {
-  for (XfDataset* const dataset : {&folder.level, &folder.depth, &folder.vectors, &folder.speed}) {
+  for (XfDatasetWriter* const dataset :
+       {&folder.level, &folder.depth, &folder.vectors, &folder.speed}) {
     check(XF_CLOSE_GROUP(*dataset));
   }
   check(XF_CLOSE_GROUP(folder.folder));

@@ -30,17 +30,17 @@ class XmdfResults {
  private:
   struct FOLDER_TYPE {
     XfFolder folder;
-    XfDataset level;
-    XfDataset depth;
-    XfDataset vectors;
-    XfDataset speed;
+    XfDatasetWriter level;
+    XfDatasetWriter depth;
+    XfDatasetWriter vectors;
+    XfDatasetWriter speed;
   };
 
   FOLDER_TYPE make_folder(const std::string& name, int times);
-  XfDataset make_dataset(const XfFolder& folder, const std::string& name, const char* units,
-                         int times, bool vector = false);
+  XfDatasetWriter make_dataset(const XfFolder& folder, const std::string& name, const char* units,
+                               int times, bool vector = false);
   void write_maps(const FOLDER_TYPE& folder, float hours, const RESULT_MAPS_TYPE& maps);
-  void write_scalar(const XfDataset& dataset, float hours, const std::vector<float>& values,
+  void write_scalar(const XfDatasetWriter& dataset, float hours, const std::vector<float>& values,
                     const std::vector<std::int8_t>& wet);
   void write_extremes(const std::string& folder, float hours, const RESULT_MAPS_TYPE& maps);
   void write_special_time(const XfFolder& folder, const std::string& name,

@@ -84,7 +84,8 @@ std::string xmdf_dataset_name(const std::string& input, const InputType& type,
 }
 
 // Two scalars and vectors of one code would share a file: the scalar is the magnitude.
-bool is_magnitude(const ResultDataset& dataset, const std::string& code, const Datasets& all) {
+bool is_magnitude(const ResultDataset& dataset, const std::string& code,
+                  const ResultDatasets& all) {
   if (dataset.is_vector()) return false;
   return std::any_of(all.begin(), all.end(), [&](const auto& other) {
     return other->is_vector() && ASAME(code_of(other->name()), code);
@@ -93,7 +94,7 @@ bool is_magnitude(const ResultDataset& dataset, const std::string& code, const D
 
 // What stands between the input's name and the extension; empty for a dataset of no known type.
 std::string dat_suffix(const ResultDataset& dataset, bool is_selected_by_itself,
-                       const Datasets& all) {
+                       const ResultDatasets& all) {
   if (is_selected_by_itself) return "_" + fit_for_file_name(dataset.name());
   const std::string code = code_of(dataset.name());
   if (code.empty()) return "";
@@ -103,7 +104,7 @@ std::string dat_suffix(const ResultDataset& dataset, bool is_selected_by_itself,
 struct DatPlan {
   const std::string& input;
   bool is_selected_by_itself;
-  const Datasets& all;
+  const ResultDatasets& all;
   std::vector<ConversionTarget> targets;
 
   ConversionTarget& target_named(const std::string& name) {
@@ -155,7 +156,7 @@ struct DatPlan {
 }  // namespace
 
 ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& type,
-                                  const Datasets& datasets) {
+                                  const ResultDatasets& datasets) {
   const std::string name = FILENAMEPATH(input) + EXTENSION_OF(FileKind::xmdf);
   ConversionTarget target{FileKind::xmdf, name, group_of(input), {}};
   for (const auto& dataset : datasets) {
@@ -171,7 +172,7 @@ ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& typ
 }
 
 std::vector<ConversionTarget> PLAN_DAT_TARGETS(const std::string& input, bool is_selected_by_itself,
-                                               const Datasets& datasets) {
+                                               const ResultDatasets& datasets) {
   constexpr std::array others{DatasetKind::minimum, DatasetKind::special_times, DatasetKind::fixed,
                               DatasetKind::other};
   DatPlan plan{input, is_selected_by_itself, datasets, {}};

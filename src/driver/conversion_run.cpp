@@ -16,7 +16,7 @@ namespace {
 struct Conversion {
   ResultSource* source = nullptr;
   std::string mesh_file;
-  Datasets datasets;
+  ResultDatasets datasets;
   std::vector<ConversionTarget> targets;
 };
 
@@ -70,7 +70,7 @@ void check_targets(const RunSetup& setup, const std::vector<Conversion>& convers
   }
 }
 
-bool has_vectors(const Datasets& datasets) {
+bool has_vectors(const ResultDatasets& datasets) {
   return std::any_of(datasets.begin(), datasets.end(),
                      [](const auto& dataset) { return dataset->is_vector(); });
 }

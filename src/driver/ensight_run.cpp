@@ -32,25 +32,25 @@ std::size_t count_inputs_in_use(const RunSetup& setup) {
 }  // namespace
 
 void EXPORT_INPUTS_TO_ENSIGHT(RunSetup& setup) {
-  EnsightRun run;
-  run.output_base = setup.naming.base_file_name;
-  run.mesh_file = setup.inputs.types.front().mesh_file;
-  run.files_read = FILES_READ(setup);
-  run.node_count = setup.shape.node_count;
-  run.cell_count = setup.shape.cell_count;
-  run.is_finite_volume = setup.is_finite_volume;
-  run.time_tolerance = setup.tolerance;
+  ExportRequest request;
+  request.output_base = setup.naming.base_file_name;
+  request.mesh_file = setup.inputs.types.front().mesh_file;
+  request.files_read = FILES_READ(setup);
+  request.node_count = setup.shape.node_count;
+  request.cell_count = setup.shape.cell_count;
+  request.is_finite_volume = setup.is_finite_volume;
+  request.time_tolerance = setup.tolerance;
 
   std::vector<std::vector<std::unique_ptr<ResultDataset>>> datasets;
   const std::size_t count = count_inputs_in_use(setup);
   for (std::size_t input = 0; input < count; ++input) {
-    EnsightInput& exported = run.inputs.emplace_back();
+    EnsightInput& exported = request.inputs.emplace_back();
     exported.name = setup.input_names[input];
     exported.type = setup.inputs.types[input];
     datasets.push_back(setup.inputs.sources[input]->datasets());
     for (const auto& dataset : datasets.back()) exported.datasets.push_back(dataset.get());
   }
-  EXPORT_ENSIGHT(run);
+  EXPORT_ENSIGHT(request);
 }
 
 }  // namespace quillet

@@ -21,15 +21,15 @@ namespace quillet {
 namespace {
 
 // Operations over output times, the same whatever the file formats.
-template <void (*operation)(OperationRun&)>
+template <void (*operation)(OperationJob&)>
 void over_times(RunSetup& setup) {
-  OperationRun run = OPERATION_RUN(setup);
-  operation(run);
+  OperationJob job = OPERATION_JOB(setup);
+  operation(job);
 }
 
 template <Extreme extreme>
-void run_extreme(OperationRun& run) {
-  RUN_EXTREME(extreme, run);
+void run_extreme(OperationJob& job) {
+  RUN_EXTREME(extreme, job);
 }
 
 template <std::size_t column>

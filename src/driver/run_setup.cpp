@@ -277,17 +277,17 @@ void SET_UP_RUN(RunSetup& setup) {
   announce_walk(setup);
 }
 
-OperationRun OPERATION_RUN(RunSetup& setup) {
-  OperationRun run{.inputs = setup.inputs, .output = *setup.output, .work = setup.work};
-  run.shape = setup.shape;
-  run.wet_dry_test = setup.wet_dry_test;
-  run.time = setup.time;
-  run.tolerance = setup.tolerance;
-  run.cutoff = setup.options.cutoff;
-  run.range_start = setup.options.range_start.value_or(0);
-  run.range_end = setup.options.range_end.value_or(0);
-  run.ignore_stored = setup.options.ignore_stored;
-  return run;
+OperationJob OPERATION_JOB(RunSetup& setup) {
+  OperationJob job{.inputs = setup.inputs, .output = *setup.output, .work = setup.work};
+  job.shape = setup.shape;
+  job.wet_dry_test = setup.wet_dry_test;
+  job.time = setup.time;
+  job.tolerance = setup.tolerance;
+  job.cutoff = setup.options.cutoff;
+  job.range_start = setup.options.range_start.value_or(0);
+  job.range_end = setup.options.range_end.value_or(0);
+  job.ignore_stored = setup.options.ignore_stored;
+  return job;
 }
 
 }  // namespace quillet

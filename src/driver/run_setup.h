@@ -12,7 +12,7 @@
 #include "driver/output_naming.h"
 #include "driver/output_type.h"
 #include "driver/run_options.h"
-#include "operations/operation_run.h"
+#include "operations/operation_job.h"
 #include "results/result_sink.h"
 #include "results/run_inputs.h"
 #include "xmdf/xmdf_file_header.h"
@@ -47,6 +47,6 @@ struct RunSetup {
 void SET_UP_RUN(RunSetup& setup);
 
 // What an operation over output times is given. The output is open.
-OperationRun OPERATION_RUN(RunSetup& setup);
+OperationJob OPERATION_JOB(RunSetup& setup);
 
 }  // namespace quillet

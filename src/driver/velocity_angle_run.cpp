@@ -32,8 +32,8 @@ void WRITE_VELOCITY_ANGLES(RunSetup& setup) {
   if (!setup.naming.user_named) setup.naming.base_file_name = output_name(setup);
   setup.naming.dataset_name = dataset_name(setup);
   OPEN_OUTPUT(setup);
-  OperationRun run = OPERATION_RUN(setup);
-  RUN_VELOCITY_ANGLE(run);
+  OperationJob job = OPERATION_JOB(setup);
+  RUN_VELOCITY_ANGLE(job);
 }
 
 }  // namespace quillet

@@ -16,8 +16,8 @@ namespace {
 void select_by_id(RunSetup& setup, bool vectors, std::int32_t id) {
   const std::string kind = vectors ? "vector" : "scalar";
   for (XmdfFileHeader& header : setup.xmdf_files) {
-    const XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
-    if (!SelectXmdfDataset(header, vectors, id)) {
+    const XmdfDatasetList& datasets = vectors ? header.vectors : header.scalars;
+    if (!SELECT_XMDF_DATASET(header, vectors, id)) {
       SAY_APART("ERROR - Specifed " + kind + " dataset does not exist.");
       SAY("   Maximum " + kind + " ID = " + AINTEGER(datasets.count));
       EXITS();
@@ -30,7 +30,7 @@ void select_by_id(RunSetup& setup, bool vectors, std::int32_t id) {
 // A dataset of times of peak has one output, at time 0, and no maximum of its own.
 void ask_peaks_for_time_zero(RunSetup& setup) {
   const bool has_peak =
-      std::any_of(setup.xmdf_files.begin(), setup.xmdf_files.end(), IsXmdfPeakTime);
+      std::any_of(setup.xmdf_files.begin(), setup.xmdf_files.end(), IS_XMDF_PEAK_TIME);
   if (!has_peak || setup.time != stored_maximum_time) return;
   SAY("Maximum timestep does not exist for Time of Peak datasets, using time 0");
   setup.time = 0;
@@ -82,7 +82,7 @@ void CHOOSE_XMDF_DATASETS(RunSetup& setup) {
   ReadXmdfSizes(setup.xmdf_files);
   const bool chooses = setup.options.selects_dataset();
   if (chooses) search(setup);
-  for (XmdfFileHeader& header : setup.xmdf_files) ReadXmdfChosenCellCount(header);
+  for (XmdfFileHeader& header : setup.xmdf_files) READ_XMDF_CHOSEN_CELL_COUNT(header);
   if (chooses) read_times(setup);
 }
 

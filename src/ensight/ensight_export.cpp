@@ -28,7 +28,8 @@ void remove_older(const std::string& case_name) {
 
 class EnsightExport {
  public:
-  explicit EnsightExport(const EnsightRun& whole_run) : run(whole_run), plan(PLAN_EXPORT(run)) {}
+  explicit EnsightExport(const ExportRequest& export_request)
+      : request(export_request), plan(PLAN_EXPORT(request)) {}
 
   // The case file's temporary name stands for the data set: it is taken first.
   void perform() {
@@ -50,7 +51,7 @@ class EnsightExport {
  private:
   bool is_read(const std::string& name) const {
     return FILE_EXISTS(name) &&
-           std::any_of(run.files_read.begin(), run.files_read.end(),
+           std::any_of(request.files_read.begin(), request.files_read.end(),
                        [&](const std::string& file) { return SAME_FILE(name, file); });
   }
 
@@ -62,10 +63,10 @@ class EnsightExport {
     SAY("Need to read 2dm file.");
     SAY("Scanning geometry...");
     MESH_TYPE loaded;
-    const auto nodes = run.is_finite_volume ? std::nullopt : std::optional(run.node_count);
-    LOAD_MESH(run.mesh_file, nodes, run.cell_count, loaded, ValuesPer::node_or_fv_element);
+    const auto nodes = request.is_finite_volume ? std::nullopt : std::optional(request.node_count);
+    LOAD_MESH(request.mesh_file, nodes, request.cell_count, loaded, ValuesPer::node_or_fv_element);
     mesh = MAKE_ENSIGHT_MESH(std::move(loaded));
-    place = PLACE_OF_VALUES(mesh, run.is_finite_volume, run.node_count);
+    place = PLACE_OF_VALUES(mesh, request.is_finite_volume, request.node_count);
     SAY("Finished scanning geometry.");
   }
 
@@ -75,19 +76,19 @@ class EnsightExport {
     export_datasets("vector", input.vectors, case_file);
   }
 
-  void export_datasets(const std::string& kind, const std::vector<PlannedDataset>& datasets,
+  void export_datasets(const std::string& kind, const std::vector<PlannedVariable>& datasets,
                        OutputUnit& case_file) {
     if (datasets.empty()) return;
     SAY("Processing all " + kind +
         " datasets, total number: " + AINTEGER(static_cast<std::int64_t>(datasets.size())));
     std::int64_t number = 0;
-    for (const PlannedDataset& dataset : datasets) {
+    for (const PlannedVariable& dataset : datasets) {
       SAY("Processing " + kind + " datasets number " + AINTEGER(++number));
       export_dataset(dataset, case_file);
     }
   }
 
-  void export_dataset(const PlannedDataset& dataset, OutputUnit& case_file) {
+  void export_dataset(const PlannedVariable& dataset, OutputUnit& case_file) {
     SAY("Datasets Name: " + dataset.plan.title);
     if (dataset.plan.outputs.empty()) {
       SAY(unexpected_time);
@@ -99,16 +100,16 @@ class EnsightExport {
     SAY("Finished Processing Dataset.");
   }
 
-  CaseVariable case_variable(const PlannedDataset& dataset) const {
-    const DatasetPlan& own = dataset.plan;
+  CaseVariable case_variable(const PlannedVariable& dataset) const {
+    const VariablePlan& own = dataset.plan;
     const std::string own_base = NAME_IN_CASE_FILE(dataset.file_base);
     return {own.dataset->is_vector(), place != ValuePlace::nodes, own.is_series, own.output_name,
             own.is_series ? own_base + ".****" : ENSIGHT_NUMBER_SUFFIX(own_base, 1)};
   }
 
-  void write_outputs(const PlannedDataset& planned) {
+  void write_outputs(const PlannedVariable& planned) {
     ResultDataset& dataset = *planned.plan.dataset;
-    SIZE_RECORD(record, run.node_count, mesh.element_count, dataset.is_vector());
+    SIZE_RECORD(record, request.node_count, mesh.element_count, dataset.is_vector());
     for (const PlannedOutput& output : planned.plan.outputs) {
       SIZE_STATUSES(record, mesh.element_count);  // those that the dataset does not have are wet
       dataset.read(output.output, record);
@@ -160,7 +161,7 @@ class EnsightExport {
   static constexpr std::string_view unexpected_time =
       "WARNING - Unexpected time, skip ensight write.";
 
-  const EnsightRun& run;
+  const ExportRequest& request;
   const ExportPlan plan;
   EnsightMesh mesh;
   ValuePlace place = ValuePlace::nodes;
@@ -169,8 +170,8 @@ class EnsightExport {
 
 }  // namespace
 
-void EXPORT_ENSIGHT(const EnsightRun& run) {
-  EnsightExport(run).perform();
+void EXPORT_ENSIGHT(const ExportRequest& request) {
+  EnsightExport(request).perform();
 }
 
 }  // namespace quillet

@@ -17,7 +17,7 @@ struct EnsightInput {
   std::vector<ResultDataset*> datasets;  // in the order in which they are to be written
 };
 
-struct EnsightRun {
+struct ExportRequest {
   std::string output_base;  // as the naming of outputs left it
   std::string mesh_file;
   std::vector<EnsightInput> inputs;        // at least one
@@ -34,6 +34,6 @@ struct EnsightRun {
 //
 // Ends the run when an output would replace a file that is read, when the mesh does not belong to
 // the results, and when a file cannot be read or written.
-void EXPORT_ENSIGHT(const EnsightRun& run);
+void EXPORT_ENSIGHT(const ExportRequest& request);
 
 }  // namespace quillet

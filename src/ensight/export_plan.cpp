@@ -14,23 +14,24 @@ namespace {
 
 class Planner {
  public:
-  Planner(const EnsightRun& planned_run, ExportPlan& target) : run(planned_run), plan(target) {}
+  Planner(const ExportRequest& planned_request, ExportPlan& target)
+      : request(planned_request), plan(target) {}
 
   void add_input(const EnsightInput& input) {
     PlannedInput planned{&input, {}, {}};
     for (ResultDataset* dataset : input.datasets) {
-      if (!dataset->is_vector()) planned.scalars.push_back(planned_dataset(input, *dataset));
+      if (!dataset->is_vector()) planned.scalars.push_back(planned_variable(input, *dataset));
     }
     for (ResultDataset* dataset : input.datasets) {
-      if (dataset->is_vector()) planned.vectors.push_back(planned_dataset(input, *dataset));
+      if (dataset->is_vector()) planned.vectors.push_back(planned_variable(input, *dataset));
     }
     plan.inputs.push_back(std::move(planned));
   }
 
  private:
-  PlannedDataset planned_dataset(const EnsightInput& input, ResultDataset& dataset) {
-    PlannedDataset planned{PLAN_DATASET(run, input, dataset, plan.times.hours), ""};
-    DatasetPlan& own = planned.plan;
+  PlannedVariable planned_variable(const EnsightInput& input, ResultDataset& dataset) {
+    PlannedVariable planned{PLAN_VARIABLE(request, input, dataset, plan.times.hours), ""};
+    VariablePlan& own = planned.plan;
     if (own.outputs.empty()) return planned;
     own.description = ENSIGHT_DESCRIPTION(own.description);
     own.output_name =
@@ -40,15 +41,15 @@ class Planner {
   }
 
   // What stands in one folder must be told apart by its name alone.
-  std::string file_base_of(const EnsightInput& input, const DatasetPlan& own) {
-    const std::string of_input = run.inputs.size() > 1 ? "_" + FILENAME(input.name) : "";
+  std::string file_base_of(const EnsightInput& input, const VariablePlan& own) {
+    const std::string of_input = request.inputs.size() > 1 ? "_" + FILENAME(input.name) : "";
     const std::string name =
         NAME_IN_CASE_FILE(plan.base) + ENSIGHT_FILE_NAME(of_input + own.file_ending);
     return FILEFOLDERPATH(plan.base) +
            file_bases.take(name, LONGEST_FILE_BASE(own.output_name.size()));
   }
 
-  const EnsightRun& run;
+  const ExportRequest& request;
   ExportPlan& plan;
   DistinctNames output_names;
   DistinctNames file_bases;
@@ -72,7 +73,7 @@ void ExportPlan::for_each_file(const std::function<void(const std::string&)>& vi
   }
   for (const PlannedInput& input : inputs) {
     for (const auto* datasets : {&input.scalars, &input.vectors}) {
-      for (const PlannedDataset& dataset : *datasets) {
+      for (const PlannedVariable& dataset : *datasets) {
         for (const PlannedOutput& output : dataset.plan.outputs) {
           visit(ENSIGHT_NUMBER_SUFFIX(dataset.file_base, output.number));
         }
@@ -81,12 +82,12 @@ void ExportPlan::for_each_file(const std::function<void(const std::string&)>& vi
   }
 }
 
-ExportPlan PLAN_EXPORT(const EnsightRun& run) {
+ExportPlan PLAN_EXPORT(const ExportRequest& request) {
   ExportPlan plan;
-  plan.base = ENSIGHT_BASE(run.output_base);
-  plan.times = RUN_TIMES(run.inputs);
-  Planner planner(run, plan);
-  for (const EnsightInput& input : run.inputs) planner.add_input(input);
+  plan.base = ENSIGHT_BASE(request.output_base);
+  plan.times = RUN_TIMES(request.inputs);
+  Planner planner(request, plan);
+  for (const EnsightInput& input : request.inputs) planner.add_input(input);
   const auto count = std::min<std::size_t>(plan.times.hours.size(), largest_ensight_number);
   plan.times.hours.resize(count);
   plan.times.texts.resize(count);
@@ -106,8 +107,8 @@ WrittenNames::WrittenNames(const ExportPlan& plan) {
   }
 }
 
-void WrittenNames::add(const std::vector<PlannedDataset>& datasets) {
-  for (const PlannedDataset& dataset : datasets) {
+void WrittenNames::add(const std::vector<PlannedVariable>& datasets) {
+  for (const PlannedVariable& dataset : datasets) {
     if (dataset.plan.outputs.empty()) continue;
     numbered[LOWERCASE(NAME_IN_CASE_FILE(dataset.file_base))] = dataset.plan.outputs.size();
   }

@@ -8,20 +8,20 @@
 #include <vector>
 
 #include "ensight/case_file.h"
-#include "ensight/dataset_plan.h"
 #include "ensight/ensight_export.h"
+#include "ensight/variable_plan.h"
 
 namespace quillet {
 
-struct PlannedDataset {
-  DatasetPlan plan;
+struct PlannedVariable {
+  VariablePlan plan;
   std::string file_base;  // with its folder
 };
 
 struct PlannedInput {
   const EnsightInput* input = nullptr;
-  std::vector<PlannedDataset> scalars;  // those passed over too
-  std::vector<PlannedDataset> vectors;
+  std::vector<PlannedVariable> scalars;  // those passed over too
+  std::vector<PlannedVariable> vectors;
 };
 
 struct ExportPlan {
@@ -40,7 +40,7 @@ struct ExportPlan {
   void for_each_file(const std::function<void(const std::string&)>& visit) const;
 };
 
-ExportPlan PLAN_EXPORT(const EnsightRun& run);
+ExportPlan PLAN_EXPORT(const ExportRequest& request);
 
 // The files of a planned data set that a case file points to, besides the geometry.
 class WrittenNames {
@@ -51,7 +51,7 @@ class WrittenNames {
   bool contains(const std::string& own_name) const;
 
  private:
-  void add(const std::vector<PlannedDataset>& datasets);
+  void add(const std::vector<PlannedVariable>& datasets);
 
   std::map<std::string, std::size_t> numbered;  // file base: how many, from 1
   std::vector<std::string> constants;

@@ -18,7 +18,7 @@ std::size_t output_count(const ResultDataset& dataset) {
   return dataset.times().size() - first_output(dataset);
 }
 
-void write_dataset(const ConvertedDataset& item, ResultSink& output, RES_TYPE& step) {
+void write_dataset(const ConversionItem& item, ResultSink& output, RES_TYPE& step) {
   ResultDataset& dataset = *item.dataset;
   const std::size_t count = dataset.times().size();
   step.is_vector = dataset.is_vector();
@@ -35,13 +35,13 @@ void write_dataset(const ConvertedDataset& item, ResultSink& output, RES_TYPE& s
 
 }  // namespace
 
-void CONVERT_DATASETS(const std::vector<ConvertedDataset>& datasets, ResultSink& output,
+void CONVERT_DATASETS(const std::vector<ConversionItem>& datasets, ResultSink& output,
                       RES_TYPE& step) {
   std::size_t times = 0;
-  for (const ConvertedDataset& item : datasets) times += output_count(*item.dataset);
+  for (const ConversionItem& item : datasets) times += output_count(*item.dataset);
   step.is_vector = datasets.front().dataset->is_vector();
   output.prepare(SHAPE_OF(step), static_cast<std::int64_t>(times));
-  for (const ConvertedDataset& item : datasets) write_dataset(item, output, step);
+  for (const ConversionItem& item : datasets) write_dataset(item, output, step);
   output.close();
 }
 

@@ -12,7 +12,7 @@
 namespace quillet {
 
 // One dataset on its way into an output.
-struct ConvertedDataset {
+struct ConversionItem {
   ResultDataset* dataset = nullptr;
   DatasetKind kind = DatasetKind::series;  // in the output
   std::string dataset_name;                // likewise, where it has names
@@ -21,7 +21,7 @@ struct ConvertedDataset {
 
 // Writes the datasets (at least one) one after the other and closes the output. `step` is sized for
 // the input, with y components when there are vectors among them.
-void CONVERT_DATASETS(const std::vector<ConvertedDataset>& datasets, ResultSink& output,
+void CONVERT_DATASETS(const std::vector<ConversionItem>& datasets, ResultSink& output,
                       RES_TYPE& step);
 
 }  // namespace quillet

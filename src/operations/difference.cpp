@@ -14,8 +14,8 @@
 namespace quillet {
 namespace {
 
-// One of both runs: its results, its levels, and the output time that they hold.
-struct ComparedRun {
+// One of the two inputs: its results, its levels, and the output time that they hold.
+struct ComparedInput {
   const char* ordinal;
   ResultSource& source;
   WaterLevels* levels;  // none without the wet/dry test
@@ -47,13 +47,13 @@ struct ComparedRun {
 };
 
 struct Comparison {
-  OperationRun& run;
-  ComparedRun first;
-  ComparedRun second;
+  OperationJob& job;
+  ComparedInput first;
+  ComparedInput second;
 
   void write_difference() {
-    WorkArrays& work = run.work;
-    if (run.wet_dry_test) {
+    WorkArrays& work = job.work;
+    if (job.wet_dry_test) {
       DIFFERENCE_WHERE_WET(
           first.record, second.record,
           {first.levels->levels(first.record), second.levels->levels(second.record),
@@ -62,7 +62,7 @@ struct Comparison {
     } else {
       DIFFERENCE(first.record, second.record, work.result);
     }
-    run.output.write_time(work.result);
+    job.output.write_time(work.result);
   }
 
   // Moves one input on. When the second run's time is the smaller it is the first input, the one
@@ -95,15 +95,15 @@ struct Comparison {
   }
 
   void compare_at(float time) {
-    run.inputs.find_time(time, run.tolerance);
-    first.read_at_time(time, run.tolerance);
-    second.read_at_time(time, run.tolerance);
+    job.inputs.find_time(time, job.tolerance);
+    first.read_at_time(time, job.tolerance);
+    second.read_at_time(time, job.tolerance);
     write_difference();
   }
 };
 
-void warn_of_types(const OperationRun& run) {
-  if (SAME_TYPE(run.inputs.types[0], run.inputs.types[1])) return;
+void warn_of_types(const OperationJob& job) {
+  if (SAME_TYPE(job.inputs.types[0], job.inputs.types[1])) return;
   SAY("WARNING - Files should be same data type, e.g. both water level.");
   SAY("Unexpected results may occur.");
 }
@@ -114,58 +114,58 @@ void read_bed_elevations_of(const std::string& mesh_file, std::int32_t node_coun
   READ_2DM_ELEVATIONS(InputUnit(mesh_file), bed, node_count, corners, std::nullopt);
 }
 
-void read_bed_elevations(OperationRun& run) {
+void read_bed_elevations(OperationJob& job) {
   SAY("...need to also read .2dm files");
-  const std::string& mesh1 = run.inputs.types[0].mesh_file;
-  const std::string& mesh2 = run.inputs.types[1].mesh_file;
-  read_bed_elevations_of(mesh1, run.shape.node_count, run.work.bed[0]);
+  const std::string& mesh1 = job.inputs.types[0].mesh_file;
+  const std::string& mesh2 = job.inputs.types[1].mesh_file;
+  read_bed_elevations_of(mesh1, job.shape.node_count, job.work.bed[0]);
   if (mesh1 == mesh2) {
-    run.work.bed[1] = run.work.bed[0];
+    job.work.bed[1] = job.work.bed[0];
   } else {
-    read_bed_elevations_of(mesh2, run.shape.node_count, run.work.bed[1]);
+    read_bed_elevations_of(mesh2, job.shape.node_count, job.work.bed[1]);
   }
   SAY("Finished reading .2dm files.");
 }
 
-void open_water_levels(OperationRun& run) {
-  if (run.inputs.types[0].is_water_level) return;
+void open_water_levels(OperationJob& job) {
+  if (job.inputs.types[0].is_water_level) return;
   SAY("...need to read water level data.");
   SAY("Allocating water level arrays.");
   SAY("...need to also read first _h.dat file");
-  run.inputs.water_levels[0]->open(run.shape);
+  job.inputs.water_levels[0]->open(job.shape);
   SAY("...need to also read second _h.dat file");
-  run.inputs.water_levels[1]->open(run.shape);
+  job.inputs.water_levels[1]->open(job.shape);
 }
 
-ComparedRun compared_run(OperationRun& run, std::size_t input, const char* ordinal,
-                         RES_TYPE& record) {
-  WaterLevels* const levels = run.wet_dry_test ? run.inputs.water_levels[input].get() : nullptr;
-  return {ordinal, *run.inputs.sources[input], levels, record};
+ComparedInput compared_input(OperationJob& job, std::size_t input, const char* ordinal,
+                             RES_TYPE& record) {
+  WaterLevels* const levels = job.wet_dry_test ? job.inputs.water_levels[input].get() : nullptr;
+  return {ordinal, *job.inputs.sources[input], levels, record};
 }
 
 }  // namespace
 
-void RUN_DIFFERENCE(OperationRun& run) {
-  if (run.inputs.sources.size() > 2) FAIL_RUN("ERROR - Maximum of two files for -dif option.");
-  warn_of_types(run);
+void RUN_DIFFERENCE(OperationJob& job) {
+  if (job.inputs.sources.size() > 2) FAIL_RUN("ERROR - Maximum of two files for -dif option.");
+  warn_of_types(job);
   SAY("Allocating secondary arrays for results storage.");
   SAY("Done.");
-  if (run.wet_dry_test) {
-    read_bed_elevations(run);
-    open_water_levels(run);
+  if (job.wet_dry_test) {
+    read_bed_elevations(job);
+    open_water_levels(job);
   }
-  run.output.prepare(SHAPE_OF(run.work.result),
-                     run.time ? 1 : run.inputs.sources[0]->likely_time_count());
+  job.output.prepare(SHAPE_OF(job.work.result),
+                     job.time ? 1 : job.inputs.sources[0]->likely_time_count());
 
-  Comparison comparison{run, compared_run(run, 0, "first", run.work.step),
-                        compared_run(run, 1, "second", run.work.second_step)};
-  if (run.time) {
-    comparison.compare_at(*run.time);
+  Comparison comparison{job, compared_input(job, 0, "first", job.work.step),
+                        compared_input(job, 1, "second", job.work.second_step)};
+  if (job.time) {
+    comparison.compare_at(*job.time);
   } else {
     comparison.compare_all();
   }
   SAY("Closing files and exiting");
-  run.output.close();
+  job.output.close();
 }
 
 }  // namespace quillet

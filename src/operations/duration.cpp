@@ -51,18 +51,18 @@ bool read_ordinary(ResultSource& source, RES_TYPE& step) {
   return true;
 }
 
-void fold_output_times(OperationRun& run, const FoldInterval& fold) {
-  ResultSource& source = *run.inputs.sources.front();
-  RES_TYPE& step = run.work.step;
-  LargeArray<std::int8_t>& active = run.work.result.cell.status;
+void fold_output_times(OperationJob& job, const FoldInterval& fold) {
+  ResultSource& source = *job.inputs.sources.front();
+  RES_TYPE& step = job.work.step;
+  LargeArray<std::int8_t>& active = job.work.result.cell.status;
   if (!read_ordinary(source, step)) {
     SAY("WARNING - No output times in " + QUOTED(source.name()));
     return;
   }
-  LargeArray<float>& from = run.work.previous;
-  const LargeArray<float>& initial = run.work.initial.empty() ? from : run.work.initial;
+  LargeArray<float>& from = job.work.previous;
+  const LargeArray<float>& initial = job.work.initial.empty() ? from : job.work.initial;
   from = step.nd.x;
-  if (!run.work.initial.empty()) run.work.initial = step.nd.x;
+  if (!job.work.initial.empty()) job.work.initial = step.nd.x;
   float previous_time = step.time;
   FOLD_STATUSES(Extreme::maximum, step.cell.status, active);
   // An interval of no length: what holds at the first output time holds though no other follows.
@@ -76,36 +76,36 @@ void fold_output_times(OperationRun& run, const FoldInterval& fold) {
   }
 }
 
-void write_result(OperationRun& run) {
-  RES_TYPE& result = run.work.result;
-  ROUND_TO_REALS(result.node_count, run.work.hours.data(), result.nd.x.data());
+void write_result(OperationJob& job) {
+  RES_TYPE& result = job.work.result;
+  ROUND_TO_REALS(result.node_count, job.work.hours.data(), result.nd.x.data());
   result.is_vector = false;
   result.time = 0;
-  run.output.prepare(SHAPE_OF(result), 1);
-  run.output.write_time(result);
-  CLOSE_FILES_AND_EXIT(run);
+  job.output.prepare(SHAPE_OF(result), 1);
+  job.output.write_time(result);
+  CLOSE_FILES_AND_EXIT(job);
 }
 
 }  // namespace
 
-void RUN_DURATION(OperationRun& run) {
-  SAY_APART("Processing duration above " + AREAL(run.cutoff));
-  fold_output_times(run, [&](const Interval& interval) {
-    ADD_DURATION_ABOVE(run.work.result.node_count, interval.from.data(), interval.to.data(),
-                       interval.start, interval.end, run.cutoff, run.work.hours.data());
+void RUN_DURATION(OperationJob& job) {
+  SAY_APART("Processing duration above " + AREAL(job.cutoff));
+  fold_output_times(job, [&](const Interval& interval) {
+    ADD_DURATION_ABOVE(job.work.result.node_count, interval.from.data(), interval.to.data(),
+                       interval.start, interval.end, job.cutoff, job.work.hours.data());
   });
-  write_result(run);
+  write_result(job);
 }
 
-void RUN_TIME_OF_INCREASE(OperationRun& run) {
-  SAY_APART("Processing time of increase by " + AREAL(run.cutoff));
-  std::fill(run.work.hours.begin(), run.work.hours.end(), never);
-  fold_output_times(run, [&](const Interval& interval) {
-    NOTE_FIRST_INCREASE(run.work.result.node_count, interval.initial.data(), interval.from.data(),
-                        interval.to.data(), interval.start, interval.end, run.cutoff, never,
-                        run.work.hours.data());
+void RUN_TIME_OF_INCREASE(OperationJob& job) {
+  SAY_APART("Processing time of increase by " + AREAL(job.cutoff));
+  std::fill(job.work.hours.begin(), job.work.hours.end(), never);
+  fold_output_times(job, [&](const Interval& interval) {
+    NOTE_FIRST_INCREASE(job.work.result.node_count, interval.initial.data(), interval.from.data(),
+                        interval.to.data(), interval.start, interval.end, job.cutoff, never,
+                        job.work.hours.data());
   });
-  write_result(run);
+  write_result(job);
 }
 
 }  // namespace quillet

@@ -28,96 +28,96 @@ constexpr MapSet minimum_maps{{"", minimum_marker_time, minimum_marker_time},
                               {"Min Time", minimum_marker_time, when_marker_time}};
 
 // The file's record for one input: over all output times, or at the time asked for.
-void read_file_extreme(Extreme extreme, OperationRun& run, ResultSource& source) {
-  FileExtreme& file = run.work.file;
+void read_file_extreme(Extreme extreme, OperationJob& job, ResultSource& source) {
+  FileExtreme& file = job.work.file;
   RESET_FILE_EXTREME(extreme, file);
-  if (run.time) {
-    source.read_at_time(*run.time, run.tolerance, file.record);
-    if (file.record.is_vector != run.shape.is_vector) {
+  if (job.time) {
+    source.read_at_time(*job.time, job.tolerance, file.record);
+    if (file.record.is_vector != job.shape.is_vector) {
       FAIL_READING(source.name(),
-                   "expected vectors at time " + AREAL(*run.time) + ", found one value per node");
+                   "expected vectors at time " + AREAL(*job.time) + ", found one value per node");
     }
-    ADOPT_STORED_EXTREME(*run.time, file);
+    ADOPT_STORED_EXTREME(*job.time, file);
   } else {
-    SCAN_FOR_EXTREME(extreme, run.ignore_stored, source, file);
+    SCAN_FOR_EXTREME(extreme, job.ignore_stored, source, file);
   }
 }
 
 // The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
 // Only levels of dry nodes mean nothing; every other quantity is 0 there.
-std::optional<MESH_TYPE> mesh_for_levels(const OperationRun& run) {
-  const auto& types = run.inputs.types;
+std::optional<MESH_TYPE> mesh_for_levels(const OperationJob& job) {
+  const auto& types = job.inputs.types;
   const bool has_levels = std::any_of(types.begin(), types.end(),
                                       [](const InputType& type) { return type.is_water_level; });
-  if (!run.wet_dry_test || run.shape.is_vector || !has_levels) return std::nullopt;
+  if (!job.wet_dry_test || job.shape.is_vector || !has_levels) return std::nullopt;
   SAY("...need to read .2dm file for _h data type");
   MESH_TYPE mesh;
-  LOAD_MESH(run.inputs.types.front().mesh_file, run.shape.node_count, run.shape.cell_count, mesh);
+  LOAD_MESH(job.inputs.types.front().mesh_file, job.shape.node_count, job.shape.cell_count, mesh);
   return mesh;
 }
 
 // Inputs that tell no activity have every cell of the mesh active.
-void size_unknown_cells(OperationRun& run, const MESH_TYPE& mesh) {
-  if (run.shape.cell_count) return;
-  WorkArrays& work = run.work;
+void size_unknown_cells(OperationJob& job, const MESH_TYPE& mesh) {
+  if (job.shape.cell_count) return;
+  WorkArrays& work = job.work;
   SIZE_STATUSES(work.result, mesh.element_count);
   SIZE_STATUSES(work.file.record, mesh.element_count);
 }
 
-void fold_inputs(Extreme extreme, OperationRun& run, const std::optional<MESH_TYPE>& mesh) {
-  RES_TYPE& overall = run.work.result;
+void fold_inputs(Extreme extreme, OperationJob& job, const std::optional<MESH_TYPE>& mesh) {
+  RES_TYPE& overall = job.work.result;
   std::vector<std::uint8_t> node_counts;
   RESET_RECORD(overall, INITIAL_STATUS(extreme));
-  if (run.time) run.inputs.find_time(*run.time, run.tolerance);
-  for (std::size_t input = 0; input < run.inputs.sources.size(); ++input) {
-    read_file_extreme(extreme, run, *run.inputs.sources[input]);
-    const bool restricted = mesh && run.inputs.types[input].is_water_level;
+  if (job.time) job.inputs.find_time(*job.time, job.tolerance);
+  for (std::size_t input = 0; input < job.inputs.sources.size(); ++input) {
+    read_file_extreme(extreme, job, *job.inputs.sources[input]);
+    const bool restricted = mesh && job.inputs.types[input].is_water_level;
     if (restricted) {
-      MARK_NODES_OF_ACTIVE_CELLS(*mesh, run.work.file.record.cell.status, node_counts);
+      MARK_NODES_OF_ACTIVE_CELLS(*mesh, job.work.file.record.cell.status, node_counts);
     }
-    FOLD_FILE(extreme, run.work.file, static_cast<std::int32_t>(input) + 1,
+    FOLD_FILE(extreme, job.work.file, static_cast<std::int32_t>(input) + 1,
               restricted ? &node_counts : nullptr, overall);
   }
 }
 
 // The source and time maps are scalars over the same cells; the values are written by then and
 // their place is used again.
-void write_maps(Extreme extreme, OperationRun& run) {
+void write_maps(Extreme extreme, OperationJob& job) {
   SAY("Writing Output");
   const MapSet& maps = extreme == Extreme::maximum ? maximum_maps : minimum_maps;
-  const bool has_times = run.inputs.sources.size() == 1 && !run.time;
-  RES_TYPE& overall = run.work.result;
-  run.output.prepare(SHAPE_OF(overall), has_times ? 3 : 2);
-  run.output.write_map(maps.values, overall);
+  const bool has_times = job.inputs.sources.size() == 1 && !job.time;
+  RES_TYPE& overall = job.work.result;
+  job.output.prepare(SHAPE_OF(overall), has_times ? 3 : 2);
+  job.output.write_map(maps.values, overall);
 
   overall.is_vector = false;
   std::copy(overall.nd.source.begin(), overall.nd.source.end(), overall.nd.x.begin());
-  run.output.write_map(maps.sources, overall);
+  job.output.write_map(maps.sources, overall);
   if (!has_times) return;
 
-  overall.nd.x.swap(run.work.file.time);
-  run.output.write_map(maps.times, overall);
+  overall.nd.x.swap(job.work.file.time);
+  job.output.write_map(maps.times, overall);
 }
 
 }  // namespace
 
-void RUN_EXTREME(Extreme extreme, OperationRun& run) {
+void RUN_EXTREME(Extreme extreme, OperationJob& job) {
   SAY("Allocating secondary arrays for time of max / min.");
   SAY("Done.");
-  if (run.time && run.inputs.sources.size() < 2) {
+  if (job.time && job.inputs.sources.size() < 2) {
     FAIL_RUN(
         "ERROR - expecting two or more files when using -max or -min with a specified time (-t)");
   }
-  if (run.ignore_stored) {
+  if (job.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
   }
-  const std::optional<MESH_TYPE> mesh = mesh_for_levels(run);
-  if (mesh) size_unknown_cells(run, *mesh);
-  fold_inputs(extreme, run, mesh);
-  write_maps(extreme, run);
+  const std::optional<MESH_TYPE> mesh = mesh_for_levels(job);
+  if (mesh) size_unknown_cells(job, *mesh);
+  fold_inputs(extreme, job, mesh);
+  write_maps(extreme, job);
   SAY("Closing input file");
-  for (const auto& source : run.inputs.sources) source->close();
-  run.output.close();
+  for (const auto& source : job.inputs.sources) source->close();
+  job.output.close();
 }
 
 }  // namespace quillet

@@ -8,9 +8,9 @@
 
 namespace quillet {
 
-void ANNOUNCE_OUTPUT_TIMES(const OperationRun& run, std::string_view one_time,
+void ANNOUNCE_OUTPUT_TIMES(const OperationJob& job, std::string_view one_time,
                            std::string_view all_times) {
-  SAY_APART(run.time ? std::string(one_time) + AREAL(*run.time) : std::string(all_times));
+  SAY_APART(job.time ? std::string(one_time) + AREAL(*job.time) : std::string(all_times));
 }
 
 std::string_view WHY_NOT_ORDINARY(const ResultSource& source, double time) {
@@ -31,29 +31,29 @@ void PASS_MARKER_MAPS(ResultSource& source) {
   }
 }
 
-void REWRITE_OUTPUT_TIMES(OperationRun& run, const ResultShape& written,
+void REWRITE_OUTPUT_TIMES(OperationJob& job, const ResultShape& written,
                           const std::function<void(RES_TYPE& step)>& change) {
-  ResultSource& source = *run.inputs.sources.front();
-  RES_TYPE& step = run.work.step;
-  run.output.prepare(written, run.time ? 1 : source.likely_time_count());
-  if (run.time) {
-    run.inputs.find_time(*run.time, run.tolerance);
-    source.read_at_time(*run.time, run.tolerance, step);
+  ResultSource& source = *job.inputs.sources.front();
+  RES_TYPE& step = job.work.step;
+  job.output.prepare(written, job.time ? 1 : source.likely_time_count());
+  if (job.time) {
+    job.inputs.find_time(*job.time, job.tolerance);
+    source.read_at_time(*job.time, job.tolerance, step);
     change(step);
-    run.output.write_time(step);
+    job.output.write_time(step);
     return;
   }
   for (PASS_MARKER_MAPS(source); !source.at_end(); PASS_MARKER_MAPS(source)) {
     source.read_next(step);
     change(step);
-    run.output.write_time(step);
+    job.output.write_time(step);
   }
 }
 
-void CLOSE_FILES_AND_EXIT(OperationRun& run) {
+void CLOSE_FILES_AND_EXIT(OperationJob& job) {
   SAY_APART("Closing files and exiting");
   SAY("");
-  run.output.close();
+  job.output.close();
 }
 
 }  // namespace quillet

@@ -16,18 +16,18 @@ namespace {
 using ReasonToSkip = std::function<std::string_view(double time)>;
 
 // Copies what is kept of one input. Returns how many output times were passed over.
-int copy_output_times(OperationRun& run, ResultSource& source, const ReasonToSkip& reason_to_skip,
+int copy_output_times(OperationJob& job, ResultSource& source, const ReasonToSkip& reason_to_skip,
                       bool keeps_64_bits = false) {
   int skipped = 0;
   while (!source.at_end()) {
     const double time = source.next_time();
     const std::string_view reason = reason_to_skip(time);
     if (reason.empty()) {
-      source.read_next(run.work.step);
+      source.read_next(job.work.step);
       if (keeps_64_bits) {
-        run.output.write_time_at(time, run.work.step);
+        job.output.write_time_at(time, job.work.step);
       } else {
-        run.output.write_time(run.work.step);
+        job.output.write_time(job.work.step);
       }
       continue;
     }
@@ -51,53 +51,53 @@ bool is_later(const WrittenTime& time, const WrittenTime& last) {
 
 }  // namespace
 
-void RUN_KEEP(OperationRun& run) {
-  SAY_APART("Keeping data at time " + AREAL(*run.time));
-  REWRITE_OUTPUT_TIMES(run, run.shape, [](RES_TYPE&) {});
-  CLOSE_FILES_AND_EXIT(run);
+void RUN_KEEP(OperationJob& job) {
+  SAY_APART("Keeping data at time " + AREAL(*job.time));
+  REWRITE_OUTPUT_TIMES(job, job.shape, [](RES_TYPE&) {});
+  CLOSE_FILES_AND_EXIT(job);
 }
 
-void RUN_REMOVE(OperationRun& run) {
-  SAY_APART("Removing data at time " + AREAL(*run.time));
-  ResultSource& source = *run.inputs.sources.front();
-  run.output.prepare(run.shape, source.likely_time_count());
-  const int removed = copy_output_times(run, source, [&](double hours) {
+void RUN_REMOVE(OperationJob& job) {
+  SAY_APART("Removing data at time " + AREAL(*job.time));
+  ResultSource& source = *job.inputs.sources.front();
+  job.output.prepare(job.shape, source.likely_time_count());
+  const int removed = copy_output_times(job, source, [&](double hours) {
     const auto time = static_cast<float>(hours);
-    return run.tolerance > std::fabs(time - *run.time) ? "Skipping time to remove, time found: "
+    return job.tolerance > std::fabs(time - *job.time) ? "Skipping time to remove, time found: "
                                                        : "";
   });
-  if (removed == 0) SAY("WARNING - Time to remove was not found: " + AREAL(*run.time));
-  CLOSE_FILES_AND_EXIT(run);
+  if (removed == 0) SAY("WARNING - Time to remove was not found: " + AREAL(*job.time));
+  CLOSE_FILES_AND_EXIT(job);
 }
 
-void RUN_RANGE(OperationRun& run) {
-  SAY_APART("Keeping data from time " + AREAL(run.range_start) + " to time " +
-            AREAL(run.range_end));
-  ResultSource& source = *run.inputs.sources.front();
-  run.output.prepare(run.shape, 0);
+void RUN_RANGE(OperationJob& job) {
+  SAY_APART("Keeping data from time " + AREAL(job.range_start) + " to time " +
+            AREAL(job.range_end));
+  ResultSource& source = *job.inputs.sources.front();
+  job.output.prepare(job.shape, 0);
   bool kept_any = false;
-  copy_output_times(run, source, [&](double hours) {
+  copy_output_times(job, source, [&](double hours) {
     const auto time = static_cast<float>(hours);
     const bool is_inside =
-        time >= run.range_start - run.tolerance && time <= run.range_end + run.tolerance;
+        time >= job.range_start - job.tolerance && time <= job.range_end + job.tolerance;
     kept_any = kept_any || is_inside;
     return is_inside ? "" : "Skipping time outside range, time found: ";
   });
   if (!kept_any) SAY("WARNING - No output times in the range.");
-  CLOSE_FILES_AND_EXIT(run);
+  CLOSE_FILES_AND_EXIT(job);
 }
 
-void RUN_CONCATENATE(OperationRun& run) {
+void RUN_CONCATENATE(OperationJob& job) {
   SAY_APART("Concatenating files.");
   std::optional<WrittenTime> last;
   std::int64_t likely_times = 0;
-  for (const auto& source : run.inputs.sources) likely_times += source->likely_time_count();
-  run.output.prepare(run.shape, likely_times);
-  for (const auto& source : run.inputs.sources) {
+  for (const auto& source : job.inputs.sources) likely_times += source->likely_time_count();
+  job.output.prepare(job.shape, likely_times);
+  for (const auto& source : job.inputs.sources) {
     SAY_APART("Processing file: " + source->name());
     const bool is_short = source->has_short_times();
     copy_output_times(
-        run, *source,
+        job, *source,
         [&](double hours) -> std::string_view {
           if (const auto reason = WHY_NOT_ORDINARY(*source, hours); !reason.empty()) return reason;
           const WrittenTime time{hours, is_short};
@@ -107,7 +107,7 @@ void RUN_CONCATENATE(OperationRun& run) {
         },
         true);
   }
-  CLOSE_FILES_AND_EXIT(run);
+  CLOSE_FILES_AND_EXIT(job);
 }
 
 }  // namespace quillet

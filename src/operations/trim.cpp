@@ -16,10 +16,10 @@ void trim(RES_TYPE& step, float limit) {
 
 }  // namespace
 
-void RUN_TRIM(OperationRun& run) {
-  ANNOUNCE_OUTPUT_TIMES(run, "Trimming values at time at ", "Trimming values at all times.");
-  REWRITE_OUTPUT_TIMES(run, run.shape, [&](RES_TYPE& step) { trim(step, run.cutoff); });
-  CLOSE_FILES_AND_EXIT(run);
+void RUN_TRIM(OperationJob& job) {
+  ANNOUNCE_OUTPUT_TIMES(job, "Trimming values at time at ", "Trimming values at all times.");
+  REWRITE_OUTPUT_TIMES(job, job.shape, [&](RES_TYPE& step) { trim(step, job.cutoff); });
+  CLOSE_FILES_AND_EXIT(job);
 }
 
 }  // namespace quillet

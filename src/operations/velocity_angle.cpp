@@ -15,14 +15,14 @@ void turn_into_angles(RES_TYPE& step) {
 
 }  // namespace
 
-void RUN_VELOCITY_ANGLE(OperationRun& run) {
-  ANNOUNCE_OUTPUT_TIMES(run, "Processing velocity angle at time at ",
+void RUN_VELOCITY_ANGLE(OperationJob& job) {
+  ANNOUNCE_OUTPUT_TIMES(job, "Processing velocity angle at time at ",
                         "Processing velocity angles at all times.");
-  if (!run.shape.is_vector) FAIL_RUN("ERROR - Must be vector for -va (velocity angle) option");
-  ResultShape angles = run.shape;
+  if (!job.shape.is_vector) FAIL_RUN("ERROR - Must be vector for -va (velocity angle) option");
+  ResultShape angles = job.shape;
   angles.is_vector = false;
-  REWRITE_OUTPUT_TIMES(run, angles, turn_into_angles);
-  CLOSE_FILES_AND_EXIT(run);
+  REWRITE_OUTPUT_TIMES(job, angles, turn_into_angles);
+  CLOSE_FILES_AND_EXIT(job);
 }
 
 }  // namespace quillet

@@ -145,13 +145,13 @@ XfStatus XfChunkReader::read_stored(hsize_t chunk, Slot& slot) {
                      chunk % chunks_per_row * table.chunk_columns);
   hsize_t size = 0;
   if (H5Dget_chunk_storage_size(dataset, offset.data(), &size) < 0 || size == 0) {
-    return xf_failure("is not in the file");
+    return XF_FAILURE("is not in the file");
   }
-  if (size > table.file_size) return xf_failure("has a damaged size");
+  if (size > table.file_size) return XF_FAILURE("has a damaged size");
   slot.stored_size = size;
   if (H5Dread_chunk(dataset, H5P_DEFAULT, offset.data(), &slot.skipped_filters,
                     slot.stored.room(size)) < 0) {
-    return xf_failure("cannot be read, expected " + std::to_string(size) + " compressed bytes");
+    return XF_FAILURE("cannot be read, expected " + std::to_string(size) + " compressed bytes");
   }
   return {};
 }

@@ -37,7 +37,7 @@ KERNEL_LOOP void make_zero_or_one(std::int8_t* flags, std::size_t count) {
 XfStatus look_for_member(const XfGroupState& group, const char* name, bool& exists) {
   const htri_t found = H5Lexists(group.id.get(), name, H5P_DEFAULT);
   exists = found > 0;
-  return found >= 0 ? XfStatus{} : xf_failure("the group is damaged");
+  return found >= 0 ? XfStatus{} : XF_FAILURE("the group is damaged");
 }
 
 // Soft and external links are not followed.
@@ -45,14 +45,14 @@ XfStatus check_member(const XfGroupState& group, const char* name) {
   bool exists = false;
   XfStatus status = look_for_member(group, name, exists);
   if (!status.ok()) return status;
-  if (!exists) return xf_failure(std::string(name) + " is missing");
+  if (!exists) return XF_FAILURE(std::string(name) + " is missing");
   H5L_info_t link{};
   H5O_info_t object{};
   const bool is_dataset =
       H5Lget_info(group.id.get(), name, &link, H5P_DEFAULT) >= 0 && link.type == H5L_TYPE_HARD &&
       H5Oget_info_by_name2(group.id.get(), name, &object, H5O_INFO_BASIC, H5P_DEFAULT) >= 0 &&
       object.type == H5O_TYPE_DATASET;
-  return is_dataset ? XfStatus{} : xf_failure(std::string(name) + " is damaged or no dataset");
+  return is_dataset ? XfStatus{} : XF_FAILURE(std::string(name) + " is damaged or no dataset");
 }
 
 XfStatus load_times(XfGroupState& group) {
@@ -105,7 +105,7 @@ XfStatus open_activity(XfGroupState& group) {
 
 XfStatus check_count(const char* what, std::size_t expected, hsize_t found) {
   if (expected == found) return {};
-  return xf_failure("expected " + std::to_string(expected) + " " + what + ", found " +
+  return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
                     std::to_string(found));
 }
 
@@ -116,11 +116,11 @@ XfStatus check_output_time(XfGroupState& group, const char* name, const XfRowRea
   if (!status.ok()) return status;
   const std::size_t count = group.times->size();
   if (member.rows() != count) {
-    return xf_failure("Times holds " + std::to_string(count) + " output times, " + name + " " +
+    return XF_FAILURE("Times holds " + std::to_string(count) + " output times, " + name + " " +
                       std::to_string(member.rows()));
   }
   if (output_time >= 1 && static_cast<std::size_t>(output_time) <= count) return {};
-  return xf_failure("there is no output time " + std::to_string(output_time) +
+  return XF_FAILURE("there is no output time " + std::to_string(output_time) +
                     ", the dataset has " + std::to_string(count));
 }
 
@@ -128,7 +128,7 @@ XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
                         std::size_t value_count) {
   XfStatus status = open_values(group);
   if (status.ok() && group.values_rank != rank) {
-    status = xf_failure(rank == scalar_rank ? "the dataset is a vector, expected a scalar"
+    status = XF_FAILURE(rank == scalar_rank ? "the dataset is a vector, expected a scalar"
                                             : "the dataset is a scalar, expected a vector");
   }
   if (status.ok()) status = check_output_time(group, "Values", *group.values, output_time);
@@ -163,9 +163,9 @@ void XfGroupCloser::operator()(XfGroupState* state) const {
 
 XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& group) {
   XfGroupHandle id(H5Gopen2(file->id.get(), path.c_str(), H5P_DEFAULT));
-  if (!id.valid()) return xf_failure("there is no group of this path");
+  if (!id.valid()) return XF_FAILURE("there is no group of this path");
   hsize_t size = 0;
-  if (H5Fget_filesize(file->id.get(), &size) < 0) return xf_failure("the file has no size");
+  if (H5Fget_filesize(file->id.get(), &size) < 0) return XF_FAILURE("the file has no size");
   group.reset(new XfGroupState{});
   group->id = std::move(id);
   group->file_size = size;
@@ -176,7 +176,7 @@ XfStatus XF_CLOSE_GROUP(XfGroup& group) {
   if (!group) return {};
   const bool closed = group->id.close();
   group.reset();
-  return closed ? XfStatus{} : xf_failure("the group cannot be closed");
+  return closed ? XfStatus{} : XF_FAILURE("the group cannot be closed");
 }
 
 XfStatus XF_GET_DATASET_NUMVALS(const XfGroup& group, std::int32_t& count) {
@@ -198,7 +198,7 @@ XfStatus XF_GET_DATASET_NUMACTIVE(const XfGroup& group, std::int32_t& count) {
 
 XfStatus XF_GET_DATASET_TIME_UNITS(const XfGroup& group, std::string& units) {
   const std::optional<std::string> text = xf_attribute_text(group->id.get(), "TimeUnits");
-  if (!text) return xf_failure("TimeUnits is missing or no text");
+  if (!text) return XF_FAILURE("TimeUnits is missing or no text");
   units = *text;
   return {};
 }

@@ -66,7 +66,7 @@ void xf_prepare_hdf5() {
 
 XfStatus xf_hdf5_failure(const std::string& otherwise) {
   const XfLastError error = xf_last_error();
-  return xf_failure(error.system_reason.empty() ? otherwise : error.system_reason);
+  return XF_FAILURE(error.system_reason.empty() ? otherwise : error.system_reason);
 }
 
 }  // namespace quillet

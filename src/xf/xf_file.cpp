@@ -46,17 +46,17 @@ XfFileHandle with_or_without_locks(bool writing, XfLastError& error, Open open) 
 }
 
 XfStatus opening_failure(const std::string& name, const XfLastError& error) {
-  if (error.locked_by_other) return xf_failure("another program is writing it");
-  if (!error.truncation.empty()) return xf_failure("truncated, " + error.truncation);
-  if (!error.system_reason.empty()) return xf_failure(error.system_reason);
-  if (H5Fis_hdf5(name.c_str()) > 0) return xf_failure("damaged or truncated HDF5 file");
-  return xf_failure("not an HDF5 file");
+  if (error.locked_by_other) return XF_FAILURE("another program is writing it");
+  if (!error.truncation.empty()) return XF_FAILURE("truncated, " + error.truncation);
+  if (!error.system_reason.empty()) return XF_FAILURE(error.system_reason);
+  if (H5Fis_hdf5(name.c_str()) > 0) return XF_FAILURE("damaged or truncated HDF5 file");
+  return XF_FAILURE("not an HDF5 file");
 }
 
 XfStatus check_file_type(hid_t file) {
   const std::optional<std::string> found = xf_dataset_text(file, file_type_name);
   if (found && xf_same_text(*found, file_type)) return {};
-  return xf_failure(found ? "an HDF5 file but not an XMDF file, expected File Type Xmdf, found " +
+  return XF_FAILURE(found ? "an HDF5 file but not an XMDF file, expected File Type Xmdf, found " +
                                 *found
                           : "an HDF5 file but not an XMDF file, it has no File Type");
 }
@@ -150,7 +150,7 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
   XfLastError error;
   XfFileHandle created = create_file(name, error);
   if (!created.valid()) {
-    return xf_failure(error.system_reason.empty() ? "the file cannot be created"
+    return XF_FAILURE(error.system_reason.empty() ? "the file cannot be created"
                                                   : error.system_reason);
   }
   XfStatus status = xf_write_text_dataset(created.get(), file_type_name, file_type);
@@ -186,7 +186,7 @@ XfStatus XF_CLOSE_FILE(XfFile& file) {
 }
 
 XfStatus XF_GET_LIBRARY_VERSION_FILE(const XfFile& file, float& version) {
-  const XfStatus missing = xf_failure("File Version is missing or no number");
+  const XfStatus missing = XF_FAILURE("File Version is missing or no number");
   const hid_t id = file->id.get();
   if (H5Lexists(id, file_version_name, H5P_DEFAULT) <= 0) return missing;
   const XfDatasetHandle dataset(H5Dopen2(id, file_version_name, H5P_DEFAULT));

@@ -36,7 +36,7 @@ XfStatus XfInflater::inflate(const XfChunkForm& form, const std::byte* stored, s
   const bool planes = form.shuffled && (skipped_filters & shuffle_bit) == 0;
   std::byte* const target = planes ? shuffled.room(form.bytes) : chunk;
   if ((skipped_filters & deflate_bit) != 0) {
-    if (size != form.bytes) return xf_failure("has a damaged size");
+    if (size != form.bytes) return XF_FAILURE("has a damaged size");
     std::memcpy(target, stored, size);
   } else {
     XfStatus status = inflate_bytes(stored, size, target, form.bytes);
@@ -58,7 +58,7 @@ XfStatus XfInflater::inflate_bytes(const std::byte* stored, std::size_t size, st
   // Without a place for the actual size, libdeflate insists on exactly chunk_bytes.
   const libdeflate_result result =
       libdeflate_zlib_decompress(decompressor.get(), stored, size, chunk, chunk_bytes, nullptr);
-  return result == LIBDEFLATE_SUCCESS ? XfStatus{} : xf_failure("has damaged compressed bytes");
+  return result == LIBDEFLATE_SUCCESS ? XfStatus{} : XF_FAILURE("has damaged compressed bytes");
 }
 
 }  // namespace quillet

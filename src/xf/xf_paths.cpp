@@ -81,21 +81,21 @@ XfStatus walk_link(hid_t folder, const std::string& name, const std::string& pat
                    Walk& walk) {
   H5O_info_t info{};
   if (H5Oget_info_by_name2(folder, name.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0) {
-    return xf_failure("damaged, cannot read the object " + path);
+    return XF_FAILURE("damaged, cannot read the object " + path);
   }
   if (info.type != H5O_TYPE_GROUP || !walk.visited.insert(info.addr).second) return {};
   const XfGroupHandle group(H5Gopen2(folder, name.c_str(), H5P_DEFAULT));
-  if (!group.valid()) return xf_failure("damaged, cannot read the group " + path);
+  if (!group.valid()) return XF_FAILURE("damaged, cannot read the group " + path);
   return walk_group(group.get(), path, level, walk);
 }
 
 // `path` is empty for the root and ends in a slash otherwise.
 XfStatus walk_folder(hid_t group, const std::string& path, int level, Walk& walk) {
-  if (level > deepest_level) return xf_failure("groups are nested too deeply at " + path);
+  if (level > deepest_level) return XF_FAILURE("groups are nested too deeply at " + path);
   std::vector<std::string> names;
   hsize_t position = 0;
   if (H5Literate(group, H5_INDEX_NAME, H5_ITER_INC, &position, keep_hard_link, &names) < 0) {
-    return xf_failure("damaged, cannot list the group /" + path);
+    return XF_FAILURE("damaged, cannot list the group /" + path);
   }
   for (const std::string& name : names) {
     XfStatus status = walk_link(group, name, path + name, level, walk);
@@ -110,7 +110,7 @@ XfStatus xf_list_datasets(hid_t file, XfDatasetPaths& paths) {
   const XfGroupHandle root(H5Gopen2(file, "/", H5P_DEFAULT));
   H5O_info_t info{};
   if (!root.valid() || H5Oget_info2(root.get(), &info, H5O_INFO_BASIC) < 0) {
-    return xf_failure("damaged, cannot read the root group");
+    return XF_FAILURE("damaged, cannot read the root group");
   }
   Walk walk{paths, {info.addr}};
   return walk_folder(root.get(), "", 0, walk);

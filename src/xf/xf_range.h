@@ -28,7 +28,7 @@ class XfRangeFinder {
   std::array<float, lanes> largest;
 };
 
-inline XfRange xf_range_of(const float* values, std::size_t count) {
+inline XfRange XF_RANGE_OF(const float* values, std::size_t count) {
   XfRangeFinder finder;
   finder.include(values, count);
   return finder.range();

@@ -12,7 +12,7 @@ XfStatus XfRowReader::open_numbers(hid_t group, const char* name, int rank, hid_
   XfStatus status = xf_open_table(group, name, rank, file_size, table);
   if (!status.ok()) return status;
   if (!xf_is_number(table.stored_type.get())) {
-    return xf_failure(std::string(name) + " holds no numbers");
+    return XF_FAILURE(std::string(name) + " holds no numbers");
   }
   use_memory_type(wanted_type);
   return {};
@@ -28,7 +28,7 @@ XfStatus XfRowReader::open_flags(hid_t group, const char* name, hsize_t file_siz
       (stored_class == H5T_INTEGER || stored_class == H5T_ENUM || stored_class == H5T_BITFIELD);
   const bool integer = stored_class == H5T_INTEGER && xf_is_number(stored);
   if (!one_byte && !integer) {
-    return xf_failure(std::string(name) + " holds no flags");
+    return XF_FAILURE(std::string(name) + " holds no flags");
   }
   // Conversion to a signed byte cuts large numbers to its limits, so that none becomes 0.
   use_memory_type(one_byte ? stored : H5T_NATIVE_SCHAR);
@@ -64,7 +64,7 @@ XfStatus XfRowReader::read_and_convert(hsize_t row, const XfPieceSink& sink) {
                                     memory, nullptr, H5P_DEFAULT) >= 0;
         if (converted) sink(first, count, memory);
       });
-  return converted ? status : xf_failure(table.name + " has a type that cannot be converted");
+  return converted ? status : XF_FAILURE(table.name + " has a type that cannot be converted");
 }
 
 XfStatus XfRowReader::read_row_in_pieces(hsize_t row, const XfPieceSink& sink) {
@@ -99,7 +99,7 @@ XfStatus XfRowReader::read_by_hdf5(hsize_t row, hsize_t first, hsize_t count,
     return {};
   }
   const std::string place = table.rank == 1 ? "" : " of output time " + std::to_string(row + 1);
-  return xf_failure(table.name + place + " cannot be read");
+  return XF_FAILURE(table.name + place + " cannot be read");
 }
 
 }  // namespace quillet

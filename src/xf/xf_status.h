@@ -16,7 +16,7 @@ struct [[nodiscard]] XfStatus {
   bool ok() const { return kind == Kind::success; }
 };
 
-inline XfStatus xf_failure(std::string reason) {
+inline XfStatus XF_FAILURE(std::string reason) {
   return {XfStatus::Kind::failure, std::move(reason)};
 }
 

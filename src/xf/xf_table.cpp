@@ -19,7 +19,7 @@ std::string number(hsize_t value) {
 XfStatus open_dataset(hid_t group, XfTable& table, hid_t access) {
   table.dataset = XfDatasetHandle(H5Dopen2(group, table.name.c_str(), access));
   if (table.dataset.valid()) return {};
-  return xf_failure(table.name + " is damaged or no dataset");
+  return XF_FAILURE(table.name + " is damaged or no dataset");
 }
 
 // Puts extents of rank 1 into the second place: a series is one row.
@@ -31,16 +31,16 @@ XfStatus read_shape(int rank, XfTable& table) {
   const XfSpaceHandle space(H5Dget_space(table.dataset.get()));
   const int found = space.valid() ? H5Sget_simple_extent_ndims(space.get()) : -1;
   if (found != rank) {
-    return xf_failure(table.name + ": expected rank " + std::to_string(rank) + ", found " +
+    return XF_FAILURE(table.name + ": expected rank " + std::to_string(rank) + ", found " +
                       std::to_string(found));
   }
   std::array<hsize_t, 3> extents{0, 1, 1};
   H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
   if (*std::max_element(extents.begin(), extents.end()) > largest_extent) {
-    return xf_failure(table.name + " has too large an extent");
+    return XF_FAILURE(table.name + " has too large an extent");
   }
   if (rank == 3 && extents[2] != 2) {
-    return xf_failure(table.name + ": expected 2 components, found " + number(extents[2]));
+    return XF_FAILURE(table.name + ": expected 2 components, found " + number(extents[2]));
   }
   make_series_a_row(rank, extents);
   table.rank = rank;
@@ -57,7 +57,7 @@ XfStatus read_filters(hid_t properties, XfTable& table) {
     std::size_t values = 0;
     filters.push_back(H5Pget_filter2(properties, i, &flags, &values, nullptr, 0, nullptr, nullptr));
     if (filters.back() < 0 || H5Zfilter_avail(filters.back()) <= 0) {
-      return xf_failure(table.name + " is compressed in an unknown way, filter " +
+      return XF_FAILURE(table.name + " is compressed in an unknown way, filter " +
                         std::to_string(filters.back()));
     }
   }
@@ -76,7 +76,7 @@ XfStatus read_chunking(hid_t properties, int rank, XfTable& table) {
   std::array<hsize_t, 3> chunk{1, 1, 1};
   if (H5Pget_chunk(properties, rank, chunk.data()) != rank ||
       std::find(chunk.begin(), chunk.end(), 0) != chunk.end()) {
-    return xf_failure(table.name + " has damaged chunk extents");
+    return XF_FAILURE(table.name + " has damaged chunk extents");
   }
   make_series_a_row(rank, chunk);
   table.chunked = true;
@@ -89,11 +89,11 @@ XfStatus read_chunking(hid_t properties, int rank, XfTable& table) {
 XfStatus read_storage(hid_t properties, int rank, XfTable& table) {
   const H5D_layout_t layout = H5Pget_layout(properties);
   if (layout == H5D_VIRTUAL || H5Pget_external_count(properties) > 0) {
-    return xf_failure(table.name + " keeps its data in other files");
+    return XF_FAILURE(table.name + " keeps its data in other files");
   }
   table.stored_type = XfTypeHandle(H5Dget_type(table.dataset.get()));
   table.stored_size = H5Tget_size(table.stored_type.get());
-  if (table.stored_size == 0) return xf_failure(table.name + " has a damaged type");
+  if (table.stored_size == 0) return XF_FAILURE(table.name + " has a damaged type");
   return layout == H5D_CHUNKED ? read_chunking(properties, rank, table) : XfStatus{};
 }
 
@@ -117,10 +117,10 @@ XfStatus check_every_chunk_written(const XfTable& table) {
   hsize_t found = 0;
   const XfSpaceHandle all(H5Dget_space(table.dataset.get()));
   if (H5Dget_num_chunks(table.dataset.get(), all.get(), &found) < 0) {
-    return xf_failure(table.name + " has a damaged list of chunks");
+    return XF_FAILURE(table.name + " has a damaged list of chunks");
   }
   if (static_cast<double>(found) >= chunk_count(table)) return {};
-  return xf_failure(table.name + " is incomplete, " + number(found) +
+  return XF_FAILURE(table.name + " is incomplete, " + number(found) +
                     " of its chunks were written");
 }
 
@@ -131,7 +131,7 @@ XfStatus check_stored_bytes(const XfTable& table) {
                                ? static_cast<double>(stored) * xf_deflate_ratio + filter_overhead
                                : static_cast<double>(stored);
   if (claimed <= warranted) return {};
-  return xf_failure(table.name + " claims more than is stored, expected " +
+  return XF_FAILURE(table.name + " claims more than is stored, expected " +
                     number(static_cast<hsize_t>(std::min(claimed, 1e18))) + " bytes, found " +
                     number(stored) + (table.filtered ? " compressed" : ""));
 }
@@ -139,7 +139,7 @@ XfStatus check_stored_bytes(const XfTable& table) {
 // Without rows nothing is stored that could warrant the columns.
 XfStatus check_empty(const XfTable& table) {
   if (table.columns <= table.file_size * xf_deflate_ratio) return {};
-  return xf_failure(table.name + " has too large an extent");
+  return XF_FAILURE(table.name + " has too large an extent");
 }
 
 XfStatus check_data(const XfTable& table) {
@@ -212,7 +212,7 @@ XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_siz
   if (status.ok()) status = read_shape(rank, table);
   if (!status.ok()) return status;
   const XfPropertiesHandle properties(H5Dget_create_plist(table.dataset.get()));
-  if (!properties.valid()) return xf_failure(table.name + " is damaged");
+  if (!properties.valid()) return XF_FAILURE(table.name + " is damaged");
   status = read_storage(properties.get(), rank, table);
   if (status.ok()) status = check_data(table);
   return status.ok() ? reopen_with_cache(group, table) : status;

@@ -45,7 +45,7 @@ XfStatus XfTableWriter::create(hid_t group, const std::string& member, hid_t sto
   const std::array<hsize_t, 3> chunk{storage.rows_per_chunk, std::max<hsize_t>(column_count, 1),
                                      components};
   if (H5Pset_chunk(properties.get(), rank, chunk.data()) < 0) {
-    return xf_failure(name + " has too large a chunk");
+    return XF_FAILURE(name + " has too large a chunk");
   }
   dataset = XfDatasetHandle(H5Dcreate2(group, name.c_str(), stored_type, space.get(), H5P_DEFAULT,
                                        properties.get(), H5P_DEFAULT));

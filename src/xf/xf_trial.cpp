@@ -42,10 +42,10 @@ bool memory_suffices(const std::string& name) {
 
 const ChildTask xf_trial_task{.name = "read-attributes", .perform = memory_suffices};
 
-XfStatus xf_try_file(const std::string& name) {
+XfStatus XF_TRY_FILE(const std::string& name) {
   xf_prepare_hdf5();  // once, not in every child
   if (SUCCEEDS_IN_CHILD(xf_trial_task, name, trial_limits)) return {};
-  return xf_failure("expected intact HDF5 headers, found damage that HDF5 cannot cope with");
+  return XF_FAILURE("expected intact HDF5 headers, found damage that HDF5 cannot cope with");
 }
 
 }  // namespace quillet

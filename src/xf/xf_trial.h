@@ -13,7 +13,7 @@ namespace quillet {
 // of the program, and HDF5 fails there instead. Fails when the child does not get through; what
 // HDF5 itself notices is left to the calls that meet it again. To be called before the file is
 // opened.
-XfStatus xf_try_file(const std::string& name);
+XfStatus XF_TRY_FILE(const std::string& name);
 
 // What that child does.
 extern const ChildTask xf_trial_task;

@@ -16,7 +16,7 @@ struct XfFolderState {
   XfGroupHandle id;
 };
 
-struct XfDatasetState {
+struct XfDatasetWriterState {
   XfGroupHandle id;
   hsize_t components = 1;
   std::size_t expected_values = 0;
@@ -74,11 +74,11 @@ XfStatus not_closed() {
 
 XfStatus check_options(const XfDatasetOptions& options) {
   if (options.compression < 0 || options.compression > 9) {
-    return xf_failure("expected a compression level of 0 to 9, found " +
+    return XF_FAILURE("expected a compression level of 0 to 9, found " +
                       std::to_string(options.compression));
   }
   const bool sizes_fit = options.expected_times >= 0 && options.times_per_chunk >= 1;
-  return sizes_fit ? XfStatus{} : xf_failure("expected positive numbers of output times");
+  return sizes_fit ? XfStatus{} : XF_FAILURE("expected positive numbers of output times");
 }
 
 XfStatus write_attributes(hid_t group, const XfDatasetOptions& options) {
@@ -93,19 +93,19 @@ XfStatus write_attributes(hid_t group, const XfDatasetOptions& options) {
 }
 
 XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t components,
-                        const XfDatasetOptions& options, XfDataset& dataset) {
+                        const XfDatasetOptions& options, XfDatasetWriter& dataset) {
   XfStatus status = check_options(options);
   if (!status.ok()) return status;
-  if (name.empty() || name.find('/') != std::string::npos) return xf_failure("unusable name");
+  if (name.empty() || name.find('/') != std::string::npos) return XF_FAILURE("unusable name");
   if (H5Lexists(folder->id.get(), name.c_str(), H5P_DEFAULT) > 0) {
-    return xf_failure("the name is already used");
+    return XF_FAILURE("the name is already used");
   }
   const char* const type = components == 1 ? "DATASET SCALAR" : "DATASET VECTOR";
   XfGroupHandle group;
   status = create_group(folder->id.get(), name, type, group);
   if (status.ok()) status = write_attributes(group.get(), options);
   if (!status.ok()) return status;
-  dataset.reset(new XfDatasetState{});
+  dataset.reset(new XfDatasetWriterState{});
   dataset->id = std::move(group);
   dataset->components = components;
   dataset->expected_values = static_cast<std::size_t>(std::max(options.expected_values, 0));
@@ -116,18 +116,18 @@ XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t
 
 XfStatus check_count(const char* what, hsize_t expected, hsize_t found) {
   if (expected == found) return {};
-  return xf_failure("expected " + std::to_string(expected) + " " + what + ", found " +
+  return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
                     std::to_string(found));
 }
 
 // Creates `Values` when this is the first output time.
-XfStatus prepare_values(XfDatasetState& dataset, std::size_t count) {
+XfStatus prepare_values(XfDatasetWriterState& dataset, std::size_t count) {
   if (dataset.values.created()) return check_count("values", dataset.values.columns(), count);
   return dataset.values.create(dataset.id.get(), "Values", H5T_IEEE_F32LE, count,
                                dataset.components, dataset.storage);
 }
 
-XfStatus write_values(XfDatasetState& dataset, hsize_t components, double time,
+XfStatus write_values(XfDatasetWriterState& dataset, hsize_t components, double time,
                       std::span<const float> values, const XfRange& range) {
   XfStatus status = check_count("components", dataset.components, components);
   if (status.ok()) status = check_count("values left over", 0, values.size() % components);
@@ -139,7 +139,7 @@ XfStatus write_values(XfDatasetState& dataset, hsize_t components, double time,
   return dataset.values.write_row(reinterpret_cast<const std::byte*>(values.data()));
 }
 
-XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> flags) {
+XfStatus write_activity(XfDatasetWriterState& dataset, std::span<const std::int8_t> flags) {
   XfTableWriter& activity = dataset.activity;
   XfStatus status = activity.created()
                         ? check_count("activity flags", activity.columns(), flags.size())
@@ -157,7 +157,7 @@ XfStatus write_activity(XfDatasetState& dataset, std::span<const std::int8_t> fl
   return activity.write_row(row);
 }
 
-XfStatus complete_tables(XfDatasetState& dataset) {
+XfStatus complete_tables(XfDatasetWriterState& dataset) {
   if (!dataset.values.created()) {
     // No output time was written.
     dataset.storage.expected_rows = 0;
@@ -171,7 +171,7 @@ XfStatus complete_tables(XfDatasetState& dataset) {
 }
 
 // Readers look into the first of Mins and Maxs without asking whether there is one.
-XfStatus write_all_series(const XfDatasetState& dataset) {
+XfStatus write_all_series(const XfDatasetWriterState& dataset) {
   const hid_t group = dataset.id.get();
   const int compression = dataset.storage.compression;
   const hsize_t count = dataset.times.size();
@@ -190,7 +190,7 @@ XfStatus write_all_series(const XfDatasetState& dataset) {
 void XfFolderCloser::operator()(XfFolderState* state) const {
   delete state;
 }
-void XfDatasetCloser::operator()(XfDatasetState* state) const {
+void XfDatasetWriterCloser::operator()(XfDatasetWriterState* state) const {
   delete state;
 }
 
@@ -209,33 +209,34 @@ XfStatus XF_CREATE_GENERIC_GROUP(const XfFile& file, const std::string& path, Xf
 }
 
 XfStatus XF_CREATE_SCALAR_DATASET(const XfFolder& folder, const std::string& name,
-                                  const XfDatasetOptions& options, XfDataset& dataset) {
+                                  const XfDatasetOptions& options, XfDatasetWriter& dataset) {
   return create_dataset(folder, name, 1, options, dataset);
 }
 
 XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& name,
-                                  const XfDatasetOptions& options, XfDataset& dataset) {
+                                  const XfDatasetOptions& options, XfDatasetWriter& dataset) {
   return create_dataset(folder, name, 2, options, dataset);
 }
 
-XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDataset& dataset, double time,
+XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDatasetWriter& dataset, double time,
                                   std::span<const float> values, const XfRange& range) {
   return xf_guard_memory([&] { return write_values(*dataset, 1, time, values, range); });
 }
 
-XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time,
+XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDatasetWriter& dataset, double time,
                                   std::span<const float> pairs, const XfRange& range) {
   return xf_guard_memory([&] { return write_values(*dataset, 2, time, pairs, range); });
 }
 
-XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDataset& dataset, std::span<const std::int8_t> flags) {
+XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDatasetWriter& dataset,
+                                    std::span<const std::int8_t> flags) {
   if (flags.empty()) {
     return check_count("activity flags", dataset->activity.columns(), 0);
   }
   return xf_guard_memory([&] { return write_activity(*dataset, flags); });
 }
 
-XfStatus XF_CLOSE_GROUP(XfDataset& dataset) {
+XfStatus XF_CLOSE_GROUP(XfDatasetWriter& dataset) {
   if (!dataset) return {};
   XfStatus status = xf_guard_memory([&] {
     XfStatus completed = complete_tables(*dataset);

@@ -20,12 +20,12 @@ struct XfFolderCloser {
 // A group that holds datasets.
 using XfFolder = std::unique_ptr<XfFolderState, XfFolderCloser>;
 
-struct XfDatasetState;
-struct XfDatasetCloser {
-  void operator()(XfDatasetState* state) const;
+struct XfDatasetWriterState;
+struct XfDatasetWriterCloser {
+  void operator()(XfDatasetWriterState* state) const;
 };
 // A dataset that is being written.
-using XfDataset = std::unique_ptr<XfDatasetState, XfDatasetCloser>;
+using XfDatasetWriter = std::unique_ptr<XfDatasetWriterState, XfDatasetWriterCloser>;
 
 struct XfDatasetOptions {
   std::string units = "m";
@@ -42,23 +42,24 @@ XfStatus XF_CREATE_GENERIC_GROUP(const XfFile& file, const std::string& path, Xf
 
 // The name holds no "/". Fails when the folder has something of this name.
 XfStatus XF_CREATE_SCALAR_DATASET(const XfFolder& folder, const std::string& name,
-                                  const XfDatasetOptions& options, XfDataset& dataset);
+                                  const XfDatasetOptions& options, XfDatasetWriter& dataset);
 XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& name,
-                                  const XfDatasetOptions& options, XfDataset& dataset);
+                                  const XfDatasetOptions& options, XfDatasetWriter& dataset);
 
 // One output time, time in the dataset's time units. The first call settles the number of values.
 // Vectors stand as x1 y1 x2 y2 ...; `range` is that of the values or of the vectors' magnitudes.
-XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDataset& dataset, double time,
+XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDatasetWriter& dataset, double time,
                                   std::span<const float> values, const XfRange& range);
-XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDataset& dataset, double time,
+XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDatasetWriter& dataset, double time,
                                   std::span<const float> pairs, const XfRange& range);
 
 // The flags of the output time just written; other than 0 is written as 1. No flags: nothing is
 // written, and the dataset has no activity. All output times have flags, or none has.
-XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDataset& dataset, std::span<const std::int8_t> flags);
+XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDatasetWriter& dataset,
+                                    std::span<const std::int8_t> flags);
 
 // Closing what is not open succeeds. Closing a dataset writes what is left of it.
-XfStatus XF_CLOSE_GROUP(XfDataset& dataset);
+XfStatus XF_CLOSE_GROUP(XfDatasetWriter& dataset);
 XfStatus XF_CLOSE_GROUP(XfFolder& folder);
 
 }  // namespace quillet

@@ -21,8 +21,8 @@ DatasetKind kind_of(const XmdfPath& path) {
 
 class XmdfDataset : public ResultDataset {
  public:
-  XmdfDataset(XmdfDatasetReader& file_reader, const XmdfDatasets& datasets, std::int32_t position,
-              bool holds_vectors)
+  XmdfDataset(XmdfDatasetReader& file_reader, const XmdfDatasetList& datasets,
+              std::int32_t position, bool holds_vectors)
       : reader(file_reader),
         path(datasets.path(position)),
         split(datasets.split_paths[static_cast<std::size_t>(position) - 1]),
@@ -58,7 +58,7 @@ class XmdfDataset : public ResultDataset {
 
 // Positions of the datasets that are wanted, in the order of the list.
 std::vector<std::int32_t> wanted_positions(const XmdfFileHeader& header,
-                                           const XmdfDatasets& datasets) {
+                                           const XmdfDatasetList& datasets) {
   std::vector<std::int32_t> positions;
   if (header.datasets().found()) {
     if (&datasets != &header.datasets()) return positions;
@@ -82,7 +82,7 @@ std::vector<std::unique_ptr<ResultDataset>> LIST_XMDF_DATASETS(XmdfDatasetReader
   const XmdfFileHeader& header = reader.file();
   std::vector<std::unique_ptr<ResultDataset>> list;
   for (const bool vectors : {false, true}) {
-    const XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
+    const XmdfDatasetList& datasets = vectors ? header.vectors : header.scalars;
     for (const std::int32_t position : wanted_positions(header, datasets)) {
       list.push_back(std::make_unique<XmdfDataset>(reader, datasets, position, vectors));
     }

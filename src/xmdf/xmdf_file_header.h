@@ -34,7 +34,7 @@ struct XmdfPeakOutput {
 };
 
 // The scalar datasets of a file, or its vector datasets.
-struct XmdfDatasets {
+struct XmdfDatasetList {
   std::int32_t count = 0;
   std::int32_t longest_path = 0;  // characters
   std::vector<std::string> paths;
@@ -66,15 +66,15 @@ struct XmdfFileHeader {
   std::int32_t node_count = 0;             // values per output time
   std::optional<std::int32_t> cell_count;  // activity flags per output time, if any
   std::string time_units;                  // as the file states them; times are taken to be hours
-  XmdfDatasets scalars;
-  XmdfDatasets vectors;
+  XmdfDatasetList scalars;
+  XmdfDatasetList vectors;
 
   std::vector<double> times;  // hours, of the Temporal dataset
 
   // Where scalars and vectors both have the requested type, the vectors are used, and they alone.
   bool uses_vectors() const { return vectors.found(); }
-  const XmdfDatasets& datasets() const { return uses_vectors() ? vectors : scalars; }
-  XmdfDatasets& datasets() { return uses_vectors() ? vectors : scalars; }
+  const XmdfDatasetList& datasets() const { return uses_vectors() ? vectors : scalars; }
+  XmdfDatasetList& datasets() { return uses_vectors() ? vectors : scalars; }
 };
 
 // Ends the run: the text, with the file's name where it ends in a blank; below it the file, the

@@ -19,7 +19,7 @@ namespace {
 
 void open_file(XmdfFileHeader& header) {
   SAY("Opening XMDF file " + QUOTED(header.file_name));
-  const XfStatus tried = xf_try_file(header.file_name);
+  const XfStatus tried = XF_TRY_FILE(header.file_name);
   if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
@@ -38,10 +38,10 @@ void read_version(XmdfFileHeader& header) {
   SAY("XMDF Version: " + AREAL(version));
 }
 
-using DatasetsInfo = XfStatus (*)(const XfFile&, XfDatasetsInfo&);
+using GetDatasetsInfo = XfStatus (*)(const XfFile&, XfDatasetsInfo&);
 
-void read_counts(const XmdfFileHeader& header, const std::string& kind, DatasetsInfo get,
-                 XmdfDatasets& datasets) {
+void read_counts(const XmdfFileHeader& header, const std::string& kind, GetDatasetsInfo get,
+                 XmdfDatasetList& datasets) {
   SAY("Getting " + kind + " dataset information");
   XfDatasetsInfo info;
   const XfStatus status = get(header.file, info);
@@ -71,10 +71,10 @@ struct ListTexts {
   std::string_view failure;
 };
 
-using DatasetPaths = XfStatus (*)(const XfFile&, std::vector<std::string>&);
+using GetDatasetPaths = XfStatus (*)(const XfFile&, std::vector<std::string>&);
 
-void read_paths(const XmdfFileHeader& header, const ListTexts& texts, DatasetPaths get,
-                XmdfDatasets& datasets) {
+void read_paths(const XmdfFileHeader& header, const ListTexts& texts, GetDatasetPaths get,
+                XmdfDatasetList& datasets) {
   if (datasets.count < 1) return;
   const XfStatus status = get(header.file, datasets.paths);
   if (!status.ok()) FAIL_XMDF(texts.failure, header.file_name, "", status);
@@ -92,11 +92,11 @@ struct SizeGroups {
   XfGroup vector;
 };
 
-std::string first_path(const XmdfDatasets& datasets) {
+std::string first_path(const XmdfDatasetList& datasets) {
   return datasets.paths.empty() ? "" : datasets.paths.front();
 }
 
-bool open_first(const XfFile& file, const XmdfDatasets& datasets, XfGroup& group) {
+bool open_first(const XfFile& file, const XmdfDatasetList& datasets, XfGroup& group) {
   return !datasets.paths.empty() && XF_OPEN_GROUP(file, datasets.paths.front(), group).ok();
 }
 
@@ -122,7 +122,7 @@ SizeGroups open_size_groups(const XmdfFileHeader& header) {
 void ask_groups(const XmdfFileHeader& header, const SizeGroups& groups,
                 const std::function<XfStatus(const XfGroup&)>& ask, std::string_view what,
                 std::string_view failure) {
-  XfStatus status = groups.scalar ? ask(groups.scalar) : xf_failure("no scalar dataset");
+  XfStatus status = groups.scalar ? ask(groups.scalar) : XF_FAILURE("no scalar dataset");
   if (status.ok()) return;
   SAY("WARNING - Could not extract " + std::string(what) +
       " from scalar data group.. trying vector data group.");
@@ -163,14 +163,14 @@ void read_sizes(XmdfFileHeader& header) {
 
 // The chosen datasets, or all where none was chosen.
 std::vector<std::string> paths_to_read(const XmdfFileHeader& header) {
-  const XmdfDatasets& chosen = header.datasets();
+  const XmdfDatasetList& chosen = header.datasets();
   std::vector<std::string> paths;
   for (const std::int32_t position :
        {chosen.temporal, chosen.maximums, chosen.minimums, chosen.times}) {
     if (position != 0) paths.push_back(chosen.path(position));
   }
   if (chosen.found()) return paths;
-  for (const XmdfDatasets* const datasets : {&header.scalars, &header.vectors}) {
+  for (const XmdfDatasetList* const datasets : {&header.scalars, &header.vectors}) {
     paths.insert(paths.end(), datasets->paths.begin(), datasets->paths.end());
   }
   return paths;
@@ -210,7 +210,7 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files) {
   }
 }
 
-void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
+void READ_XMDF_CHOSEN_CELL_COUNT(XmdfFileHeader& header) {
   for (const std::string& path : paths_to_read(header)) {
     if (header.cell_count) return;
     XfGroup group;
@@ -224,7 +224,7 @@ void ReadXmdfChosenCellCount(XmdfFileHeader& header) {
 }
 
 void ReadXmdfTimeCount(XmdfFileHeader& header) {
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   if (datasets.temporal == 0) return;
   SAY("Extracting number of outputs for temporal data in " + QUOTED(header.file_name));
   const std::string& path = datasets.path(datasets.temporal);
@@ -239,7 +239,7 @@ void ReadXmdfTimeCount(XmdfFileHeader& header) {
 }
 
 void ReadXmdfTimes(XmdfFileHeader& header) {
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   if (datasets.temporal == 0) return;
   const std::string& path = datasets.path(datasets.temporal);
   XfGroup group;
@@ -254,7 +254,7 @@ void ReadXmdfTimes(XmdfFileHeader& header) {
 ResultShape ReadXmdfShapeSilently(const XmdfFileHeader& header) {
   std::int32_t nodes = 0;
   std::int32_t cells = 0;
-  for (const DatasetPaths list : {XF_GET_SCALAR_DATASET_PATHS, XF_GET_VECTOR_DATASET_PATHS}) {
+  for (const GetDatasetPaths list : {XF_GET_SCALAR_DATASET_PATHS, XF_GET_VECTOR_DATASET_PATHS}) {
     std::vector<std::string> paths;
     XfGroup group;
     const bool is_open = list(header.file, paths).ok() && !paths.empty() &&

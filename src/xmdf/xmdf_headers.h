@@ -22,7 +22,7 @@ void ReadXmdfSizes(std::vector<XmdfFileHeader>& files);
 
 // The number of cells, for a file whose first dataset has no activity, from the datasets that were
 // chosen, or from all where none was.
-void ReadXmdfChosenCellCount(XmdfFileHeader& header);
+void READ_XMDF_CHOSEN_CELL_COUNT(XmdfFileHeader& header);
 
 // The output times of the dataset that holds the time series, in hours; none where there is none.
 // The count and the times are read by two calls, since the caller announces what it sizes between.

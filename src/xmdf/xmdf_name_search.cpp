@@ -12,7 +12,7 @@ bool is_called(const XmdfPath& path, const std::string& wanted) {
   return LOWERCASE(TRIMF(path.dataset)) == wanted;
 }
 
-bool lists(const XmdfDatasets& datasets, const std::string& wanted) {
+bool lists(const XmdfDatasetList& datasets, const std::string& wanted) {
   return std::any_of(datasets.split_paths.begin(), datasets.split_paths.end(),
                      [&](const XmdfPath& path) { return is_called(path, wanted); });
 }
@@ -23,7 +23,7 @@ XmdfNameSearch::XmdfNameSearch(const XmdfFileHeader& header, std::string_view ty
     : wanted(LOWERCASE(TRIMF(type_name))),
       has_exact(lists(header.scalars, wanted) || lists(header.vectors, wanted)) {}
 
-bool XmdfNameSearch::finds(const XmdfDatasets& datasets, std::size_t i) const {
+bool XmdfNameSearch::finds(const XmdfDatasetList& datasets, std::size_t i) const {
   const XmdfPath& path = datasets.split_paths[i];
   if (wanted.empty() || !FLAGEXISTS(path.dataset, wanted)) return false;
   const std::string quoted_path = QUOTED(datasets.paths[i]);

@@ -18,7 +18,7 @@ class XmdfNameSearch {
 
   // Whether dataset i (from 0) of one of the file's lists is of the type. Says what was found, and
   // what comes close but is passed over.
-  bool finds(const XmdfDatasets& datasets, std::size_t i) const;
+  bool finds(const XmdfDatasetList& datasets, std::size_t i) const;
 
  private:
   std::string wanted;  // lower case

@@ -48,7 +48,7 @@ struct Report {
     note(XF_CLOSE_GROUP(group));
   }
 
-  void write_section(const std::string& heading, const XmdfDatasets& datasets) {
+  void write_section(const std::string& heading, const XmdfDatasetList& datasets) {
     if (datasets.paths.empty()) return;
     line(heading);
     line(fmt::format("Number Datasets: {:>10}", datasets.count));

@@ -146,7 +146,7 @@ void XmdfSink::write(double time, const RES_TYPE& record) {
     write_scalars(time, magnitude.data(), range, record);
   } else {
     const float* const values = record.nd.x.data();
-    write_scalars(time, values, xf_range_of(values, count), record);
+    write_scalars(time, values, XF_RANGE_OF(values, count), record);
   }
 }
 
@@ -179,8 +179,8 @@ void XmdfSink::write_scalars(double time, const float* values, const XfRange& ra
 }
 
 // Writes the activity after the values.
-void XmdfSink::finish_output(const XfDataset& dataset, XfStatus status, const RES_TYPE& record,
-                             const char* kind) {
+void XmdfSink::finish_output(const XfDatasetWriter& dataset, XfStatus status,
+                             const RES_TYPE& record, const char* kind) {
   if (status.ok()) status = XF_WRITE_ACTIVITY_TIMESTEP(dataset, record.cell.status);
   check(status, std::string("ERROR - Writing data [XF_WRITE_") + kind + "_TIMESTEP] ");
   SAY("Done.");

@@ -34,7 +34,7 @@ class XmdfSink : public ResultSink {
   XfRange prepare_vectors(const RES_TYPE& record);
   void write_scalars(double time, const float* values, const XfRange& range,
                      const RES_TYPE& record);
-  void finish_output(const XfDataset& dataset, XfStatus status, const RES_TYPE& record,
+  void finish_output(const XfDatasetWriter& dataset, XfStatus status, const RES_TYPE& record,
                      const char* kind);
   void close_datasets();
   void check(const XfStatus& status, const std::string& message);
@@ -48,8 +48,8 @@ class XmdfSink : public ResultSink {
   PartFile part;
   XfFile file;
   XfFolder folder;
-  XfDataset scalar_dataset;
-  XfDataset vector_dataset;
+  XfDatasetWriter scalar_dataset;
+  XfDatasetWriter vector_dataset;
   // Of the vectors being written.
   LargeArray<float> pairs;  // x1 y1 x2 y2 ...; where the record does not hold them so
   LargeArray<float> magnitude;

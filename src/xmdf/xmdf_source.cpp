@@ -49,7 +49,7 @@ void XmdfSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
 }
 
 bool XmdfSource::has_stored(Extreme extreme) const {
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   return (extreme == Extreme::maximum ? datasets.maximums : datasets.minimums) != 0;
 }
 
@@ -60,7 +60,7 @@ void XmdfSource::read_stored(Extreme extreme, RES_TYPE& record) {
 // A series without output times is not opened.
 void XmdfSource::begin_scan(std::string_view sought) {
   if (at_end()) return;
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   const std::string& path = datasets.path(datasets.temporal);
   SAY("Extracting " + std::string(sought) + " from /Temporal/ folder in " + header.file_name);
   SAY("Opening data group: " + path);

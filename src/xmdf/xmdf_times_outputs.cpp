@@ -37,14 +37,14 @@ void add_with_depth(std::vector<XmdfTimesOutput>& outputs, std::int32_t path,
   outputs.push_back({path, depth.value_or(0.0F)});
 }
 
-void add_peak(XmdfDatasets& datasets, std::int32_t path, PeakKind kind) {
+void add_peak(XmdfDatasetList& datasets, std::int32_t path, PeakKind kind) {
   if (datasets.peak_outputs.size() == most_peak_outputs) {
     FAIL_RUN("ERROR - Exceeded maximum number of peak time outputs, limit is 10.");
   }
   datasets.peak_outputs.push_back({path, kind});
 }
 
-void classify(XmdfDatasets& datasets, std::int32_t path, const std::string& dataset) {
+void classify(XmdfDatasetList& datasets, std::int32_t path, const std::string& dataset) {
   constexpr std::size_t column_after_first = 22;     // "Time of First Depth > 0.1"
   constexpr std::size_t column_after_duration = 16;  // "Duration Above 0.3m"
   if (FLAGEXISTS(dataset, "Time of First")) {
@@ -62,7 +62,7 @@ void classify(XmdfDatasets& datasets, std::int32_t path, const std::string& data
 
 }  // namespace
 
-void CLASSIFY_TIMES_OUTPUTS(XmdfDatasets& datasets) {
+void CLASSIFY_TIMES_OUTPUTS(XmdfDatasetList& datasets) {
   std::int32_t position = 0;
   for (const XmdfPath& path : datasets.split_paths) {
     ++position;

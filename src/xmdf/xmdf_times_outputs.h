@@ -8,6 +8,6 @@ namespace quillet {
 // Sorts the datasets of the folder Times into first times above a depth, durations above a depth
 // and times of peak. Depths that a name does not tell are a warning; more outputs of a kind than
 // any engine writes end the run.
-void CLASSIFY_TIMES_OUTPUTS(XmdfDatasets& datasets);
+void CLASSIFY_TIMES_OUTPUTS(XmdfDatasetList& datasets);
 
 }  // namespace quillet

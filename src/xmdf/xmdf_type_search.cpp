@@ -18,13 +18,13 @@ bool contains(std::string_view text, std::string_view part) {
 
 struct Folder {
   std::string_view name;
-  std::int32_t XmdfDatasets::*index;
+  std::int32_t XmdfDatasetList::*index;
 };
 
-constexpr std::array<Folder, 4> folders{{{"/maximums/", &XmdfDatasets::maximums},
-                                         {"/temporal/", &XmdfDatasets::temporal},
-                                         {"/minimums/", &XmdfDatasets::minimums},
-                                         {"/times/", &XmdfDatasets::times}}};
+constexpr std::array<Folder, 4> folders{{{"/maximums/", &XmdfDatasetList::maximums},
+                                         {"/temporal/", &XmdfDatasetList::temporal},
+                                         {"/minimums/", &XmdfDatasetList::minimums},
+                                         {"/times/", &XmdfDatasetList::times}}};
 
 const Folder* folder_of(const std::string& path) {
   const std::string lower = LOWERCASE(path);
@@ -40,7 +40,7 @@ std::string group_of(const std::string& path) {
 }
 
 // A series of one run beside the maximum of another.
-void warn_of_groups(const XmdfDatasets& datasets) {
+void warn_of_groups(const XmdfDatasetList& datasets) {
   for (const std::int32_t stored : {datasets.maximums, datasets.minimums}) {
     if (stored == 0 || datasets.temporal == 0) continue;
     const std::string& extreme = datasets.path(stored);
@@ -52,7 +52,7 @@ void warn_of_groups(const XmdfDatasets& datasets) {
 
 void warn_of_both_kinds(const XmdfFileHeader& header) {
   if (!header.scalars.found() || !header.vectors.found()) return;
-  const XmdfDatasets& used = header.vectors;
+  const XmdfDatasetList& used = header.vectors;
   for (const std::int32_t position :
        {used.selected, used.temporal, used.maximums, used.minimums, used.times}) {
     if (position == 0) continue;
@@ -68,7 +68,7 @@ struct Search {
   bool by_path;
   bool vectors;
 
-  bool finds(const XmdfDatasets& datasets, std::size_t i) const {
+  bool finds(const XmdfDatasetList& datasets, std::size_t i) const {
     if (!by_path) return type_names.finds(datasets, i);
     const XmdfPath& split = datasets.split_paths[i];
     const bool matches = !BLANK(name) && (FLAGEXISTS(datasets.paths[i], name) ||
@@ -82,7 +82,7 @@ struct Search {
     index = position;
   }
 
-  void take(XmdfDatasets& datasets, std::int32_t position) const {
+  void take(XmdfDatasetList& datasets, std::int32_t position) const {
     const std::string& path = datasets.path(position);
     if (by_path) {
       choose(datasets.selected, position, path);
@@ -103,7 +103,7 @@ struct Search {
     EXITS();
   }
 
-  void run(XmdfDatasets& datasets) const {
+  void run(XmdfDatasetList& datasets) const {
     const std::string kind = vectors ? "vector" : "scalar";
     SAY("Searching " + kind + " datasets for " + QUOTED(name) + "...");
     datasets.clear_selection();
@@ -116,7 +116,7 @@ struct Search {
   }
 };
 
-bool has_dataset_named(const XmdfDatasets& datasets, std::string_view name) {
+bool has_dataset_named(const XmdfDatasetList& datasets, std::string_view name) {
   return std::any_of(datasets.split_paths.begin(), datasets.split_paths.end(),
                      [&](const XmdfPath& path) { return ASAME(path.dataset, name); });
 }
@@ -165,8 +165,8 @@ void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeNam
   }
 }
 
-bool SelectXmdfDataset(XmdfFileHeader& header, bool vectors, std::int32_t position) {
-  XmdfDatasets& datasets = vectors ? header.vectors : header.scalars;
+bool SELECT_XMDF_DATASET(XmdfFileHeader& header, bool vectors, std::int32_t position) {
+  XmdfDatasetList& datasets = vectors ? header.vectors : header.scalars;
   if (position < 1 || position > datasets.count) return false;
   datasets.selected = position;
   datasets.temporal = position;
@@ -174,14 +174,14 @@ bool SelectXmdfDataset(XmdfFileHeader& header, bool vectors, std::int32_t positi
 }
 
 bool IsXmdfWaterLevel(const XmdfFileHeader& header) {
-  const XmdfDatasets& scalars = header.scalars;
+  const XmdfDatasetList& scalars = header.scalars;
   if (header.uses_vectors() || scalars.selected == 0) return false;
   const auto i = static_cast<std::size_t>(scalars.selected) - 1;
   return ASAME(scalars.split_paths[i].dataset, "Water Level");
 }
 
-bool IsXmdfPeakTime(const XmdfFileHeader& header) {
-  const XmdfDatasets& datasets = header.datasets();
+bool IS_XMDF_PEAK_TIME(const XmdfFileHeader& header) {
+  const XmdfDatasetList& datasets = header.datasets();
   return std::any_of(
       datasets.peak_outputs.begin(), datasets.peak_outputs.end(),
       [&](const XmdfPeakOutput& output) { return output.path == datasets.selected; });

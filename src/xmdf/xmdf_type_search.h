@@ -17,12 +17,12 @@ void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeNam
 
 // The dataset of the given position in the list becomes the selected one and the time series. False
 // when there is no such position.
-bool SelectXmdfDataset(XmdfFileHeader& header, bool vectors, std::int32_t position);
+bool SELECT_XMDF_DATASET(XmdfFileHeader& header, bool vectors, std::int32_t position);
 
 // True when the dataset that was selected by its path or its place in the list holds water levels.
 bool IsXmdfWaterLevel(const XmdfFileHeader& header);
 
 // True when the selected dataset is one of the folder Times that holds times of peak.
-bool IsXmdfPeakTime(const XmdfFileHeader& header);
+bool IS_XMDF_PEAK_TIME(const XmdfFileHeader& header);
 
 }  // namespace quillet

@@ -88,7 +88,7 @@ void read_stored(const XmdfFileHeader& header, const std::string& what, std::int
 }  // namespace
 
 XmdfOutput XMDF_OUTPUT_AT(const XmdfFileHeader& header, float time, float tolerance) {
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   // Exact on purpose: the search for water levels is the one with a tolerance.
   if (time == stored_maximum_time) return stored_output(datasets.maximums);
   if (time == stored_minimum_time) return stored_output(datasets.minimums);
@@ -102,8 +102,8 @@ void FindXmdfTime(const std::vector<XmdfFileHeader>& files, float requestTime, f
   for (const XmdfFileHeader& header : files) find_time(header, requestTime, tolerance);
 }
 
-std::int32_t NearestXmdfTime(const std::string& fileName, const std::vector<double>& times,
-                             float requestTime, float tolerance) {
+std::int32_t NEAREST_XMDF_TIME(const std::string& fileName, const std::vector<double>& times,
+                               float requestTime, float tolerance) {
   const std::size_t nearest = near_time(fileName, times, requestTime, tolerance);
   const auto time_index = static_cast<std::int32_t>(nearest) + 1;
   tell_time(times, time_index);
@@ -145,7 +145,7 @@ void ReadXmdfMinimum(const XmdfFileHeader& header, RES_TYPE& record) {
 }
 
 void ReadXmdfSingleTime(const XmdfFileHeader& header, RES_TYPE& record) {
-  const XmdfDatasets& datasets = header.datasets();
+  const XmdfDatasetList& datasets = header.datasets();
   XmdfDatasetReader reader(header);
   reader.open(datasets.path(datasets.selected), header.uses_vectors());
   if (reader.times().size() > 1) {

@@ -29,8 +29,8 @@ void FindXmdfTime(const std::vector<XmdfFileHeader>& files, float requestTime, f
 
 // Position (from 1) of the output nearest to the time; 1 when there are none. Tells it. Ends the
 // run when it does not lie within the tolerance.
-std::int32_t NearestXmdfTime(const std::string& fileName, const std::vector<double>& times,
-                             float requestTime, float tolerance);
+std::int32_t NEAREST_XMDF_TIME(const std::string& fileName, const std::vector<double>& times,
+                               float requestTime, float tolerance);
 
 // Reads one output. A caller that walks through a dataset opens its group with the first output and
 // closes it with the last.

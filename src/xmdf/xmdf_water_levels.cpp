@@ -66,7 +66,7 @@ void XmdfWaterLevels::ReadWaterLevel(float requestTime, float timeTolerance) {
   } else {
     SAY("Using /Temporal/ folder.");
     open_dataset(temporal);
-    read_output(NearestXmdfTime(header.file_name, reader.times(), requestTime, timeTolerance));
+    read_output(NEAREST_XMDF_TIME(header.file_name, reader.times(), requestTime, timeTolerance));
   }
 }
 

@@ -45,6 +45,6 @@ void read_file(const std::string& name) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static quillet::fuzz::MemoryFile file;
   file.set(data, size);
-  if (quillet::xf_try_file(file.name()).ok()) quillet::read_file(file.name());
+  if (quillet::XF_TRY_FILE(file.name()).ok()) quillet::read_file(file.name());
   return 0;
 }

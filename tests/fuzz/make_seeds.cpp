@@ -46,7 +46,7 @@ void write_xmdf(const fs::path& name, int compression) {
   fs::create_directories(name.parent_path());
   XfFile file;
   XfFolder folder;
-  XfDataset dataset;
+  XfDatasetWriter dataset;
   XfDatasetOptions options;
   options.compression = compression;
   options.times_per_chunk = compression > 0 ? 2 : 1;

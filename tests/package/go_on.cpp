@@ -22,7 +22,7 @@ int count_output_times(const std::string& name) {
 
 std::string describe_xmdf(const std::string& name) {
   quillet::XfFile file;
-  quillet::XfStatus status = quillet::xf_try_file(name);
+  quillet::XfStatus status = quillet::XF_TRY_FILE(name);
   if (status.ok()) status = quillet::XF_OPEN_FILE(name, file);
   return status.ok() ? "opened" : status.reason;
 }

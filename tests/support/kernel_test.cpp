@@ -153,7 +153,7 @@ void single_arrays(std::int32_t count, Values& values, Results& results) {
   SEPARATE_COMPONENTS(pairs.data(), count, y.data(), x.data());
   results.add(x);
   results.add(y);
-  const XfRange range = xf_range_of(pairs.data(), pairs.size());
+  const XfRange range = XF_RANGE_OF(pairs.data(), pairs.size());
   results.add(std::vector{range.smallest, range.largest});
 }
 

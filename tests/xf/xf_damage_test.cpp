@@ -104,7 +104,7 @@ TEST_P(XfDamageTest, BytesDamagedAtRandomCrashNothing) {
       damaged[position] = static_cast<char>(random());
     }
     folder.write("damaged.xmdf", damaged);
-    if (!xf_try_file(path("damaged.xmdf")).ok()) continue;
+    if (!XF_TRY_FILE(path("damaged.xmdf")).ok()) continue;
     if (count_readable(path("damaged.xmdf"), vector) == time_count) ++unharmed;
   }
   EXPECT_GT(unharmed, 0);

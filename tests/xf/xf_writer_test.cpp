@@ -23,8 +23,8 @@ class XfWriterTest : public XfTest {
     EXPECT_OK(XF_CREATE_GENERIC_GROUP(file, "run//Temporal/", folder));
   }
 
-  XfDataset scalar(const std::string& name, const XfDatasetOptions& options = {}) {
-    XfDataset dataset;
+  XfDatasetWriter scalar(const std::string& name, const XfDatasetOptions& options = {}) {
+    XfDatasetWriter dataset;
     EXPECT_OK(XF_CREATE_SCALAR_DATASET(folder, name, options, dataset));
     return dataset;
   }
@@ -60,7 +60,7 @@ TEST_F(XfWriterTest, MoreOrFewerOutputTimesThanExpectedMayFollow) {
        {XfDatasetOptions{.expected_times = 2}, XfDatasetOptions{.expected_times = 9},
         XfDatasetOptions{.compression = 1, .expected_times = 2, .times_per_chunk = 2},
         XfDatasetOptions{.compression = 9, .expected_times = 9, .times_per_chunk = 4}}) {
-    XfDataset dataset = scalar("d" + std::to_string(number++), options);
+    XfDatasetWriter dataset = scalar("d" + std::to_string(number++), options);
     for (float hours = 0; hours < 3; ++hours) {
       EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(dataset, hours, Reals{hours, 7}, some_range));
       EXPECT_OK(XF_WRITE_ACTIVITY_TIMESTEP(dataset, Flags{0, -128, 2}));
@@ -75,9 +75,9 @@ TEST_F(XfWriterTest, MoreOrFewerOutputTimesThanExpectedMayFollow) {
 }
 
 TEST_F(XfWriterTest, NamesAreUsedOnceAndMakeNoFurtherGroups) {
-  XfDataset first = scalar("Depth");
+  XfDatasetWriter first = scalar("Depth");
   EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(first, 0, Reals{1, 2}, some_range));
-  XfDataset other;
+  XfDatasetWriter other;
   for (const auto& [name, reason] :
        std::vector<std::pair<std::string, std::string>>{{"Depth", "already used"},
                                                         {"a/b", "unusable name"},
@@ -99,7 +99,7 @@ TEST_F(XfWriterTest, NamesAreUsedOnceAndMakeNoFurtherGroups) {
 }
 
 TEST_F(XfWriterTest, OptionsThatCannotBeAreRefused) {
-  XfDataset dataset;
+  XfDatasetWriter dataset;
   for (const XfDatasetOptions& options :
        {XfDatasetOptions{.compression = 10}, XfDatasetOptions{.compression = -1},
         XfDatasetOptions{.expected_times = -1}, XfDatasetOptions{.times_per_chunk = 0}}) {
@@ -110,8 +110,8 @@ TEST_F(XfWriterTest, OptionsThatCannotBeAreRefused) {
 
 TEST_F(XfWriterTest, EveryOutputTimeHasTheSameNumbers) {
   const Reals two{1, 2}, three{1, 2, 3};
-  XfDataset depth = scalar("Depth");
-  XfDataset flow;
+  XfDatasetWriter depth = scalar("Depth");
+  XfDatasetWriter flow;
   ASSERT_OK(XF_CREATE_VECTOR_DATASET(folder, "Vector Velocity", {}, flow));
   expect_failure(XF_WRITE_ACTIVITY_TIMESTEP(depth, Flags{1}), "expected 0 output times");
   EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(depth, 0, three, some_range));
@@ -128,31 +128,31 @@ TEST_F(XfWriterTest, EveryOutputTimeHasTheSameNumbers) {
 // Activity for all output times or for none.
 TEST_F(XfWriterTest, ActivityMayNotBeMissingForOneOutputTime) {
   const auto after_first = [&](const std::string& name, const Flags& flags) {
-    XfDataset dataset = scalar(name);
+    XfDatasetWriter dataset = scalar(name);
     EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(dataset, 0, Reals{1}, some_range));
     EXPECT_OK(XF_WRITE_ACTIVITY_TIMESTEP(dataset, flags));
     return dataset;
   };
-  XfDataset twice = after_first("written twice", {1, 0});
+  XfDatasetWriter twice = after_first("written twice", {1, 0});
   expect_failure(XF_WRITE_ACTIVITY_TIMESTEP(twice, Flags{1, 0}), "expected 1 output times");
   for (const bool has_first : {true, false}) {
-    XfDataset half = after_first(has_first ? "later missing" : "first missing",
-                                 has_first ? Flags{1, 0} : Flags{});
+    XfDatasetWriter half = after_first(has_first ? "later missing" : "first missing",
+                                       has_first ? Flags{1, 0} : Flags{});
     EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(half, 1, Reals{1}, some_range));
     expect_failure(XF_WRITE_ACTIVITY_TIMESTEP(half, has_first ? Flags{} : Flags{1, 0}),
                    has_first ? "expected 2 activity flags, found 0" : "expected 2 output times");
   }
-  XfDataset longer = after_first("more flags", {1, 0});
+  XfDatasetWriter longer = after_first("more flags", {1, 0});
   EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(longer, 1, Reals{1}, some_range));
   expect_failure(XF_WRITE_ACTIVITY_TIMESTEP(longer, Flags{1, 0, 1}), "expected 2 activity flags");
-  XfDataset unfinished = after_first("not written at the end", {1, 0});
+  XfDatasetWriter unfinished = after_first("not written at the end", {1, 0});
   EXPECT_OK(XF_WRITE_SCALAR_TIMESTEP(unfinished, 1, Reals{1}, some_range));
   expect_failure(XF_CLOSE_GROUP(unfinished), "expected 2 output times with activity, found 1");
   EXPECT_FALSE(unfinished);
 }
 
 TEST_F(XfWriterTest, AFileWithOpenDatasetsDoesNotCloseWell) {
-  const XfDataset dataset = scalar("Depth");
+  const XfDatasetWriter dataset = scalar("Depth");
   expect_failure(XF_CLOSE_FILE(file), "");
   EXPECT_OK(XF_CLOSE_FILE(file));
 }
@@ -175,7 +175,7 @@ TEST(XfRanges, AreTheSmallestAndTheLargestNumber) {
     EXPECT_EQ(finder.range().largest, 5e9F);
   }
   const auto range_of = [](const Reals& values) {
-    return xf_range_of(values.data(), values.size());
+    return XF_RANGE_OF(values.data(), values.size());
   };
   EXPECT_TRUE(std::isnan(range_of({nan, nan}).smallest) && std::isnan(range_of({}).largest));
   EXPECT_EQ(range_of({nan, inf}).smallest, inf);

@@ -10,7 +10,7 @@
 
 namespace quillet {
 
-struct OperationRun {
+struct OperationJob {
   RunInputs& inputs;
   ResultSink& output;
   WorkArrays& work;

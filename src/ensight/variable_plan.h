@@ -15,7 +15,7 @@ struct PlannedOutput {
   std::int64_t number = 0;  // of the file, from 1
 };
 
-struct DatasetPlan {
+struct VariablePlan {
   ResultDataset* dataset = nullptr;
   bool is_series = false;
   std::string file_ending;              // of the file base; made fit for a file name later
@@ -42,7 +42,7 @@ RunTimes RUN_TIMES(const std::vector<EnsightInput>& inputs);
 // A series has a file for every output time of the run, or it is passed over: a case file must not
 // point to what is not there. Its other outputs are left out. Of a dataset that does not change
 // with time the last output counts.
-DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input, ResultDataset& dataset,
-                         const std::vector<double>& run_times);
+VariablePlan PLAN_VARIABLE(const ExportRequest& request, const EnsightInput& input,
+                           ResultDataset& dataset, const std::vector<double>& run_times);
 
 }  // namespace quillet

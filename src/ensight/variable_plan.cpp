@@ -1,4 +1,4 @@
-#include "ensight/dataset_plan.h"
+#include "ensight/variable_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,7 +28,7 @@ std::size_t position_in(const std::vector<double>& run_times, double time, std::
 }
 
 void plan_series(const std::vector<double>& times, const std::vector<double>& run_times,
-                 double tolerance, DatasetPlan& plan) {
+                 double tolerance, VariablePlan& plan) {
   std::vector<bool> is_there(run_times.size());
   std::size_t likely = 0;
   for (std::size_t output = 0; output < times.size(); ++output) {
@@ -50,7 +50,7 @@ void plan_series(const std::vector<double>& times, const std::vector<double>& ru
   plan.is_series = true;
 }
 
-void plan_single(const ResultDataset& dataset, DatasetPlan& plan) {
+void plan_single(const ResultDataset& dataset, VariablePlan& plan) {
   const std::size_t count = dataset.times().size();
   if (count == 0) return;
   plan.outputs.push_back({count - 1, 1});
@@ -59,10 +59,10 @@ void plan_single(const ResultDataset& dataset, DatasetPlan& plan) {
 
 // A folder that says nothing: a series when it has the run's times, else a single dataset when it
 // has one output.
-void plan_other(const EnsightRun& run, const ResultDataset& dataset,
-                const std::vector<double>& run_times, DatasetPlan& plan) {
-  DatasetPlan series = plan;
-  plan_series(dataset.times(), run_times, run.time_tolerance, series);
+void plan_other(const ExportRequest& request, const ResultDataset& dataset,
+                const std::vector<double>& run_times, VariablePlan& plan) {
+  VariablePlan series = plan;
+  plan_series(dataset.times(), run_times, request.time_tolerance, series);
   if (!series.outputs.empty()) {
     plan = series;
   } else if (dataset.times().size() == 1) {
@@ -92,13 +92,13 @@ std::string_view prefix_of(DatasetKind kind) {
 
 // Stored extremes of a .dat file have fixed endings. Where several inputs could have one, the
 // output name says of what.
-void name_extreme(const EnsightRun& run, std::string_view ending, DatasetPlan& plan) {
+void name_extreme(const ExportRequest& request, std::string_view ending, VariablePlan& plan) {
   plan.file_ending = ending;
-  if (run.inputs.size() == 1) plan.output_name = ending;
+  if (request.inputs.size() == 1) plan.output_name = ending;
 }
 
 // False when the input's type has no times of maxima.
-bool name_times_of_maxima(const EnsightInput& input, DatasetPlan& plan) {
+bool name_times_of_maxima(const EnsightInput& input, VariablePlan& plan) {
   std::string_view quantity;
   if (ASAME(input.type.type, "_h")) quantity = "h";
   if (ASAME(input.type.type, "_v")) quantity = "V";
@@ -110,8 +110,8 @@ bool name_times_of_maxima(const EnsightInput& input, DatasetPlan& plan) {
 }
 
 // False when the dataset has no place in the data set.
-bool name_dataset(const EnsightRun& run, const EnsightInput& input, const ResultDataset& dataset,
-                  DatasetPlan& plan) {
+bool name_dataset(const ExportRequest& request, const EnsightInput& input,
+                  const ResultDataset& dataset, VariablePlan& plan) {
   const std::string name = own_name(dataset);
   plan.title = name;
   plan.description = dataset.description();
@@ -120,10 +120,10 @@ bool name_dataset(const EnsightRun& run, const EnsightInput& input, const Result
   if (!dataset.shares_name()) return true;
   switch (dataset.kind()) {
     case DatasetKind::maximum:
-      name_extreme(run, "Max", plan);
+      name_extreme(request, "Max", plan);
       return true;
     case DatasetKind::minimum:
-      name_extreme(run, "Min", plan);
+      name_extreme(request, "Min", plan);
       return true;
     case DatasetKind::special_times:
       return name_times_of_maxima(input, plan);
@@ -165,17 +165,17 @@ RunTimes RUN_TIMES(const std::vector<EnsightInput>& inputs) {
   return run_times;
 }
 
-DatasetPlan PLAN_DATASET(const EnsightRun& run, const EnsightInput& input, ResultDataset& dataset,
-                         const std::vector<double>& run_times) {
-  DatasetPlan plan;
+VariablePlan PLAN_VARIABLE(const ExportRequest& request, const EnsightInput& input,
+                           ResultDataset& dataset, const std::vector<double>& run_times) {
+  VariablePlan plan;
   plan.dataset = &dataset;
-  if (!name_dataset(run, input, dataset, plan)) return plan;
+  if (!name_dataset(request, input, dataset, plan)) return plan;
   switch (dataset.kind()) {
     case DatasetKind::series:
-      plan_series(dataset.times(), run_times, run.time_tolerance, plan);
+      plan_series(dataset.times(), run_times, request.time_tolerance, plan);
       return plan;
     case DatasetKind::other:
-      plan_other(run, dataset, run_times, plan);
+      plan_other(request, dataset, run_times, plan);
       return plan;
     case DatasetKind::maximum:
     case DatasetKind::minimum:
