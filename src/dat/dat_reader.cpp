@@ -22,6 +22,31 @@ constexpr std::int64_t value_size = sizeof(float);
 // 256 KiB: a piece stays in the second cache of every processor until it has been looked at.
 constexpr std::int64_t values_per_piece = 64 * 1024;
 
+// Reading apart from its neighbours costs about as much as reading so many bytes more.
+constexpr std::int64_t cost_of_a_read = 16 * 1024;
+
+// The stretches that hold the wanted items, those between near ones included; nothing where reading
+// all items is cheaper.
+std::optional<std::vector<DatStretch>> worthwhile_stretches(const std::vector<std::int32_t>& wanted,
+                                                            std::int64_t count,
+                                                            std::int64_t item_size) {
+  std::vector<DatStretch> stretches;
+  std::int64_t cost = 0;
+  for (const std::int64_t item : wanted) {
+    const bool is_near =
+        !stretches.empty() &&
+        (item - stretches.back().first - stretches.back().count) * item_size < cost_of_a_read;
+    if (!is_near) {
+      stretches.push_back({item, 0});
+      cost += cost_of_a_read;
+    }
+    cost += (item + 1 - stretches.back().first - stretches.back().count) * item_size;
+    stretches.back().count = item + 1 - stretches.back().first;
+  }
+  if (cost >= count * item_size) return std::nullopt;
+  return stretches;
+}
+
 std::string cut_short(std::int64_t expected, const char* what, std::int64_t found) {
   return fmt::format("expected {} bytes of {}, found {}", expected, what,
                      std::max(found, std::int64_t{0}));
@@ -164,29 +189,52 @@ void DatReader::return_to(const Place& place) {
   step_follows = place.step_follows;
 }
 
+void DatReader::limit_to(const std::vector<std::int32_t>& nodes,
+                         const std::vector<std::int32_t>& cells) {
+  needed_nodes = worthwhile_stretches(nodes, file_header.node_count, sizeof(float));
+  needed_cells = worthwhile_stretches(cells, file_header.cell_count, 1);
+}
+
 void DatReader::load(const DatStep& step, RES_TYPE& record) {
   record.time = step.time;
   record.is_vector = step.is_vector;
   if (step.statuses_at == 0) {
     std::fill(record.cell.status.begin(), record.cell.status.end(), std::int8_t{1});
   } else {
-    read_bytes(step.statuses_at, record.cell.status.data(), record.cell_count, "cell statuses");
+    load_statuses(step.statuses_at, record);
   }
-  if (step.is_vector && !record.holds_pairs) {
-    load_vectors(step.values_at, record.nd, record.node_count);
-  } else {
-    const std::int64_t count = record.node_count * std::int64_t{step.is_vector ? 2 : 1};
-    read_bytes(step.values_at, record.nd.x.data(), count * std::int64_t{sizeof(float)},
-               "node values");
+  load_values(step, record);
+}
+
+void DatReader::load_statuses(std::int64_t from, RES_TYPE& record) {
+  const std::vector<DatStretch> all{{0, record.cell_count}};
+  for (const DatStretch& stretch : needed_cells.value_or(all)) {
+    read_bytes(from + stretch.first, record.cell.status.data() + stretch.first, stretch.count,
+               "cell statuses");
   }
 }
 
-void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count) {
-  piece.resize(values_per_piece);
+void DatReader::load_values(const DatStep& step, RES_TYPE& record) {
+  const std::vector<DatStretch> all{{0, record.node_count}};
+  const std::int64_t reals = step.is_vector ? 2 : 1;
+  for (const DatStretch& stretch : needed_nodes.value_or(all)) {
+    if (step.is_vector && !record.holds_pairs) {
+      load_vectors(step.values_at, record.nd, stretch);
+      continue;
+    }
+    const std::int64_t first = reals * stretch.first;
+    read_bytes(step.values_at + first * value_size, record.nd.x.data() + first,
+               reals * stretch.count * value_size, "node values");
+  }
+}
+
+void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStretch& stretch) {
   constexpr std::int64_t pairs_per_piece = values_per_piece / 2;
-  for (std::int64_t first = 0; first < count; first += pairs_per_piece) {
-    const std::int64_t size = std::min(pairs_per_piece, count - first);
-    read_bytes(from + 2 * first * value_size, piece.data(), 2 * size * value_size, "node values");
+  piece.resize(values_per_piece);
+  const std::int64_t end = stretch.first + stretch.count;
+  for (std::int64_t first = stretch.first; first < end; first += pairs_per_piece) {
+    const std::int64_t size = std::min(pairs_per_piece, end - first);
+    read_bytes(from + first * 2 * value_size, piece.data(), size * 2 * value_size, "node values");
     SEPARATE_COMPONENTS(piece.data(), size, nodes.x.data() + first, nodes.y.data() + first);
   }
 }

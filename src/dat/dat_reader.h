@@ -23,6 +23,12 @@ struct DatStep {
   std::int64_t values_at = 0;
 };
 
+// Neighbouring nodes or cells.
+struct DatStretch {
+  std::int64_t first = 0;  // index, from 0
+  std::int64_t count = 0;
+};
+
 class DatReader {
  public:
   // Opens the file (see InputUnit).
@@ -65,6 +71,11 @@ class DatReader {
   // The same piece by piece, statuses first; `cell_count` is that of the run.
   void load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces);
 
+  // Only these nodes and cells (indices, ascending) of what is loaded from now on are needed. Where
+  // they lie far apart, load() reads the bytes around them alone and leaves all others as they
+  // were.
+  void limit_to(const std::vector<std::int32_t>& nodes, const std::vector<std::int32_t>& cells);
+
   // The walk's place in the file, to come back to.
   struct Place {
     std::int64_t position = 0;
@@ -93,7 +104,9 @@ class DatReader {
   bool states_statuses_later();
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
   void load_statuses_in_pieces(const DatStep& step, std::int32_t count, OutputPieces& pieces);
-  void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, std::int32_t count);
+  void load_statuses(std::int64_t from, RES_TYPE& record);
+  void load_values(const DatStep& step, RES_TYPE& record);
+  void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStretch& stretch);
 
   InputUnit file;
   DatHeader file_header;
@@ -105,6 +118,8 @@ class DatReader {
   std::int64_t position = 0;           // just after that card
   std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far
   LargeArray<float> piece;             // what has been read of the values or the statuses
+  std::optional<std::vector<DatStretch>> needed_nodes;  // not given: all
+  std::optional<std::vector<DatStretch>> needed_cells;
 };
 
 }  // namespace quillet

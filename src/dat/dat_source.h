@@ -28,6 +28,11 @@ class DatSource : public ResultSource {
   ResultShape shape() const override;
   std::int64_t likely_time_count() const override { return reader.time_count_bound(); }
 
+  void limit_to(const std::vector<std::int32_t>& nodes,
+                const std::vector<std::int32_t>& cells) override {
+    reader.limit_to(nodes, cells);
+  }
+
   bool at_end() const override { return reader.at_end(); }
   double next_time() override { return reader.next_time(); }
   bool has_short_times() const override { return true; }

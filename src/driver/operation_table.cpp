@@ -4,6 +4,7 @@
 
 #include "driver/conversion_run.h"
 #include "driver/ensight_run.h"
+#include "driver/map_runs.h"
 #include "driver/time_list_run.h"
 #include "driver/velocity_angle_run.h"
 #include "driver/xmdf_report_run.h"
@@ -335,6 +336,31 @@ constexpr std::array operations{
                    .result = ResultForm::scalar},
         .warning_of_further_inputs = "WARNING - Only one file for -toi option",
         .perform = over_times<RUN_TIME_OF_INCREASE>,
+    },
+    OperationRow{
+        .flag = "--grid",
+        .meaning = "raster",
+        .own_option = {"--grid", "<cell size>", "results as a raster, .tif or .asc", SET_CELL_SIZE},
+        .page = "grid.md",
+        .name_output = NAME_GRID,
+        .output = OutputKind::own,
+        .opens_output_itself = true,
+        .arrays = {.step = StepForm::components},
+        .warning_of_further_inputs = "WARNING - Only one file for --grid option",
+        .perform = WRITE_GRID,
+    },
+    OperationRow{
+        .flag = "--points",
+        .meaning = "time series",
+        .own_option = {"--points", "<file.csv>", "time series at the points listed in a file",
+                       SET_POINTS_FILE},
+        .page = "points.md",
+        .name_output = NAME_TIME_SERIES,
+        .output = OutputKind::own,
+        .opens_output_itself = true,
+        .arrays = {.step = StepForm::components},
+        .warning_of_further_inputs = "WARNING - Only one file for --points option",
+        .perform = WRITE_TIME_SERIES,
     },
 };
 

@@ -34,6 +34,7 @@ std::vector<std::string> FILES_READ(const RunSetup& setup) {
   std::vector<std::string> files;
   const std::string& first = setup.options.inputs.front();
   if (FILEEXT(first) == ".sup") files.push_back(first);
+  if (setup.options.points_file) files.push_back(*setup.options.points_file);
   for (std::size_t input = 0; input < setup.input_names.size(); ++input) {
     const std::string& name = setup.input_names[input];
     files.push_back(name);

@@ -8,6 +8,7 @@
 #include "driver/argument_parser.h"
 #include "driver/operation_table.h"
 #include "support/console.h"
+#include "support/numbers.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -50,6 +51,16 @@ bool set_threads(RunOptions& options, std::string_view value) {
   return true;
 }
 
+// The codes of projected systems that a GeoTIFF can state.
+bool set_coordinate_system(RunOptions& options, std::string_view value) {
+  constexpr std::int32_t first = 1024;
+  constexpr std::int32_t last = 32766;
+  const std::optional<std::int32_t> code = READ_INTEGER(value);
+  if (!READ_WHOLE_DOUBLE(value) || !code || *code < first || *code > last) return false;
+  options.coordinate_system = code;
+  return true;
+}
+
 constexpr std::array own_options{
     OwnOptionRow{help_option, "", "shows this help", note_nothing},
     OwnOptionRow{version_option, "", "shows the version", note_nothing},
@@ -64,6 +75,8 @@ constexpr std::array own_options{
     OwnOptionRow{"--threads", "<number>",
                  "how many threads share the work (default: what the process may use, at most 8)",
                  set_threads},
+    OwnOptionRow{"--epsg", "<code>", "states the projected coordinate system of a raster",
+                 set_coordinate_system},
 };
 
 // "--threads=4" is "--threads" and "4"; without "=" there is no value, not even an empty one.

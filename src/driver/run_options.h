@@ -46,6 +46,11 @@ struct RunOptions {
   bool summary = false;          // --summary
   std::optional<int> threads;    // --threads; as many as the process may use, within reason
 
+  double cell_size = 0;                           // m, --grid
+  std::string cell_size_text;                     // as typed
+  std::optional<std::int32_t> coordinate_system;  // EPSG code, --epsg
+  std::optional<std::string> points_file;         // --points
+
   // More than one is an error, which is told later.
   void choose(const OperationRow& operation) {
     if (!asks_for(operation)) operations.push_back(&operation);

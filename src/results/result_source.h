@@ -27,6 +27,11 @@ class ResultSource {
   // How many output times the file holds, for reserving space: a guess.
   virtual std::int64_t likely_time_count() const = 0;
 
+  // Of what is read from now on, only the values of these nodes and the statuses of these cells
+  // (indices, ascending) are looked at: a source may leave all others as they were.
+  virtual void limit_to(const std::vector<std::int32_t>& nodes,
+                        const std::vector<std::int32_t>& cells) = 0;
+
   // The walk over all output times, from the first to the last.
   virtual bool at_end() const = 0;
   virtual double next_time() = 0;  // not at the end

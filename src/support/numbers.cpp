@@ -118,4 +118,9 @@ bool TEXT_FOLLOWS_NUMBER(std::string_view text) {
   return TRIM_BOTH(text).find_first_of(number_ends) != std::string_view::npos;
 }
 
+std::optional<double> READ_WHOLE_DOUBLE(std::string_view text) {
+  if (text.find_first_of(" \t,/") != std::string_view::npos) return std::nullopt;
+  return READ_DOUBLE(text);
+}
+
 }  // namespace quillet

@@ -34,4 +34,7 @@ std::optional<std::int32_t> READ_INTEGER(std::string_view text);
 // True when more than blanks and tabs stands behind the end of that number ("0,3", "1/5", "2 h").
 bool TEXT_FOLLOWS_NUMBER(std::string_view text);
 
+// The number that the whole text is: without blanks, and nothing follows it.
+std::optional<double> READ_WHOLE_DOUBLE(std::string_view text);
+
 }  // namespace quillet

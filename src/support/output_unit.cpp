@@ -87,6 +87,14 @@ void OutputUnit::write_out(const char* data, std::size_t size) {
   }
 }
 
+void OutputUnit::write_over_start(std::string_view bytes) {
+  flush();
+  const std::int64_t length = written;
+  if (!GO_TO_START_OF_FILE(file)) FAIL_WRITING(file_name, SYSTEM_REASON());
+  write_out(bytes.data(), bytes.size());
+  written = length;
+}
+
 void OutputUnit::complete() {
   flush();
   if (reserved > written && !CUT_FILE(file, written)) FAIL_WRITING(file_name, SYSTEM_REASON());

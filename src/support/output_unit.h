@@ -37,6 +37,9 @@ class OutputUnit {
   void write(const void* data, std::size_t size);
   void write(std::string_view text) { write(text.data(), text.size()); }
 
+  // Writes over the first bytes of the file, which have been written. The last that is written.
+  void write_over_start(std::string_view bytes);
+
   // Room for `size` bytes (at most buffer_size) in the buffer, to be filled and then kept.
   char* room(std::size_t size);
   void keep(std::size_t size) { buffered += size; }

@@ -46,6 +46,9 @@ std::int64_t READ_SOME_AT(SystemFile file, std::int64_t position, void* destinat
                           std::int64_t count);
 std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count);
 
+// What is written next goes over the first bytes.
+bool GO_TO_START_OF_FILE(SystemFile file);
+
 // Room on the disk for a file that will have `bytes` bytes; its length may become that already.
 // False when the system has no such thing or not the room, of which it may have given a part.
 bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes);

@@ -88,6 +88,10 @@ std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count) {
   }
 }
 
+bool GO_TO_START_OF_FILE(SystemFile file) {
+  return ::lseek(file, 0, SEEK_SET) == 0;
+}
+
 // The plain system call: the library's fallback would write every block.
 #ifdef __linux__
 bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes) {

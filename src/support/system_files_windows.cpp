@@ -214,6 +214,11 @@ std::int64_t WRITE_SOME(SystemFile file, const void* data, std::int64_t count) {
   return put;
 }
 
+bool GO_TO_START_OF_FILE(SystemFile file) {
+  return ::SetFilePointerEx(handle_of(file), LARGE_INTEGER{}, nullptr, FILE_BEGIN) ||
+         note_error(::GetLastError());
+}
+
 bool RESERVE_FILE_ROOM(SystemFile file, std::int64_t bytes) {
   FILE_ALLOCATION_INFO room{};
   room.AllocationSize.QuadPart = bytes;

@@ -24,6 +24,9 @@ class XmdfSource : public ResultSource {
   }
   std::int64_t likely_time_count() const override;
 
+  // A chunk is read as a whole in any case.
+  void limit_to(const std::vector<std::int32_t>&, const std::vector<std::int32_t>&) override {}
+
   bool at_end() const override;
   double next_time() override { return header.times[outputs_passed]; }
   bool has_short_times() const override;

@@ -51,12 +51,28 @@ std::vector<std::vector<std::string>> commands_of(const fs::path& page, const st
   return commands;
 }
 
+// The points that the examples name.
+std::string gauges() {
+  std::ifstream file(tests_folder + "/../docs/operations/points.md");
+  std::string rows;
+  bool is_inside = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line.rfind("```", 0) == 0) {
+      is_inside = line == "```csv";
+    } else if (is_inside) {
+      rows += line + '\n';
+    }
+  }
+  return rows;
+}
+
 // On a model of their own, one after another.
 void expect_to_run(const std::vector<std::vector<std::string>>& commands, bool each_writes_anew) {
   const Workspace folder;
   const std::string model =
       example_model_path + " --nodes 1000 \"" + folder.path().string() + "\" > /dev/null";
   ASSERT_EQ(std::system(model.c_str()), 0);
+  folder.write("gauges.csv", gauges());
   EXPECT_FALSE(commands.empty());
   for (const auto& arguments : commands) {
     const auto before = folder.names();

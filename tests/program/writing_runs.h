@@ -31,6 +31,9 @@ inline void MAKE_INPUTS_OF_WRITING_RUNS(const Workspace& folder) {
   }
   folder.write("a_V.dat", DAT_FILE(vectors, "v", flows));
   folder.write("a.2dm", "MESH2D\nE3T 1 1 2 1 1\nND 1 0 0 0\nND 2 1 0 0\n");
+  folder.write("g.2dm", "MESH2D\nE3T 1 1 2 3 1\nND 1 0 0 0\nND 2 3 0 0\nND 3 0 3 0\n");
+  folder.write("g_d.dat", DAT_FILE({3, 1}, "g", {{0, {1}, {5, 1, 2}}, {1, {1}, {9, 7, 8}}}));
+  folder.write("g.csv", "name,x,y\nA,1,1\nB,0.5,2\n");
   MAKE_XMDF(folder, "x.xmdf",
             {{"r/Temporal/Depth", scalars, times}, {"r/Temporal/Vector Velocity", vectors, flows}});
 }
@@ -51,7 +54,10 @@ inline const std::vector<WritingRun> runs_written_to_units{
     {"TrimDat", "-trim1 a_d.dat", "r.dat"},
     {"VaDat", "-va a_V.dat", "r.dat"},
     {"ConvXmdf", "-conv -typed x.xmdf", "r.dat"},
-    {"Xnfo", "-xnfo x.xmdf", "r.txt"}};
+    {"Xnfo", "-xnfo x.xmdf", "r.txt"},
+    {"GridTiff", "--grid=1 g_d.dat", "r.tif"},
+    {"GridAscii", "--grid=1 -t1 g_d.dat", "r.asc"},
+    {"Points", "--points=g.csv g_d.dat", "r.csv"}};
 
 // ... what HDF5 writes ...
 inline const std::vector<WritingRun> runs_written_otherwise{
