@@ -171,7 +171,7 @@ void note_water_levels(RunSetup& setup) {
   std::size_t xmdf_inputs = 0;
   for (std::size_t input = 0; input < setup.input_kinds.size(); ++input) {
     if (setup.input_kinds[input] != FileKind::xmdf) continue;
-    if (!IsXmdfWaterLevel(setup.xmdf_files[xmdf_inputs++])) continue;
+    if (!IS_XMDF_WATER_LEVEL(setup.xmdf_files[xmdf_inputs++])) continue;
     setup.inputs.types[input].is_water_level = true;
   }
 }
@@ -239,7 +239,7 @@ void announce_walk(const RunSetup& setup) {
 // For an operation that looks at its inputs itself, which have told nothing yet.
 void take_shape_untold(RunSetup& setup) {
   if (setup.xmdf_files.empty()) return;
-  setup.shape = ReadXmdfShapeSilently(setup.xmdf_files.front());
+  setup.shape = READ_XMDF_SHAPE_SILENTLY(setup.xmdf_files.front());
 }
 
 }  // namespace

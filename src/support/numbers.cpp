@@ -56,7 +56,7 @@ std::string plain_decimal(Real value) {
 }
 
 // The digits of "d.ddde+xx" moved to fixed notation.
-std::string fixed_notation(bool negative, std::string digits, int exponent) {
+std::string fixed_notation(bool negative, const std::string& digits, int exponent) {
   std::string text = negative ? "-" : "";
   if (exponent < 0) return text + "0." + std::string(-exponent - 1, '0') + digits;
   const auto whole = static_cast<std::size_t>(exponent) + 1;

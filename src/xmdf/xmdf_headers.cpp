@@ -251,7 +251,7 @@ void ReadXmdfTimes(XmdfFileHeader& header) {
   }
 }
 
-ResultShape ReadXmdfShapeSilently(const XmdfFileHeader& header) {
+ResultShape READ_XMDF_SHAPE_SILENTLY(const XmdfFileHeader& header) {
   std::int32_t nodes = 0;
   std::int32_t cells = 0;
   for (const GetDatasetPaths list : {XF_GET_SCALAR_DATASET_PATHS, XF_GET_VECTOR_DATASET_PATHS}) {

@@ -31,6 +31,6 @@ void ReadXmdfTimes(XmdfFileHeader& header);
 
 // What the first datasets of an opened file tell, scalars first: 0 where they tell nothing. Prints
 // nothing and never ends the run.
-ResultShape ReadXmdfShapeSilently(const XmdfFileHeader& header);
+ResultShape READ_XMDF_SHAPE_SILENTLY(const XmdfFileHeader& header);
 
 }  // namespace quillet

@@ -173,7 +173,7 @@ bool SELECT_XMDF_DATASET(XmdfFileHeader& header, bool vectors, std::int32_t posi
   return true;
 }
 
-bool IsXmdfWaterLevel(const XmdfFileHeader& header) {
+bool IS_XMDF_WATER_LEVEL(const XmdfFileHeader& header) {
   const XmdfDatasetList& scalars = header.scalars;
   if (header.uses_vectors() || scalars.selected == 0) return false;
   const auto i = static_cast<std::size_t>(scalars.selected) - 1;

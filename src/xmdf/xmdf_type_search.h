@@ -20,7 +20,7 @@ void FindXmdfType(std::vector<XmdfFileHeader>& files, const std::string& typeNam
 bool SELECT_XMDF_DATASET(XmdfFileHeader& header, bool vectors, std::int32_t position);
 
 // True when the dataset that was selected by its path or its place in the list holds water levels.
-bool IsXmdfWaterLevel(const XmdfFileHeader& header);
+bool IS_XMDF_WATER_LEVEL(const XmdfFileHeader& header);
 
 // True when the selected dataset is one of the folder Times that holds times of peak.
 bool IS_XMDF_PEAK_TIME(const XmdfFileHeader& header);
