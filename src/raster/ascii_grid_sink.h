@@ -1,7 +1,9 @@
 // A raster as an ESRI ASCII grid: six lines of header, then one line per row. One band.
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "raster/raster_sink.h"
 #include "support/output_unit.h"
@@ -13,15 +15,16 @@ class AsciiGridSink : public RasterSink {
   // Creates the file and writes the header.
   AsciiGridSink(const std::string& file_name, const RasterDescription& raster);
 
-  std::int32_t rows_at_a_time() const override { return 64; }
-  std::int64_t stride() const override { return columns; }
+  BlockSize block_size() const override { return size; }
+  std::unique_ptr<BlockPacker> make_packer() const override;
   void begin_band(const std::string&) override {}  // the format has no place for it
-  void write_rows(const float* cells, std::int32_t rows) override;
+  void write(std::string_view bytes) override { unit.write(bytes); }
   void close() override { unit.complete(); }
 
  private:
   OutputUnit unit;
-  std::int32_t columns;
+  std::int32_t rows;  // of the raster
+  BlockSize size;     // whole rows
 };
 
 }  // namespace quillet

@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "raster/tile_packer.h"
 #include "support/console.h"
 #include "support/text.h"
 
@@ -118,7 +119,8 @@ std::string band_names_as_xml(const std::vector<std::string>& names) {
   return xml + "</GDALMetadata>\n";
 }
 
-std::int32_t checked_tiles_across(const RasterDescription& raster) {
+// The name, of a raster whose bands and tiles the format can number. Else ends the run.
+const std::string& name_of_possible(const std::string& file_name, const RasterDescription& raster) {
   const RasterGrid& grid = raster.grid;
   const std::int64_t a_band = tiles_along(grid.columns) * tiles_along(grid.rows);
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
@@ -128,15 +130,13 @@ std::int32_t checked_tiles_across(const RasterDescription& raster) {
     FAIL_RUN(fmt::format("ERROR - The raster is too large: {} x {} cells, {} output times",
                          grid.columns, grid.rows, bands));
   }
-  return static_cast<std::int32_t>(tiles_along(grid.columns));
+  return file_name;
 }
 
 }  // namespace
 
 GeotiffSink::GeotiffSink(const std::string& file_name, const RasterDescription& raster)
-    : unit(file_name),
-      tiles_across(checked_tiles_across(raster)),
-      stream(unit, needs_big_tiff(raster)) {
+    : unit(name_of_possible(file_name, raster)), stream(unit, needs_big_tiff(raster)) {
   TiffFields fields{stream.tiff()};
   add_fields(fields.tiff);
   set_layout(raster, fields);
@@ -145,13 +145,20 @@ GeotiffSink::GeotiffSink(const std::string& file_name, const RasterDescription& 
   if (!fields.accepted) stream.fail();
 }
 
-void GeotiffSink::write_rows(const float* cells, std::int32_t) {
-  for (std::int32_t tile = 0; tile < tiles_across; ++tile) {
-    packer.pack(cells + std::int64_t{tile} * tile_side, stride());
-    const auto size = static_cast<tmsize_t>(packer.size());
-    if (TIFFWriteRawTile(stream.tiff(), next_tile++, packer.data(), size) != size) stream.fail();
-    stream.pass_on();
-  }
+BlockSize GeotiffSink::block_size() const {
+  return {tile_side, tile_side};
+}
+
+std::unique_ptr<BlockPacker> GeotiffSink::make_packer() const {
+  return std::make_unique<TilePacker>();
+}
+
+// The library changes the bytes only in files of the other byte order.
+void GeotiffSink::write(std::string_view bytes) {
+  const auto size = static_cast<tmsize_t>(bytes.size());
+  char* const data = const_cast<char*>(bytes.data());
+  if (TIFFWriteRawTile(stream.tiff(), next_tile++, data, size) != size) stream.fail();
+  stream.pass_on();
 }
 
 void GeotiffSink::close() {

@@ -4,11 +4,11 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "raster/raster_sink.h"
 #include "raster/tiff_stream.h"
-#include "raster/tile_packer.h"
 #include "support/output_unit.h"
 
 namespace quillet {
@@ -18,19 +18,17 @@ class GeotiffSink : public RasterSink {
   // Creates the file. Ends the run when it would have more tiles than the format can number.
   GeotiffSink(const std::string& file_name, const RasterDescription& raster);
 
-  std::int32_t rows_at_a_time() const override { return tile_side; }
-  std::int64_t stride() const override { return std::int64_t{tiles_across} * tile_side; }
+  BlockSize block_size() const override;
+  std::unique_ptr<BlockPacker> make_packer() const override;
   void begin_band(const std::string& name) override { band_names.push_back(name); }
-  void write_rows(const float* cells, std::int32_t rows) override;
+  void write(std::string_view bytes) override;
   void close() override;
 
  private:
   OutputUnit unit;
-  std::int32_t tiles_across;
   std::uint32_t next_tile = 0;
   std::vector<std::string> band_names;
   TiffStream stream;
-  TilePacker packer;
 };
 
 }  // namespace quillet

@@ -1,4 +1,5 @@
-// The value of every cell of a raster, found by drawing the mesh, part by part, over the rows.
+// The value of every cell of a raster, found by drawing the mesh, part by part, into one block of
+// cells after the other.
 #pragma once
 
 #include <cstdint>
@@ -6,51 +7,45 @@
 
 #include "mesh/mesh_values.h"
 #include "mesh/part_mesh.h"
+#include "raster/cell_block.h"
 #include "raster/raster_grid.h"
 
 namespace quillet {
 
-// Rows of the raster, or a stretch of them.
-struct CellBlock {
-  std::int32_t first_row = 0;
-  std::int32_t rows = 0;
-  std::int32_t first_column = 0;
-  std::int32_t columns = 0;
-  std::int64_t stride = 0;  // cells from one row to the next
-  float* cells = nullptr;   // of the first row and column
-};
-
-// Draws a mesh that was placed in the grid (PLACE_IN_GRID) from the first row to the last, some
-// rows at a time. A cell takes the value at its centre, or stays as it is where no wet part lies. A
-// centre on an edge belongs to the element with the lowest id of those that are wet.
+// Draws a mesh that was placed in the grid (PLACE_IN_GRID). A cell takes the value at its centre,
+// or raster_no_data where no wet part lies. A centre on an edge belongs to the element with the
+// lowest id of those that are wet.
 class PartRasteriser {
  public:
-  // The mesh must stay. Ends the run when memory does not suffice.
+  // Sorts the parts into the blocks that they reach into. The mesh must stay. Ends the run when
+  // memory does not suffice.
   PartRasteriser(const PartMesh& placed_mesh, const RasterGrid& grid, double tolerance_in_cells,
-                 std::int32_t rows_at_a_time);
+                 const BlockSize& block_size);
 
-  // Back to the first rows.
-  void rewind();
+  // Fills a block (by rows, from 0), whose rows stand one behind the other. Cells outside of the
+  // raster hold no data. False, and nothing is touched, where nothing is wet. Any thread may draw.
+  bool draw(const MeshValues& values, std::int64_t block, float* cells) const;
 
-  // Goes to the next rows: from `rows_at_a_time` times the number of earlier calls on.
-  void next_rows();
-
-  // Draws into cells of these rows.
-  void draw(const MeshValues& values, const CellBlock& block) const;
+  std::int64_t block_count() const { return counts.total(); }
 
  private:
-  std::int32_t first_row_of(const MeshPart& part) const;
-  std::int32_t last_row_of(const MeshPart& part) const;
+  // Blocks, both ends included; none where first > last.
+  struct Blocks {
+    std::int64_t first_row, last_row, first_column, last_column;
+  };
+
+  Blocks blocks_of(const MeshPart& part) const;
+  template <typename Use>
+  void for_each_block_of(const MeshPart& part, const Use& use) const;
 
   const PartMesh& mesh;
   double tolerance;
-  std::int32_t last_row;
-  std::int32_t block_rows;
-  std::vector<std::int32_t> starts;  // per block of rows: where its first parts begin in `order`
-  LargeArray<std::int32_t> order;    // parts by the block they begin in, then by falling id
-  LargeArray<std::int32_t> active;   // those that reach into the present rows, by falling id
-  LargeArray<std::int32_t> merged;   // the next ones while they are gathered
-  std::int32_t block_number = -1;
+  std::int32_t rows;
+  std::int32_t columns;
+  BlockSize size;
+  BlockCounts counts;
+  std::vector<std::int64_t> starts;  // per block, and one more: where its parts begin in `order`
+  LargeArray<std::int32_t> order;    // parts by block, those of a block by falling id
 };
 
 }  // namespace quillet

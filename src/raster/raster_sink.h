@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "raster/cell_block.h"
 #include "raster/raster_grid.h"
 
 namespace quillet {
@@ -16,20 +19,37 @@ struct RasterDescription {
   std::optional<std::int32_t> coordinate_system;  // EPSG code of a projected one
 };
 
-// Bands are written one after the other, each from its first row to its last. Whatever cannot be
-// written ends the run; the file has its final name only after close().
+// Turns the cells of a block into the bytes that stand in the file. One for each block that is
+// under way at a time; a helper thread may use it.
+class BlockPacker {
+ public:
+  virtual ~BlockPacker() = default;
+
+  // The cells of a whole block, one row behind the other, those outside of the raster too. Needs no
+  // memory and cannot fail.
+  virtual void pack(std::int64_t block, const float* cells) = 0;
+
+  // A block without a value.
+  virtual void pack_no_data(std::int64_t block) = 0;
+
+  // Of the block packed last.
+  virtual std::string_view bytes() const = 0;
+};
+
+// Bands are written one after the other, each block by block, row by row from the north-west.
+// Whatever cannot be written ends the run; the file has its final name only after close().
 class RasterSink {
  public:
   virtual ~RasterSink() = default;
 
-  // Rows that are written at a time (fewer at the end of a band), and how far apart their first
-  // cells must stand: there is room for `stride` cells in each of `rows_at_a_time` rows.
-  virtual std::int32_t rows_at_a_time() const = 0;
-  virtual std::int64_t stride() const = 0;
+  virtual BlockSize block_size() const = 0;
 
-  // Before the first rows of each band: what the band is called.
+  // Ends the run when memory does not suffice.
+  virtual std::unique_ptr<BlockPacker> make_packer() const = 0;
+
+  // Before the first block of each band: what the band is called.
   virtual void begin_band(const std::string& name) = 0;
-  virtual void write_rows(const float* cells, std::int32_t rows) = 0;
+  virtual void write(std::string_view bytes) = 0;
 
   virtual void close() = 0;
 };

@@ -44,18 +44,29 @@ TilePacker::TilePacker() try : compressor(libdeflate_alloc_compressor(deflate_le
   if (!compressor) throw std::bad_alloc();
   predicted.resize(tile_bytes);
   packed.resize(libdeflate_zlib_compress_bound(compressor.get(), tile_bytes));
+  no_data.resize(packed.size());
+  const std::vector<float> cells(tile_bytes / sizeof(float), raster_no_data);
+  no_data.resize(deflate(cells.data(), no_data).size());
 } catch (const std::bad_alloc&) {
   FAIL_ALLOCATION();
 }
 
-void TilePacker::pack(const float* cells, std::int64_t stride) {
+void TilePacker::pack(std::int64_t, const float* cells) {
+  taken = deflate(cells, packed);
+}
+
+void TilePacker::pack_no_data(std::int64_t) {
+  taken = {no_data.data(), no_data.size()};
+}
+
+std::string_view TilePacker::deflate(const float* cells, std::vector<char>& target) {
   constexpr std::size_t row_bytes = tile_side * sizeof(float);
-  for (std::int32_t row = 0; row < tile_side; ++row) {
-    Kernel<predict_row>::run(cells + row * stride,
-                             &predicted[static_cast<std::size_t>(row) * row_bytes]);
+  for (std::size_t row = 0; row < tile_side; ++row) {
+    Kernel<predict_row>::run(cells + row * tile_side, &predicted[row * row_bytes]);
   }
-  packed_size = libdeflate_zlib_compress(compressor.get(), predicted.data(), predicted.size(),
-                                         packed.data(), packed.size());
+  const std::size_t size = libdeflate_zlib_compress(compressor.get(), predicted.data(),
+                                                    predicted.size(), target.data(), target.size());
+  return {target.data(), size};
 }
 
 }  // namespace quillet

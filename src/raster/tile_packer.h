@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
+
+#include "raster/raster_sink.h"
 
 struct libdeflate_compressor;
 
@@ -13,26 +16,27 @@ namespace quillet {
 constexpr std::int32_t tile_side = 256;  // cells
 constexpr std::size_t tile_bytes = std::size_t{tile_side} * tile_side * sizeof(float);
 
-class TilePacker {
+class TilePacker : public BlockPacker {
  public:
   // Ends the run when memory does not suffice.
   TilePacker();
 
-  // Packs a tile whose rows stand `stride` cells apart. The bytes stay until the next call.
-  void pack(const float* cells, std::int64_t stride);
-
-  char* data() { return packed.data(); }
-  std::size_t size() const { return packed_size; }
+  void pack(std::int64_t block, const float* cells) override;
+  void pack_no_data(std::int64_t block) override;
+  std::string_view bytes() const override { return taken; }
 
  private:
   struct Deleter {
     void operator()(libdeflate_compressor* compressor) const;
   };
 
+  std::string_view deflate(const float* cells, std::vector<char>& target);
+
   std::unique_ptr<libdeflate_compressor, Deleter> compressor;
   std::vector<unsigned char> predicted;
   std::vector<char> packed;
-  std::size_t packed_size = 0;
+  std::vector<char> no_data;  // a tile of it, packed
+  std::string_view taken;
 };
 
 }  // namespace quillet

@@ -229,6 +229,13 @@ def check_grids(folder, mesh, epsg):
     check("Predictor" not in info.stderr and not info.stderr, "gdalinfo: " + info.stderr)
     check("DateTime" not in info.stdout.replace("_", ""), "no date")
 
+    for size, output in (("1.1", "crew.tif"), ("4", "crew.asc")):
+        outputs = set()
+        for threads in (1, 2, 3, 8):
+            folder.run(f"--grid={size}", "-t4", "-out", output, f"--threads={threads}", "run1_d.dat")
+            outputs.add(folder.bytes(output))
+        check(len(outputs) == 1, "any number of threads writes the same bytes")
+
     first = folder.bytes("run1_d(grid17.5).tif")
     folder.run("--grid=17.5", f"--epsg={epsg}", "-typed", "-out", "xmdf.tif", "run1.xmdf")
     check(folder.bytes("xmdf.tif") == first, "the raster of the XMDF file is the .dat file's")
@@ -296,6 +303,28 @@ def check_points(folder, mesh):
     compare(rows, speeds, 1)
 
 
+def check_big_tiff(folder):
+    """Two triangles so far apart that the tiles between them pass 4 GiB before they are packed."""
+    far = 33000
+    with open(folder.path("a.2dm"), "w") as mesh:
+        mesh.write("MESH2D\nE3T 1 1 2 3 1\nE3T 2 4 5 6 1\n")
+        nodes = [(0, 0), (3, 0), (0, 3), (far, far), (far - 3, far), (far, far - 3)]
+        for number, (x, y) in enumerate(nodes, 1):
+            mesh.write(f"ND {number} {x} {y} 0\n")
+    with open(folder.path("a_d.dat"), "wb") as results:
+        cards = (3000, 100, 3, 110, 4, 120, 1, 130, 170, 6, 180, 2, 190)
+        results.write(struct.pack("<13i40s", *cards, b"depth"))
+        results.write(struct.pack("<ibf2b6fi", 200, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 210))
+    folder.run("--grid=1", "a_d.dat")
+    check(folder.bytes("a_d(grid1).tif")[:3] == b"II\x2b", "large rasters are BigTIFFs")
+    dataset = gdal.Open(folder.path("a_d(grid1).tif"))  # a band alone would not keep it open
+    band = dataset.GetRasterBand(1)
+    check((band.XSize, band.YSize) == (far, far), "size of a large raster")
+    last = far - 1
+    for column, row, expected in ((0, last, 1), (last, 0, 2), (0, 0, NO_DATA), (3, last, NO_DATA)):
+        check(band.ReadAsArray(column, row, 1, 1)[0, 0] == expected, "cells of a large raster")
+
+
 def main(program, example_model):
     random.seed(20)
     forms = ([], 28355), (["--quad9"], 32755)
@@ -307,6 +336,8 @@ def main(program, example_model):
             mesh = read_mesh(folder.path("run1.2dm"))
             check_grids(folder, mesh, epsg)
             check_points(folder, mesh)
+    with tempfile.TemporaryDirectory() as name:
+        check_big_tiff(Folder(program, name))
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <random>
@@ -57,23 +58,30 @@ struct Scene {
   }
 };
 
-// The raster row by row, no data as -9999. `rows_at_a_time` must not show in it.
-std::vector<float> raster_of(const Scene& scene, double cell_size, int rows_at_a_time,
+// The raster row by row, no data as -9999. The size of blocks must not show in it.
+std::vector<float> raster_of(const Scene& scene, double cell_size, const BlockSize& size,
                              RasterGrid* whole = nullptr) {
   PartMesh mesh = MAKE_PART_MESH(make_mesh(scene.nodes, scene.elements));
   const RasterGrid grid = GRID_AROUND(mesh, cell_size, "");
   const double tolerance = mesh.edge_tolerance() / cell_size;
   PLACE_IN_GRID(grid, mesh);
-  PartRasteriser rasteriser(mesh, grid, tolerance, rows_at_a_time);
-  std::vector<float> cells(static_cast<std::size_t>(grid.columns) * grid.rows, raster_no_data);
-  for (int row = 0; row < grid.rows; row += rows_at_a_time) {
-    rasteriser.next_rows();
-    rasteriser.draw(scene.mesh_values(),
-                    {.first_row = row,
-                     .rows = std::min(rows_at_a_time, grid.rows - row),
-                     .columns = grid.columns,
-                     .stride = grid.columns,
-                     .cells = &cells[static_cast<std::size_t>(row) * grid.columns]});
+  const PartRasteriser rasteriser(mesh, grid, tolerance, size);
+  std::vector<float> cells;
+  const BlockCounts counts(grid.rows, grid.columns, size);
+  std::vector<std::vector<float>> blocks;
+  for (std::int64_t block = 0; block < counts.total(); ++block) {
+    blocks.emplace_back(static_cast<std::size_t>(size.cells()), raster_no_data);
+    const bool is_drawn = rasteriser.draw(scene.mesh_values(), block, blocks.back().data());
+    const auto is_value = [](float cell) { return cell != raster_no_data; };
+    EXPECT_TRUE(is_drawn || std::none_of(blocks.back().begin(), blocks.back().end(), is_value));
+  }
+  for (int row = 0; row < grid.rows; ++row) {
+    for (int column = 0; column < grid.columns; ++column) {
+      const auto& block =
+          blocks[static_cast<std::size_t>(row / size.rows * counts.across + column / size.columns)];
+      const int cell = row % size.rows * size.columns + column % size.columns;
+      cells.push_back(block[static_cast<std::size_t>(cell)]);
+    }
   }
   if (whole != nullptr) *whole = grid;
   return cells;
@@ -93,15 +101,16 @@ constexpr float none = raster_no_data;
 TEST(Raster, triangle_is_linear_between_its_corners) {
   // Value x + 10 y; centres at 0.5, 1.5, ...; those on the long edge belong to the triangle.
   const Scene scene{{{0, 0}, {4, 0}, {0, 4}}, {{1, 2, 3}}, {0, 4, 40}};
-  EXPECT_EQ(raster_of(scene, 1, 2), (std::vector<float>{35.5F, none, none, none,    //
-                                                        25.5F, 26.5F, none, none,   //
-                                                        15.5F, 16.5F, 17.5F, none,  //
-                                                        5.5F, 6.5F, 7.5F, 8.5F}));
+  EXPECT_EQ(raster_of(scene, 1, {2, 3}), (std::vector<float>{35.5F, none, none, none,    //
+                                                             25.5F, 26.5F, none, none,   //
+                                                             15.5F, 16.5F, 17.5F, none,  //
+                                                             5.5F, 6.5F, 7.5F, 8.5F}));
 }
 
 TEST(Raster, edges_of_the_grid_are_multiples_of_the_cell_size) {
   RasterGrid grid;
-  raster_of({{{10.4, -3.2}, {12.1, -3.2}, {10.4, -0.1}}, {{1, 2, 3}}, {0, 0, 0}}, 0.5, 8, &grid);
+  raster_of({{{10.4, -3.2}, {12.1, -3.2}, {10.4, -0.1}}, {{1, 2, 3}}, {0, 0, 0}}, 0.5, {8, 8},
+            &grid);
   EXPECT_EQ(grid.left, 10);
   EXPECT_EQ(grid.top, 0);
   EXPECT_EQ(grid.columns, 5);
@@ -112,7 +121,7 @@ TEST(Raster, edges_of_the_grid_are_multiples_of_the_cell_size) {
 TEST(Raster, decimal_edges_need_no_further_cells) {
   RasterGrid grid;
   raster_of({{{0.3, 0.6}, {0.7, 0.6}, {0.7, 0.9}, {0.3, 0.9}}, {{1, 2, 3, 4}}, {1, 1, 1, 1}}, 0.1,
-            8, &grid);
+            {8, 8}, &grid);
   EXPECT_EQ(grid.columns, 4);
   EXPECT_EQ(grid.rows, 3);
 }
@@ -121,10 +130,12 @@ TEST(Raster, dry_elements_hold_no_data_and_edges_belong_to_wet_ones) {
   // Centres at x = 1.5 lie on the edge of the two squares.
   const std::vector<MapPoint> nodes{{0, 0}, {1.5, 0}, {3, 0}, {0, 1}, {1.5, 1}, {3, 1}};
   const Elements squares{{1, 2, 5, 4}, {2, 3, 6, 5}};
-  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {1, 0}}, 1, 1), (std::vector<float>{7, 7, none}));
-  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {0, 1}}, 1, 1), (std::vector<float>{none, 9, 9}));
-  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {1, 1}}, 1, 1), (std::vector<float>{7, 7, 9}));
-  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {-1, 2}}, 1, 1),
+  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {1, 0}}, 1, {1, 2}),
+            (std::vector<float>{7, 7, none}));
+  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {0, 1}}, 1, {1, 2}),
+            (std::vector<float>{none, 9, 9}));
+  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {1, 1}}, 1, {1, 2}), (std::vector<float>{7, 7, 9}));
+  EXPECT_EQ(raster_of({nodes, squares, {7, 9}, {-1, 2}}, 1, {1, 2}),
             (std::vector<float>{none, none, none}));
 }
 
@@ -132,10 +143,10 @@ TEST(Raster, codes_are_not_interpolated) {
   const std::vector<MapPoint> nodes{{0, 0}, {4, 0}, {4, 2}, {0, 2}};
   const Elements square{{1, 2, 3, 4}};
   for (const float code : {99.0F, -99.0F, -99999.0F}) {
-    EXPECT_EQ(raster_of({nodes, square, {1, code, 3, 2}}, 1, 2),
+    EXPECT_EQ(raster_of({nodes, square, {1, code, 3, 2}}, 1, {2, 8}),
               (std::vector<float>{2, 2, 3, 3, 1, 1, code, code}));
   }
-  EXPECT_EQ(raster_of({nodes, square, {170, -170, -170, 170}, {}, true}, 1, 2),
+  EXPECT_EQ(raster_of({nodes, square, {170, -170, -170, 170}, {}, true}, 1, {2, 1}),
             (std::vector<float>{170, 170, -170, -170, 170, 170, -170, -170}));
 }
 
@@ -147,17 +158,17 @@ TEST(Raster, nine_node_element_is_four_around_its_centre) {
   const float a = 0.0625F;
   const float b = 0.1875F;
   const float c = 0.5625F;
-  EXPECT_EQ(raster_of(scene, 1, 3),
+  EXPECT_EQ(raster_of(scene, 1, {3, 3}),
             (std::vector<float>{a, b, b, a, b, c, c, b, b, c, c, b, a, b, b, a}));
 }
 
 TEST(Raster, re_entrant_quadrilateral_is_two_triangles) {
   // An arrowhead that points east; its notch is at (2, 2).
   const Scene scene{{{0, 0}, {4, 2}, {0, 4}, {2, 2}}, {{1, 2, 3, 4}}, {5, 5, 5, 5}};
-  EXPECT_EQ(raster_of(scene, 1, 4), (std::vector<float>{5, none, none, none,  //
-                                                        none, 5, 5, none,     //
-                                                        none, 5, 5, none,     //
-                                                        5, none, none, none}));
+  EXPECT_EQ(raster_of(scene, 1, {4, 1}), (std::vector<float>{5, none, none, none,  //
+                                                             none, 5, 5, none,     //
+                                                             none, 5, 5, none,     //
+                                                             5, none, none, none}));
 }
 
 // ---- Against a naive search ----
@@ -258,7 +269,7 @@ class RandomMesh : public ::testing::TestWithParam<unsigned> {};
 TEST_P(RandomMesh, every_cell_has_the_value_that_a_naive_search_finds) {
   const Scene scene = random_scene(GetParam(), GetParam() % 2 == 0 ? 0 : 3.1e5);
   RasterGrid grid;
-  const std::vector<float> cells = raster_of(scene, 0.7, 16, &grid);
+  const std::vector<float> cells = raster_of(scene, 0.7, {16, 16}, &grid);
   int compared = 0;
   for (int row = 0; row < grid.rows; ++row) {
     for (int column = 0; column < grid.columns; ++column) {
@@ -277,10 +288,12 @@ TEST_P(RandomMesh, every_cell_has_the_value_that_a_naive_search_finds) {
   EXPECT_GT(compared, 3000);
 }
 
-TEST_P(RandomMesh, rows_at_a_time_do_not_show) {
+TEST_P(RandomMesh, blocks_do_not_show) {
   const Scene scene = random_scene(GetParam(), 100);
-  const std::vector<float> whole = raster_of(scene, 0.45, 1000);
-  for (const int rows : {1, 7, 64}) EXPECT_EQ(raster_of(scene, 0.45, rows), whole) << rows;
+  const std::vector<float> whole = raster_of(scene, 0.45, {1000, 1000});
+  for (const BlockSize size : {BlockSize{1, 1000}, BlockSize{7, 5}, BlockSize{64, 1}}) {
+    EXPECT_EQ(raster_of(scene, 0.45, size), whole) << size.rows;
+  }
 }
 
 TEST_P(RandomMesh, no_cell_inside_is_left_out) {
@@ -291,7 +304,7 @@ TEST_P(RandomMesh, no_cell_inside_is_left_out) {
     node.y = std::round(node.y * 2) / 2;
   }
   RasterGrid grid;
-  const std::vector<float> cells = raster_of(scene, 1, 16, &grid);
+  const std::vector<float> cells = raster_of(scene, 1, {16, 16}, &grid);
   for (int row = 6; row < grid.rows - 6; ++row) {
     for (int column = 6; column < grid.columns - 6; ++column) {
       EXPECT_NE(cells[static_cast<std::size_t>(row) * grid.columns + column], none);
