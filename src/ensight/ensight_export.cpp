@@ -8,9 +8,8 @@
 #include "ensight/export_plan.h"
 #include "ensight/geometry.h"
 #include "ensight/older_export.h"
-#include "ensight/variable_file.h"
+#include "ensight/variable_files.h"
 #include "mesh/load_mesh.h"
-#include "results/results_record.h"
 #include "support/console.h"
 #include "support/file_names.h"
 #include "support/numbers.h"
@@ -109,14 +108,13 @@ class EnsightExport {
 
   void write_outputs(const PlannedVariable& planned) {
     ResultDataset& dataset = *planned.plan.dataset;
-    SIZE_RECORD(record, request.node_count, mesh.element_count, dataset.is_vector());
+    VariableFiles files(mesh, place, planned.plan.description, request.node_count,
+                        dataset.is_vector(), std::ssize(planned.plan.outputs));
     for (const PlannedOutput& output : planned.plan.outputs) {
-      SIZE_STATUSES(record, mesh.element_count);  // those that the dataset does not have are wet
-      dataset.read(output.output, record);
-      WRITE_ENSIGHT_VARIABLE(mesh, place, record,
-                             ENSIGHT_NUMBER_SUFFIX(planned.file_base, output.number),
-                             planned.plan.description);
+      dataset.read(output.output, files.next_record());
+      files.write(ENSIGHT_NUMBER_SUFFIX(planned.file_base, output.number));
     }
+    files.finish();
     for (std::int64_t i = 0; i < planned.plan.unexpected_outputs; ++i) SAY(unexpected_time);
     if (planned.plan.has_too_many) {
       SAY("ERROR - Ensight output name only support 9999 outputs, please contact " +
@@ -165,7 +163,6 @@ class EnsightExport {
   const ExportPlan plan;
   EnsightMesh mesh;
   ValuePlace place = ValuePlace::nodes;
-  RES_TYPE record;
 };
 
 }  // namespace

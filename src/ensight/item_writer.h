@@ -12,17 +12,16 @@ namespace quillet {
 
 // Writes `count` items of `width` bytes in pieces. format(first, end, at) puts the items from
 // `first` to before `end` into the memory at `at`; it touches nothing else, so that pieces depend
-// neither on each other nor on their order.
+// neither on each other nor on their order, and the crew can share them.
 template <typename Format>
 void WRITE_PIECES(OutputUnit& out, std::int64_t count, int width, Format format) {
-  constexpr std::int64_t piece_size = 64 * 1024;
-  const std::int64_t piece = piece_size / width;
-  for (std::int64_t first = 0; first < count; first += piece) {
-    const std::int64_t end = std::min(first + piece, count);
-    const auto bytes = static_cast<std::size_t>((end - first) * width);
-    format(first, end, out.room(bytes));
-    out.keep(bytes);
-  }
+  const std::int64_t in_piece = static_cast<std::int64_t>(OutputUnit::piece_size) / width;
+  out.write_pieces((count + in_piece - 1) / in_piece, [&](std::int64_t number, char* at) {
+    const std::int64_t first = number * in_piece;
+    const std::int64_t end = std::min(first + in_piece, count);
+    format(first, end, at);
+    return static_cast<std::size_t>((end - first) * width);
+  });
 }
 
 // Calls write(index, at), which returns the end of what it wrote, for every index from 0.

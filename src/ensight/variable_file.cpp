@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 #include <span>
+#include <string_view>
 
 #include "ensight/item_writer.h"
-#include "support/console.h"
 #include "support/large_array.h"
 
 namespace quillet {
@@ -27,15 +26,13 @@ void mark_corners(const ElementBlock& block, const std::int8_t* status, std::uin
 }
 
 // 1 for every node that is a corner of at least one wet cell, else 0.
-LargeArray<std::uint8_t> wet_nodes(const EnsightMesh& mesh, const RES_TYPE& record) try {
+LargeArray<std::uint8_t> wet_nodes(const EnsightMesh& mesh, const RES_TYPE& record) {
   LargeArray<std::uint8_t> wet(static_cast<std::size_t>(mesh.node_count));
   for (const ElementBlock& block : mesh.blocks) {
     const auto mark = block.shape->mesh_nodes == 3 ? mark_corners<3> : mark_corners<4>;
     mark(block, record.cell.status.data(), wet.data());
   }
   return wet;
-} catch (const std::bad_alloc&) {
-  FAIL_ALLOCATION();
 }
 
 float mean_of_corners(const ElementBlock& block, std::size_t element,
@@ -133,14 +130,6 @@ void write_node_block(OutputUnit& out, const EnsightMesh& mesh, const RES_TYPE& 
               [&](std::span<const float> component) { write_node_values(out, component, wet); });
 }
 
-std::int64_t main_size(const EnsightMesh& mesh, ValuePlace place, bool is_vector) {
-  std::int64_t values = place == ValuePlace::nodes ? mesh.node_count : 0;
-  if (place != ValuePlace::nodes) {
-    for (const ElementBlock& block : mesh.blocks) values += block.count();
-  }
-  return values * (is_vector ? 3 : 1) * e12_5_line_width;
-}
-
 }  // namespace
 
 ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
@@ -152,11 +141,8 @@ ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
   return mesh.high_resolution && !mesh.fv_mesh ? ValuePlace::centres : ValuePlace::nodes;
 }
 
-void WRITE_ENSIGHT_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
-                            const std::string& file_name, std::string_view description) {
-  SAY("Opening outfile: " + file_name);
-  OutputUnit out(file_name, OutputUnit::Replace::directly);
-  out.expect_size(main_size(mesh, place, record.is_vector));
+void WRITE_VARIABLE_VALUES(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
+                           const std::string& description, OutputUnit& out) {
   out.write(description);
   out.write("\npart\n" + I10_TEXT(1) + '\n');
   if (place == ValuePlace::nodes) {
@@ -164,8 +150,14 @@ void WRITE_ENSIGHT_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES
   } else {
     for (const ElementBlock& block : mesh.blocks) write_cell_block(out, block, place, record);
   }
-  out.complete();
-  SAY("Closing outfile: " + file_name);
+}
+
+std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool is_vector) {
+  std::int64_t values = place == ValuePlace::nodes ? mesh.node_count : 0;
+  if (place != ValuePlace::nodes) {
+    for (const ElementBlock& block : mesh.blocks) values += block.count();
+  }
+  return values * (is_vector ? 3 : 1) * e12_5_line_width;
 }
 
 }  // namespace quillet

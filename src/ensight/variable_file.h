@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "ensight/ensight_mesh.h"
 #include "results/results_record.h"
+#include "support/output_unit.h"
 
 namespace quillet {
 
@@ -22,15 +22,18 @@ enum class ValuePlace {
 ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
                            std::int32_t value_count);
 
-// Writes one output time of one dataset as a text file, with console lines: the description, the
-// part, and under "coordinates" or the name of every block of elements one value to a line; for
-// vectors all x, all y and as many zeros for z under the same name.
+// Writes one output time of one dataset as text: the description, the part, and under "coordinates"
+// or the name of every block of elements one value to a line; for vectors all x, all y and as many
+// zeros for z under the same name.
 //
 // `record` has one value per node or, for ValuePlace::cells, per cell, and one status per cell. A
 // cell is wet when its status is 1, a node when it is a corner of a wet cell. Dry values are
-// written as 0.0. A centre's value is that of the centre node, else the mean of the corners. Ends
-// the run when the file cannot be written.
-void WRITE_ENSIGHT_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
-                            const std::string& file_name, std::string_view description);
+// written as 0.0. A centre's value is that of the centre node, else the mean of the corners. May
+// throw std::bad_alloc.
+void WRITE_VARIABLE_VALUES(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
+                           const std::string& description, OutputUnit& out);
+
+// How many bytes that takes, but for a few lines.
+std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool is_vector);
 
 }  // namespace quillet

@@ -11,12 +11,18 @@ namespace {
 
 Console* current_console = nullptr;
 
+std::function<void()>& owed_lines() {
+  static std::function<void()> tell;
+  return tell;
+}
+
 std::string& last_error() {
   static std::string line;
   return line;
 }
 
 void show(std::string_view text) {
+  if (owed_lines()) std::exchange(owed_lines(), nullptr)();
   const std::string line = SHOWN(text);
   if (line.starts_with("ERROR") || line.starts_with("Error")) {
     last_error() = line;
@@ -36,6 +42,14 @@ void show(std::string_view text) {
 Console* USE_CONSOLE(Console* console) {
   last_error().clear();
   return std::exchange(current_console, console);
+}
+
+LinesOwed::LinesOwed(std::function<void()> tell) {
+  owed_lines() = std::move(tell);
+}
+
+LinesOwed::~LinesOwed() {
+  owed_lines() = nullptr;
 }
 
 void SAY(std::string_view line) {

@@ -3,6 +3,7 @@
 // program that uses the library hears of a failure by the exception alone.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +38,16 @@ class ConsoleInUse {
 
  private:
   Console* before;
+};
+
+// While an object of this kind lives, `tell` is called before the next line is shown, once, and may
+// itself show lines: those of work that goes on beside the main thread and was asked for earlier.
+class LinesOwed {
+ public:
+  explicit LinesOwed(std::function<void()> tell);
+  LinesOwed(const LinesOwed&) = delete;
+  LinesOwed& operator=(const LinesOwed&) = delete;
+  ~LinesOwed();
 };
 
 // One line, as SHOWN shows it: names and descriptions come from files. Where an interrupt has come,

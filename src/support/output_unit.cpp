@@ -1,10 +1,13 @@
 #include "support/output_unit.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
 #include "support/console.h"
 #include "support/system_memory.h"
+#include "support/work_crew.h"
 
 namespace quillet {
 
@@ -65,6 +68,42 @@ void OutputUnit::write(const void* data, std::size_t size) {
   keep(size);
 }
 
+void OutputUnit::write_pieces(std::int64_t count, const FillPiece& fill) {
+  constexpr std::int64_t fewest_shared = 16;  // 2 MiB: less takes as long as threads to start
+  if (count >= fewest_shared && !keeps_failure && WORK_CREW().has_helpers()) {
+    write_shared_pieces(count, fill);
+    return;
+  }
+  for (std::int64_t number = 0; number < count; ++number) {
+    keep(fill(number, room(piece_size)));
+  }
+}
+
+// The buffer as a ring: while the first piece of it is written, the crew fills those behind.
+void OutputUnit::write_shared_pieces(std::int64_t count, const FillPiece& fill) {
+  struct Piece {
+    std::size_t size = 0;
+    CrewJob job;
+  };
+  std::array<Piece, buffer_size / piece_size> ring;
+  const auto place = [&](std::int64_t number) {
+    return static_cast<std::size_t>(number) % ring.size();
+  };
+  const auto start = [&](std::int64_t number) {
+    Piece& piece = ring[place(number)];
+    char* const at = buffer.get() + place(number) * piece_size;
+    piece.job.start([&piece, &fill, number, at] { piece.size = fill(number, at); });
+  };
+  flush();
+  for (std::int64_t number = 0; number < std::ssize(ring); ++number) start(number);
+  for (std::int64_t number = 0; number < count; ++number) {
+    Piece& piece = ring[place(number)];
+    piece.job.finish();
+    write_out(buffer.get() + place(number) * piece_size, piece.size);
+    if (number + std::ssize(ring) < count) start(number + std::ssize(ring));
+  }
+}
+
 char* OutputUnit::room(std::size_t size) {
   if (buffered + size > buffer_size) flush();
   return buffer.get() + buffered;
@@ -76,14 +115,17 @@ void OutputUnit::flush() {
 }
 
 void OutputUnit::write_out(const char* data, std::size_t size) {
-  END_IF_INTERRUPTED();
+  if (!keeps_failure) END_IF_INTERRUPTED();
   const auto count = static_cast<std::int64_t>(size);
   std::int64_t done = 0;
-  while (done < count) {
+  while (done < count && failure.empty()) {
     const std::int64_t put = WRITE_SOME(file, data + done, count - done);
-    if (put < 0) FAIL_WRITING(file_name, SYSTEM_REASON());
-    done += put;
-    written += put;
+    if (put < 0) {
+      take_failure(SYSTEM_REASON());
+    } else {
+      done += put;
+      written += put;
+    }
   }
 }
 
@@ -95,8 +137,14 @@ void OutputUnit::write_over_start(std::string_view bytes) {
   written = length;
 }
 
+void OutputUnit::take_failure(const std::string& reason) {
+  if (!keeps_failure) FAIL_WRITING(file_name, reason);
+  failure = reason;
+}
+
 void OutputUnit::complete() {
   flush();
+  if (!failure.empty()) FAIL_WRITING(file_name, failure);
   if (reserved > written && !CUT_FILE(file, written)) FAIL_WRITING(file_name, SYSTEM_REASON());
   const SystemFile closing = std::exchange(file, no_file);
   std::string reason;

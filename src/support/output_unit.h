@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -33,12 +34,25 @@ class OutputUnit {
   // ends shorter is cut, a longer one grows.
   void expect_size(std::int64_t bytes);
 
+  // From here on a helper thread may write, one at a time: what the system refuses is kept until
+  // the file is to be completed.
+  void tell_failures_when_complete() { keeps_failure = true; }
+
   // All writing ends the run when the system refuses (a full disk).
   void write(const void* data, std::size_t size);
   void write(std::string_view text) { write(text.data(), text.size()); }
 
   // Writes over the first bytes of the file, which have been written. The last that is written.
   void write_over_start(std::string_view bytes);
+
+  // Puts piece `number` (from 0) into the memory at `at` and returns its size, at most piece_size
+  // bytes. Touches nothing else and throws nothing.
+  using FillPiece = std::function<std::size_t(std::int64_t number, char* at)>;
+  static constexpr std::size_t piece_size = buffer_size / 8;
+
+  // Writes `count` pieces in their order. The crew fills them, when there are enough of them to be
+  // worth it, in the buffer: no more memory is used.
+  void write_pieces(std::int64_t count, const FillPiece& fill);
 
   // Room for `size` bytes (at most buffer_size) in the buffer, to be filled and then kept.
   char* room(std::size_t size);
@@ -51,6 +65,8 @@ class OutputUnit {
   std::string create();  // the reason when it cannot be, or empty
   void write_out(const char* data, std::size_t size);
   void flush();
+  void take_failure(const std::string& reason);
+  void write_shared_pieces(std::int64_t count, const FillPiece& fill);
 
   struct Freer {
     void operator()(char* memory) const;
@@ -64,6 +80,8 @@ class OutputUnit {
   std::size_t buffered = 0;
   std::int64_t written = 0;
   std::int64_t reserved = 0;
+  bool keeps_failure = false;
+  std::string failure;  // the system's reason; nothing is written after it
 };
 
 }  // namespace quillet

@@ -53,6 +53,7 @@ class WorkCrew {
   // How many threads work, the caller's included: 1 unless set. The others are started with the
   // first job. To be set while there is none.
   void set_thread_count(int count);
+  int threads() const { return thread_count; }
   // False when all work is the caller's, and nothing is gained by handing it out early.
   bool has_helpers() const { return thread_count > 1; }
 
