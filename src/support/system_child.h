@@ -1,33 +1,61 @@
 // What may bring down the process that does it, and is therefore done by a child first.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <vector>
 
+#include "support/system_files.h"
+
 namespace quillet {
 
-// Prints nothing and leaves nothing behind; true when it succeeds.
+// How a task tells its parent that it gets on.
+class ChildReport {
+ public:
+  explicit ChildReport(SystemFile pipe_end) : pipe(pipe_end) {}
+
+  // Called every now and then: as long as it is, the task is not stuck.
+  void progress();
+  // The work is done.
+  void done();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void send(char letter);
+
+  SystemFile pipe;
+  Clock::time_point last_sent = Clock::now();
+};
+
+// Works on an item; does not report it done when something is wrong with it. Prints nothing and
+// leaves nothing behind.
 struct ChildTask {
   const char* name;
-  bool (*perform)(const std::string& argument);
+  void (*perform)(const std::string& item, ChildReport& report);
 };
 
-// What a child may use before it counts as failed.
 struct ChildLimits {
-  int seconds;         // of the processor, not of a slow drive
-  std::size_t memory;  // bytes, beyond what the parent has
+  std::chrono::milliseconds patience;  // so long a child may go without progress
+  std::size_t memory;                  // bytes, beyond what the parent has
 };
 
-// False when a child that performs the task fails, crashes or passes a limit. True when it
-// succeeds, and when no child can be had: then nothing tells.
-bool SUCCEEDS_IN_CHILD(const ChildTask& task, const std::string& argument,
-                       const ChildLimits& limits);
+struct ChildEnd {
+  enum class How { done, died, stuck, not_started };
+
+  How how = How::done;
+  std::string reason;  // the system's, when the child was not started
+};
+
+// Has a child perform the task. The child does not outlive this process, and is ended when it is
+// stuck or when the run is interrupted; one that passes a limit dies.
+ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits);
 
 // Where a process cannot be doubled, a child is the program itself, started anew and told so by its
 // arguments. First thing in a program that allows this: true when the process is such a child; then
-// the task has been performed and the program ends with `status`. In other programs there no child
-// can be had.
+// the task has been performed and the program ends with `status`. In other programs nothing is
+// tried there, and every task counts as done.
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTask& task,
                         int& status);
 

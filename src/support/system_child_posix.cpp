@@ -1,28 +1,39 @@
 #include <fcntl.h>
-#include <malloc.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#ifdef __linux__
+#include <malloc.h>
+#include <sys/prctl.h>
+#endif
+
+#include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 
+#include "support/child_letters.h"
+#include "support/interrupt.h"
 #include "support/system_child.h"
 
 namespace quillet {
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool can_limit_memory = false;  // the sanitizer has more than that from the start
-#else
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
 constexpr bool can_limit_memory = true;
+#else
+constexpr bool can_limit_memory = false;  // a sanitizer has more than that from the start
 #endif
 
-void limit(__rlimit_resource resource, rlim_t value) {
+template <typename Resource>
+void limit(Resource resource, rlim_t value) {
   const rlimit limits{value, value};
   ::setrlimit(resource, &limits);
 }
 
+#ifdef __linux__
 rlim_t memory_in_use() {
   const auto usage = ::mallinfo2();
   return usage.arena + usage.hblkhd;
@@ -34,40 +45,114 @@ void tighten_heap() {
   ::malloc_trim(0);
 }
 
-// Nobody says anything on the console, and nothing of the parent is flushed or closed. An exception
-// must not reach the parent's frames: it ends the child as a crash does.
-[[noreturn]] void be_the_child(const ChildTask& task, const std::string& argument,
-                               const ChildLimits& limits) noexcept {
-  limit(RLIMIT_CORE, 0);
-  limit(RLIMIT_CPU, static_cast<rlim_t>(limits.seconds));
-  if (can_limit_memory) limit(RLIMIT_DATA, memory_in_use() + limits.memory);
-  const int nowhere = ::open("/dev/null", O_WRONLY);
-  if (nowhere < 0) ::_exit(0);
-  ::dup2(nowhere, STDOUT_FILENO);
-  ::dup2(nowhere, STDERR_FILENO);
-  tighten_heap();
-  ::_exit(task.perform(argument) ? 0 : 1);
+// False when the parent is gone already.
+bool live_no_longer_than(pid_t parent) {
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  return ::getppid() == parent;
+}
+#else
+rlim_t memory_in_use() {
+  return 0;
+}
+void tighten_heap() {}
+bool live_no_longer_than(pid_t) {
+  return true;
+}
+#endif
+
+void set_handling(int signal, void (*handling)(int)) {
+  struct sigaction action {};
+  action.sa_handler = handling;
+  ::sigaction(signal, &action, nullptr);
 }
 
-bool child_succeeds(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return true;
+// Handlers of the parent's are not for the child's crashes; interrupts are for the parent, which
+// ends the child.
+void leave_signals_to_the_system() {
+  for (int signal = 1; signal < NSIG; ++signal) set_handling(signal, SIG_DFL);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) set_handling(signal, SIG_IGN);
+}
+
+// What libraries say as they crash is not for the console.
+bool be_silent() {
+  const int nowhere = ::open("/dev/null", O_WRONLY);
+  return nowhere >= 0 && ::dup2(nowhere, STDOUT_FILENO) >= 0 && ::dup2(nowhere, STDERR_FILENO) >= 0;
+}
+
+// Nothing of the parent is flushed or closed. An exception must not reach the parent's frames: it
+// ends the child as a crash does.
+[[noreturn]] void be_the_child(const ChildTask& task, const std::string& item,
+                               const ChildLimits& limits, int pipe, pid_t parent) noexcept {
+  leave_signals_to_the_system();
+  if (!live_no_longer_than(parent) || !be_silent()) ::_exit(1);
+  limit(RLIMIT_CORE, 0);
+  if (can_limit_memory) limit(RLIMIT_DATA, memory_in_use() + limits.memory);
+  tighten_heap();
+  WRITE_SOME(pipe, &child_started, 1);
+  ChildReport report(pipe);
+  task.perform(item, report);
+  ::_exit(0);
+}
+
+enum class Heard { letters, nothing, end };
+
+// Waits for letters from the child. Nothing when patience is at an end, or the run is.
+Heard listen(int pipe, std::chrono::milliseconds patience, std::string& letters) {
+  pollfd wanted{pipe, POLLIN, 0};
+  int ready = 0;
+  do {
+    ready = ::poll(&wanted, 1, static_cast<int>(patience.count()));
+  } while (ready < 0 && errno == EINTR && !INTERRUPTED());
+  if (ready <= 0) return Heard::nothing;
+  std::array<char, 256> bytes{};
+  const ssize_t count = ::read(pipe, bytes.data(), bytes.size());
+  if (count < 0 && errno == EINTR) return Heard::letters;
+  if (count <= 0) return Heard::end;
+  letters.append(bytes.data(), static_cast<std::size_t>(count));
+  return Heard::letters;
+}
+
+ChildEnd follow(int pipe, std::chrono::milliseconds patience) {
+  std::string letters;
+  Heard heard = Heard::letters;
+  while (heard == Heard::letters) heard = listen(pipe, patience, letters);
+  if (heard == Heard::nothing) return {ChildEnd::How::stuck, {}};
+  if (letters.empty()) return {ChildEnd::How::not_started, "it could not be set up"};
+  return {IS_DONE(letters) ? ChildEnd::How::done : ChildEnd::How::died, {}};
+}
+
+void reap(pid_t child) {
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+ChildEnd not_started() {
+  return {ChildEnd::How::not_started, std::strerror(errno)};
+}
+
+bool make_pipe(std::array<int, 2>& pipe) {
+  if (::pipe(pipe.data()) != 0) return false;
+  for (const int end : pipe) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+  return true;
 }
 
 }  // namespace
 
-bool SUCCEEDS_IN_CHILD(const ChildTask& task, const std::string& argument,
-                       const ChildLimits& limits) {
-  // A child whose end is ignored cannot be waited for.
-  const auto handling = std::signal(SIGCHLD, SIG_DFL);
+ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits) {
+  std::array<int, 2> pipe{};
+  if (!make_pipe(pipe)) return not_started();
+  const pid_t parent = ::getpid();
   const pid_t child = ::fork();
-  if (child == 0) be_the_child(task, argument, limits);
-  const bool succeeds = child < 0 || child_succeeds(child);
-  std::signal(SIGCHLD, handling);
-  return succeeds;
+  if (child == 0) be_the_child(task, item, limits, pipe[1], parent);
+  ChildEnd end = child < 0 ? not_started() : ChildEnd{};
+  ::close(pipe[1]);
+  if (child > 0) {
+    end = follow(pipe[0], limits.patience);
+    if (end.how == ChildEnd::How::stuck) ::kill(child, SIGKILL);
+    reap(child);
+  }
+  ::close(pipe[0]);
+  return end;
 }
 
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>&, const ChildTask&, int&) {

@@ -1,5 +1,9 @@
 #include <windows.h>
 
+#include <array>
+
+#include "support/child_letters.h"
+#include "support/interrupt.h"
 #include "support/system_child.h"
 #include "support/system_text_windows.h"
 
@@ -26,8 +30,8 @@ std::wstring own_path() {
 }
 
 // A file's name holds no quotation mark.
-std::wstring command_line(const ChildTask& task, const std::string& argument) {
-  const std::string words = std::string(child_mark) + " " + task.name + " \"" + argument + "\"";
+std::wstring command_line(const ChildTask& task, const std::string& item) {
+  const std::string words = std::string(child_mark) + " " + task.name + " \"" + item + "\"";
   return L"\"" + own_path() + L"\" " + WIDE_TEXT(words);
 }
 
@@ -43,57 +47,76 @@ HANDLE job_with(const ChildLimits& limits) {
   return job;
 }
 
-bool start(const ChildTask& task, const std::string& argument, HANDLE nowhere,
+// What the child writes to its standard output can be read from `letters`.
+bool start(const ChildTask& task, const std::string& item, Handle& letters,
            PROCESS_INFORMATION& child) {
-  std::wstring line = command_line(task, argument);
+  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+  const Handle nowhere{::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, OPEN_EXISTING,
+                                     0, nullptr)};
+  Handle childs_end;
+  if (!::CreatePipe(&letters.value, &childs_end.value, &inherited, 0)) return false;
+  ::SetHandleInformation(letters.value, HANDLE_FLAG_INHERIT, 0);
+  std::wstring line = command_line(task, item);
   STARTUPINFOW settings{};
   settings.cb = sizeof settings;
   settings.dwFlags = STARTF_USESTDHANDLES;
-  settings.hStdInput = settings.hStdOutput = settings.hStdError = nowhere;
+  settings.hStdInput = settings.hStdError = nowhere.value;
+  settings.hStdOutput = childs_end.value;
   constexpr DWORD flags = CREATE_NO_WINDOW | CREATE_SUSPENDED;
   return ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
                           &settings, &child) != 0;
 }
 
-// Seconds of the processor.
-double time_used(HANDLE process) {
-  FILETIME start, end, kernel, user;
-  if (!::GetProcessTimes(process, &start, &end, &kernel, &user)) return 0;
-  const auto ticks = [](const FILETIME& time) {
-    return 4294967296.0 * time.dwHighDateTime + time.dwLowDateTime;
-  };
-  constexpr double seconds_per_tick = 1e-7;
-  return (ticks(kernel) + ticks(user)) * seconds_per_tick;
+// How many letters there are to read now.
+DWORD letters_waiting(HANDLE letters) {
+  DWORD count = 0;
+  return ::PeekNamedPipe(letters, nullptr, 0, nullptr, &count, nullptr) ? count : 0;
 }
 
-bool ends_well(HANDLE process, const ChildLimits& limits) {
+std::string read_letters(HANDLE letters) {
+  std::array<char, 256> bytes{};
+  DWORD count = 0;
+  ::ReadFile(letters, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
+  return {bytes.data(), count};
+}
+
+// What the child says until its end. False when it is stuck, or the run is interrupted.
+bool follow(HANDLE process, HANDLE letters, std::chrono::milliseconds patience, std::string& said) {
+  using Clock = std::chrono::steady_clock;
   constexpr DWORD look_every = 200;  // milliseconds
-  while (::WaitForSingleObject(process, look_every) == WAIT_TIMEOUT) {
-    if (time_used(process) < limits.seconds) continue;
-    ::TerminateProcess(process, 1);
-    return false;
+  Clock::time_point last_heard = Clock::now();
+  for (;;) {
+    const bool goes_on = ::WaitForSingleObject(process, look_every) == WAIT_TIMEOUT;
+    while (letters_waiting(letters) > 0) {
+      said += read_letters(letters);
+      last_heard = Clock::now();
+    }
+    if (!goes_on) return true;
+    if (INTERRUPTED() || Clock::now() - last_heard > patience) break;
   }
-  DWORD status = 0;
-  return !::GetExitCodeProcess(process, &status) || status == 0;
+  ::TerminateProcess(process, 1);
+  return false;
 }
 
 }  // namespace
 
-bool SUCCEEDS_IN_CHILD(const ChildTask& task, const std::string& argument,
-                       const ChildLimits& limits) {
-  if (!can_be_child) return true;
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  const Handle nowhere{::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, OPEN_EXISTING,
-                                     0, nullptr)};
+ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits) {
+  using How = ChildEnd::How;
+  if (!can_be_child) return {};
+  Handle letters;
   const Handle job{job_with(limits)};
   PROCESS_INFORMATION child{};
-  if (!start(task, argument, nowhere.value, child)) return true;
+  if (!start(task, item, letters, child)) {
+    return {How::not_started, "error " + std::to_string(::GetLastError())};
+  }
   const Handle process{child.hProcess};
   const Handle thread{child.hThread};
   ::AssignProcessToJobObject(job.value, process.value);
   ::ResumeThread(thread.value);
-  return ends_well(process.value, limits);
+  std::string said;
+  if (!follow(process.value, letters.value, limits.patience, said)) return {How::stuck, {}};
+  return {IS_DONE(said) ? How::done : How::died, {}};
 }
 
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTask& task,
@@ -104,7 +127,10 @@ bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTa
   }
   // A crash shows no window.
   ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-  status = task.perform(arguments[2]) ? 0 : 1;
+  constexpr SystemFile standard_output = 1;
+  ChildReport report(standard_output);
+  task.perform(arguments[2], report);
+  status = 0;
   return true;
 }
 

@@ -31,6 +31,12 @@ SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason);
 // has no locks counts as done.
 bool LOCK_SYSTEM_FILE(SystemFile file);
 
+// True when a program that is writing the file has locked it. No lock is kept.
+bool IS_LOCKED_BY_WRITER(SystemFile file);
+
+// The length of the file as it is now, in bytes; -1 when the system does not tell.
+std::int64_t SYSTEM_FILE_SIZE(SystemFile file);
+
 // True when the name leads to this file itself: another process may have renamed or removed it.
 bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file);
 

@@ -56,6 +56,17 @@ bool LOCK_SYSTEM_FILE(SystemFile file) {
   return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool IS_LOCKED_BY_WRITER(SystemFile file) {
+  if (::flock(file, LOCK_SH | LOCK_NB) != 0) return errno == EWOULDBLOCK;
+  ::flock(file, LOCK_UN);
+  return false;
+}
+
+std::int64_t SYSTEM_FILE_SIZE(SystemFile file) {
+  struct stat status {};
+  return ::fstat(file, &status) == 0 ? std::int64_t{status.st_size} : -1;
+}
+
 bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file) {
   struct stat opened {};
   struct stat named {};

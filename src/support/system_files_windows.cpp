@@ -169,6 +169,16 @@ bool LOCK_SYSTEM_FILE(SystemFile file) {
          (::GetLastError() != ERROR_LOCK_VIOLATION && ::GetLastError() != ERROR_IO_PENDING);
 }
 
+// The system itself keeps others from a file that is locked.
+bool IS_LOCKED_BY_WRITER(SystemFile) {
+  return false;
+}
+
+std::int64_t SYSTEM_FILE_SIZE(SystemFile file) {
+  LARGE_INTEGER length{};
+  return ::GetFileSizeEx(handle_of(file), &length) ? std::int64_t{length.QuadPart} : -1;
+}
+
 bool NAMES_SYSTEM_FILE(const std::string& name, SystemFile file) {
   const HANDLE named = ::CreateFileW(WIDE_TEXT(name).c_str(), 0, share_all, nullptr, OPEN_EXISTING,
                                      FILE_FLAG_OPEN_REPARSE_POINT, nullptr);

@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
+#include <utility>
 
 #include "support/interleave.h"
 #include "support/kernel.h"
+#include "support/system_files.h"
 #include "xf/xf_errors.h"
 #include "xf/xf_file_state.h"
+#include "xf/xf_group_trial.h"
+#include "xf/xf_member.h"
 #include "xf/xf_row_reader.h"
 #include "xf/xf_text.h"
 
@@ -15,9 +20,10 @@ namespace quillet {
 struct XfGroupState {
   XfGroupHandle id;
   hsize_t file_size = 0;
+  int descriptor = -1;            // of the file, as XfFileState has it
+  std::int64_t opened_size = -1;  // likewise
   // Opened when first asked for.
   std::unique_ptr<XfRowReader> values;
-  int values_rank = 0;
   std::unique_ptr<XfRowReader> activity;
   std::optional<std::vector<double>> times;
 };
@@ -32,73 +38,49 @@ KERNEL_LOOP void make_zero_or_one(std::int8_t* flags, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) flags[i] = flags[i] != 0 ? 1 : 0;
 }
 
-// Sets `exists`. A group that cannot be searched is damaged: that is not the same as a member that
-// is not there.
-XfStatus look_for_member(const XfGroupState& group, const char* name, bool& exists) {
-  const htri_t found = H5Lexists(group.id.get(), name, H5P_DEFAULT);
-  exists = found > 0;
-  return found >= 0 ? XfStatus{} : XF_FAILURE("the group is damaged");
+// Reading what is no longer there gives zeros; a file that grows is being written.
+XfStatus check_not_cut(const XfGroupState& group) {
+  const std::int64_t size = SYSTEM_FILE_SIZE(group.descriptor);
+  if (size < 0 || size >= group.opened_size) return {};
+  return XF_FAILURE("the file became smaller while it was read, expected " +
+                    std::to_string(group.opened_size) + " bytes, found " + std::to_string(size));
 }
 
-// Soft and external links are not followed.
-XfStatus check_member(const XfGroupState& group, const char* name) {
-  bool exists = false;
-  XfStatus status = look_for_member(group, name, exists);
-  if (!status.ok()) return status;
-  if (!exists) return XF_FAILURE(std::string(name) + " is missing");
-  H5L_info_t link{};
-  H5O_info_t object{};
-  const bool is_dataset =
-      H5Lget_info(group.id.get(), name, &link, H5P_DEFAULT) >= 0 && link.type == H5L_TYPE_HARD &&
-      H5Oget_info_by_name2(group.id.get(), name, &object, H5O_INFO_BASIC, H5P_DEFAULT) >= 0 &&
-      object.type == H5O_TYPE_DATASET;
-  return is_dataset ? XfStatus{} : XF_FAILURE(std::string(name) + " is damaged or no dataset");
+// The status of something that was read.
+XfStatus with_size_checked(const XfGroupState& group, XfStatus status) {
+  XfStatus whole = check_not_cut(group);
+  return whole.ok() ? std::move(status) : std::move(whole);
 }
 
 XfStatus load_times(XfGroupState& group) {
   if (group.times) return {};
-  XfStatus status = check_member(group, "Times");
   XfRowReader reader;
-  if (status.ok()) {
-    status = reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
-  }
+  XfStatus status =
+      reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
   if (!status.ok()) return status;
   std::vector<double> times(reader.columns());
-  status = reader.read_row(0, reinterpret_cast<std::byte*>(times.data()));
+  status = with_size_checked(group, reader.read_row(0, reinterpret_cast<std::byte*>(times.data())));
   if (status.ok()) group.times = std::move(times);
   return status;
 }
 
-// The rank of Values, which Grouptype repeats.
-int rank_of_values(const XfGroupState& group) {
-  const XfDatasetHandle dataset(H5Dopen2(group.id.get(), "Values", H5P_DEFAULT));
-  const XfSpaceHandle space(dataset.valid() ? H5Dget_space(dataset.get()) : H5I_INVALID_HID);
-  return space.valid() ? H5Sget_simple_extent_ndims(space.get()) : 0;
-}
-
+// The rank repeats what Grouptype says.
 XfStatus open_values(XfGroupState& group) {
   if (group.values) return {};
-  XfStatus status = check_member(group, "Values");
-  if (!status.ok()) return status;
-  const int rank = rank_of_values(group) == vector_rank ? vector_rank : scalar_rank;
   auto reader = std::make_unique<XfRowReader>();
-  status = reader->open_numbers(group.id.get(), "Values", rank, H5T_NATIVE_FLOAT, group.file_size);
-  if (!status.ok()) return status;
-  group.values = std::move(reader);
-  group.values_rank = rank;
-  return {};
+  XfStatus status = reader->open_numbers(group.id.get(), "Values", xf_scalar_or_vector,
+                                         H5T_NATIVE_FLOAT, group.file_size);
+  if (status.ok()) group.values = std::move(reader);
+  return status;
 }
 
-// Leaves the reader empty when the dataset has no activity.
+// Leaves the reader empty when the dataset has no activity. A group that cannot be searched is
+// damaged: that is not the same as a member that is not there.
 XfStatus open_activity(XfGroupState& group) {
   if (group.activity) return {};
-  bool exists = false;
-  XfStatus status = look_for_member(group, "Active", exists);
-  if (!status.ok() || !exists) return status;
-  status = check_member(group, "Active");
-  if (!status.ok()) return status;
+  if (xf_look_for_member(group.id.get(), "Active") == XfMember::State::absent) return {};
   auto reader = std::make_unique<XfRowReader>();
-  status = reader->open_flags(group.id.get(), "Active", group.file_size);
+  XfStatus status = reader->open_flags(group.id.get(), "Active", group.file_size);
   if (status.ok()) group.activity = std::move(reader);
   return status;
 }
@@ -127,7 +109,7 @@ XfStatus check_output_time(XfGroupState& group, const char* name, const XfRowRea
 XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
                         std::size_t value_count) {
   XfStatus status = open_values(group);
-  if (status.ok() && group.values_rank != rank) {
+  if (status.ok() && group.values->rank() != rank) {
     status = XF_FAILURE(rank == scalar_rank ? "the dataset is a vector, expected a scalar"
                                             : "the dataset is a scalar, expected a vector");
   }
@@ -136,15 +118,22 @@ XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
   return status;
 }
 
+XfStatus read_row(XfGroupState& group, XfRowReader& member, std::int32_t output_time,
+                  void* destination) {
+  return with_size_checked(group,
+                           member.read_row(output_time - 1, static_cast<std::byte*>(destination)));
+}
+
 XfStatus read_in_pieces(XfGroupState& group, int rank, std::int32_t output_time,
                         std::size_t value_count, const XfValueSink& sink) {
   XfStatus status = prepare_values(group, rank, output_time, value_count);
   if (!status.ok()) return status;
   const std::size_t components = rank == vector_rank ? 2 : 1;
-  return group.values->read_row_in_pieces(
+  status = group.values->read_row_in_pieces(
       output_time - 1, [&](std::size_t first, std::size_t count, const std::byte* elements) {
         sink(first, {reinterpret_cast<const float*>(elements), components * count});
       });
+  return with_size_checked(group, std::move(status));
 }
 
 XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
@@ -169,6 +158,8 @@ XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& gro
   group.reset(new XfGroupState{});
   group->id = std::move(id);
   group->file_size = size;
+  group->descriptor = file->descriptor;
+  group->opened_size = file->opened_size;
   return {};
 }
 
@@ -224,7 +215,7 @@ XfStatus XF_READ_SCALAR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
   return xf_guard_memory([&] {
     XfStatus status = prepare_values(*group, scalar_rank, output_time, values.size());
     if (!status.ok()) return status;
-    return group->values->read_row(output_time - 1, reinterpret_cast<std::byte*>(values.data()));
+    return read_row(*group, *group->values, output_time, values.data());
   });
 }
 
@@ -233,7 +224,7 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
   return xf_guard_memory([&] {
     XfStatus status = prepare_values(*group, vector_rank, output_time, pairs.size() / 2);
     if (!status.ok()) return status;
-    return group->values->read_row(output_time - 1, reinterpret_cast<std::byte*>(pairs.data()));
+    return read_row(*group, *group->values, output_time, pairs.data());
   });
 }
 
@@ -242,7 +233,8 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
   return xf_guard_memory([&] {
     XfStatus status = prepare_values(*group, vector_rank, output_time, x.size());
     if (status.ok()) status = check_count("y components", x.size(), y.size());
-    return status.ok() ? read_vector(*group, output_time - 1, x.data(), y.data()) : status;
+    if (!status.ok()) return status;
+    return with_size_checked(*group, read_vector(*group, output_time - 1, x.data(), y.data()));
   });
 }
 
@@ -268,10 +260,24 @@ XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_tim
     if (status.ok())
       status = check_count("activity flags", flags.size(), group->activity->columns());
     if (!status.ok()) return status;
-    status = group->activity->read_row(output_time - 1, reinterpret_cast<std::byte*>(flags.data()));
+    status = read_row(*group, *group->activity, output_time, flags.data());
     Kernel<make_zero_or_one>::run(flags.data(), flags.size());
     return status;
   });
+}
+
+void xf_try_group(const XfGroup& group) {
+  std::string units;
+  std::int32_t count = 0;
+  std::vector<double> times;
+  std::ignore = XF_GET_DATASET_TIME_UNITS(group, units);
+  std::ignore = XF_GET_DATASET_NUMVALS(group, count);
+  std::ignore = XF_GET_DATASET_NUMACTIVE(group, count);
+  std::ignore = XF_GET_DATASET_TIMES(group, times);
+  for (const char* const name : {"Mins", "Maxs"}) {
+    XfTable table;
+    std::ignore = xf_open_table(group->id.get(), name, 1, group->file_size, table);
+  }
 }
 
 }  // namespace quillet

@@ -1,8 +1,5 @@
 #include "xf/xf_errors.h"
 
-#include <cerrno>
-#include <charconv>
-#include <cstring>
 #include <string_view>
 
 namespace quillet {
@@ -18,19 +15,9 @@ std::string_view text_between(std::string_view text, std::string_view before,
   return text.substr(begin, end == std::string_view::npos ? end : end - begin);
 }
 
-void note_lock(std::string_view text, XfLastError& error) {
-  const std::string_view digits = text_between(text, "errno = ", ",");
-  int number = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  const bool held = number == EAGAIN || number == EWOULDBLOCK;
-  (held ? error.locked_by_other : error.lock_refused) = true;
-}
-
 void note_error(const H5E_error2_t& entry, XfLastError& error) {
   const std::string_view text = entry.desc == nullptr ? "" : entry.desc;
-  if (entry.min_num == H5E_CANTLOCKFILE && text.find("errno") != std::string_view::npos) {
-    note_lock(text, error);
-  }
+  if (text.find("consistency flags") != std::string_view::npos) error.advice = text;
   if (entry.min_num == H5E_TRUNCATED) {
     const std::string_view found = text_between(text, "eof = ", ",");
     const std::string_view expected = text_between(text, "stored_eof = ", ",");
@@ -62,6 +49,7 @@ XfLastError xf_last_error() {
 void xf_prepare_hdf5() {
   H5dont_atexit();
   H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
+  H5PLset_loading_state(0);  // a file does not choose code that is loaded
 }
 
 XfStatus xf_hdf5_failure(const std::string& otherwise) {

@@ -14,8 +14,7 @@ namespace quillet {
 struct XfLastError {
   std::string system_reason;  // the system's words ("No space left on device"), or empty
   std::string truncation;     // "expected 4096 bytes, found 1312" for a file that was cut, or empty
-  bool lock_refused = false;  // the file system knows no locks
-  bool locked_by_other = false;  // another program has the file open for writing
+  std::string advice;         // how to open a file that its writer left open, or empty
 };
 
 // Looks through the errors of the HDF5 call that has just failed; every later call, closing a

@@ -8,6 +8,7 @@
 #include "support/system_files.h"
 #include "xf/xf_errors.h"
 #include "xf/xf_file_state.h"
+#include "xf/xf_member.h"
 #include "xf/xf_table.h"
 #include "xf/xf_text.h"
 
@@ -19,34 +20,28 @@ constexpr const char* file_type = "Xmdf";
 constexpr const char* file_version_name = "/File Version";
 constexpr float file_version = 2.1F;
 
-XfPropertiesHandle access_properties(bool locking, bool writing) {
+// HDF5 itself locks nothing: inputs stay free for their writers, and outputs are locked by whoever
+// writes them here.
+XfPropertiesHandle access_properties() {
   XfPropertiesHandle properties(H5Pcreate(H5P_FILE_ACCESS));
-  // Who writes a file here holds a lock of its own on it.
-  H5Pset_file_locking(properties.get(), locking && !writing, true);
-  if (writing) {
-    // Old viewers read the earliest format only.
-    H5Pset_libver_bounds(properties.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18);
-    H5Pset_fclose_degree(properties.get(), H5F_CLOSE_SEMI);
-  }
+  H5Pset_file_locking(properties.get(), false, true);
   return properties;
 }
 
-// Opens or creates, again without locks when the file system refuses them. `error` is of the last
-// attempt; it is taken before anything else is asked of HDF5, which would clear it.
-template <typename Open>
-XfFileHandle with_or_without_locks(bool writing, XfLastError& error, Open open) {
-  XfFileHandle file;
-  for (const bool locking : {true, false}) {
-    const XfPropertiesHandle access = access_properties(locking, writing);
-    file = XfFileHandle(open(access.get()));
-    if (!file.valid()) error = xf_last_error();
-    if (file.valid() || !error.lock_refused) break;
-  }
-  return file;
+// A pipe or a device is not opened, nor a file that another program holds locked because it is
+// writing it. No lock is kept: who wants to go on writing the file must not be refused.
+XfStatus check_input(const std::string& name) {
+  std::int64_t size = 0;
+  std::string reason;
+  const SystemFile file = OPEN_REGULAR_FILE(name, size, reason);
+  if (file == no_file) return XF_FAILURE(reason);
+  const bool is_locked = IS_LOCKED_BY_WRITER(file);
+  CLOSE_SYSTEM_FILE(file);
+  return is_locked ? XF_FAILURE("another program is writing it") : XfStatus{};
 }
 
 XfStatus opening_failure(const std::string& name, const XfLastError& error) {
-  if (error.locked_by_other) return XF_FAILURE("another program is writing it");
+  if (!error.advice.empty()) return XF_FAILURE(error.advice);
   if (!error.truncation.empty()) return XF_FAILURE("truncated, " + error.truncation);
   if (!error.system_reason.empty()) return XF_FAILURE(error.system_reason);
   if (H5Fis_hdf5(name.c_str()) > 0) return XF_FAILURE("damaged or truncated HDF5 file");
@@ -54,20 +49,45 @@ XfStatus opening_failure(const std::string& name, const XfLastError& error) {
 }
 
 XfStatus check_file_type(hid_t file) {
-  const std::optional<std::string> found = xf_dataset_text(file, file_type_name);
+  XfMember member = xf_open_member(file, file_type_name, H5P_DEFAULT);
+  if (member.state == XfMember::State::elsewhere) return member.status();
+  if (!member.is_present()) {
+    return XF_FAILURE("an HDF5 file but not an XMDF file, it has no File Type");
+  }
+  const std::optional<std::string> found = xf_dataset_text(member.dataset.get());
   if (found && xf_same_text(*found, file_type)) return {};
-  return XF_FAILURE(found ? "an HDF5 file but not an XMDF file, expected File Type Xmdf, found " +
-                                *found
-                          : "an HDF5 file but not an XMDF file, it has no File Type");
+  return XF_FAILURE("an HDF5 file but not an XMDF file, " +
+                    (found ? "expected File Type Xmdf, found " + *found : "it has no File Type"));
 }
 
-XfFileHandle create_file(const std::string& name, XfLastError& error) {
+// What else stands at the root is looked at when it is asked for, but never elsewhere.
+XfStatus check_place_of_version(hid_t file) {
+  const XfMember member = xf_open_member(file, file_version_name, H5P_DEFAULT);
+  return member.state == XfMember::State::elsewhere ? member.status() : XfStatus{};
+}
+
+XfStatus check_root(hid_t file) {
+  XfStatus status = check_file_type(file);
+  return status.ok() ? check_place_of_version(file) : status;
+}
+
+XfFileHandle create_file(const std::string& name) {
   const XfPropertiesHandle creation(H5Pcreate(H5P_FILE_CREATE));
   // Equal runs give equal bytes: no times in the file.
   H5Pset_obj_track_times(creation.get(), false);
-  return with_or_without_locks(true, error, [&](hid_t access) {
-    return H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access);
-  });
+  const XfPropertiesHandle access = access_properties();
+  // Old viewers read the earliest format only.
+  H5Pset_libver_bounds(access.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18);
+  H5Pset_fclose_degree(access.get(), H5F_CLOSE_SEMI);
+  return XfFileHandle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access.get()));
+}
+
+// The system's handle behind HDF5's usual file driver; negative when there is none.
+SystemFile descriptor_of(hid_t file) {
+  void* descriptor = nullptr;
+  return H5Fget_vfd_handle(file, H5P_DEFAULT, &descriptor) >= 0
+             ? *static_cast<SystemFile*>(descriptor)
+             : no_file;
 }
 
 bool holds_numbers(hid_t dataset) {
@@ -136,43 +156,38 @@ void XfFileCloser::operator()(XfFileState* state) const {
 
 XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
   xf_prepare_hdf5();
-  XfLastError error;
-  XfFileHandle opened = with_or_without_locks(
-      false, error, [&](hid_t access) { return H5Fopen(name.c_str(), H5F_ACC_RDONLY, access); });
-  if (!opened.valid()) return opening_failure(name, error);
-  XfStatus status = check_file_type(opened.get());
-  if (status.ok()) file.reset(new XfFileState(std::move(opened), ""));
-  return status;
+  XfStatus status = check_input(name);
+  if (!status.ok()) return status;
+  const XfPropertiesHandle access = access_properties();
+  XfFileHandle opened(H5Fopen(name.c_str(), H5F_ACC_RDONLY, access.get()));
+  if (!opened.valid()) return opening_failure(name, xf_last_error());
+  status = check_root(opened.get());
+  if (!status.ok()) return status;
+  file.reset(new XfFileState(std::move(opened), ""));
+  file->descriptor = descriptor_of(file->id.get());
+  file->opened_size = SYSTEM_FILE_SIZE(file->descriptor);
+  return {};
 }
 
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
   xf_prepare_hdf5();
-  XfLastError error;
-  XfFileHandle created = create_file(name, error);
-  if (!created.valid()) {
-    return XF_FAILURE(error.system_reason.empty() ? "the file cannot be created"
-                                                  : error.system_reason);
-  }
+  XfFileHandle created = create_file(name);
+  if (!created.valid()) return xf_hdf5_failure("the file cannot be created");
   XfStatus status = xf_write_text_dataset(created.get(), file_type_name, file_type);
   if (status.ok()) {
     status = xf_write_single(created.get(), file_version_name, H5T_IEEE_F32LE, H5T_NATIVE_FLOAT,
                              &file_version);
   }
-  if (!status.ok()) return status;
-  file.reset(new XfFileState(std::move(created), name));
-  return {};
+  if (status.ok()) file.reset(new XfFileState(std::move(created), name));
+  return status;
 }
 
 void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {
   hsize_t size = 0;
-  void* descriptor = nullptr;  // behind HDF5's usual file driver
-  if (bytes <= 0 || H5Fget_filesize(file->id.get(), &size) < 0 ||
-      H5Fget_vfd_handle(file->id.get(), H5P_DEFAULT, &descriptor) < 0) {
-    return;
-  }
+  const SystemFile descriptor = descriptor_of(file->id.get());
+  if (bytes <= 0 || descriptor < 0 || H5Fget_filesize(file->id.get(), &size) < 0) return;
   // The file must not look longer than what HDF5 has written.
-  const bool reserved = RESERVE_BEYOND_END(*static_cast<const SystemFile*>(descriptor),
-                                           static_cast<std::int64_t>(size), bytes);
+  const bool reserved = RESERVE_BEYOND_END(descriptor, static_cast<std::int64_t>(size), bytes);
   // What a full disk could give is given back: the guess may be too high.
   if (!reserved) give_back_reserve(file->created_name);
 }
@@ -187,15 +202,14 @@ XfStatus XF_CLOSE_FILE(XfFile& file) {
 
 XfStatus XF_GET_LIBRARY_VERSION_FILE(const XfFile& file, float& version) {
   const XfStatus missing = XF_FAILURE("File Version is missing or no number");
-  const hid_t id = file->id.get();
-  if (H5Lexists(id, file_version_name, H5P_DEFAULT) <= 0) return missing;
-  const XfDatasetHandle dataset(H5Dopen2(id, file_version_name, H5P_DEFAULT));
-  if (!dataset.valid() || !holds_numbers(dataset.get())) return missing;
-  const XfSpaceHandle space(H5Dget_space(dataset.get()));
+  const XfMember member = xf_open_member(file->id.get(), file_version_name, H5P_DEFAULT);
+  const hid_t dataset = member.dataset.get();
+  if (!member.is_present() || !holds_numbers(dataset)) return missing;
+  const XfSpaceHandle space(H5Dget_space(dataset));
   std::array<float, 16> values{};
   const hssize_t count = H5Sget_simple_extent_npoints(space.get());
   if (count < 1 || count > static_cast<hssize_t>(values.size())) return missing;
-  if (H5Dread(dataset.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()) < 0) {
+  if (H5Dread(dataset, H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()) < 0) {
     return missing;
   }
   version = values[0];

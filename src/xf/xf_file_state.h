@@ -1,6 +1,7 @@
 // What stands behind an open file; for the sources of the XF_ operations only.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -21,6 +22,9 @@ struct XfFileState {
   XfFileHandle id;
   std::optional<XfDatasetPaths> paths;  // once they have been asked for
   std::string created_name;             // of a file that is being written; else empty
+  // Of a file that is read: the system's handle, and the bytes when it was opened, or -1.
+  int descriptor = -1;
+  std::int64_t opened_size = -1;
 };
 
 }  // namespace quillet

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "xf/xf_handle.h"
+#include "xf/xf_member.h"
 #include "xf/xf_text.h"
 
 namespace quillet {
@@ -29,30 +30,29 @@ herr_t keep_hard_link(hid_t /*group*/, const char* name, const H5L_info_t* info,
   return 0;
 }
 
-bool is_dataset(hid_t group, const char* name) {
-  if (H5Lexists(group, name, H5P_DEFAULT) <= 0) return false;
-  H5O_info_t info{};
-  return H5Oget_info_by_name2(group, name, &info, H5O_INFO_BASIC, H5P_DEFAULT) >= 0 &&
-         info.type == H5O_TYPE_DATASET;
-}
-
-GroupKind kind_by_rank(hid_t group) {
-  const XfDatasetHandle values(H5Dopen2(group, "Values", H5P_DEFAULT));
-  const XfSpaceHandle space(values.valid() ? H5Dget_space(values.get()) : H5I_INVALID_HID);
-  if (!space.valid()) return GroupKind::other;
-  const int rank = H5Sget_simple_extent_ndims(space.get());
+// A dataset that keeps its values elsewhere is one that cannot be read.
+GroupKind kind_by_rank(const XfMember& values) {
+  if (!values.is_present()) return GroupKind::scalar;
+  const XfSpaceHandle space(H5Dget_space(values.dataset.get()));
+  const int rank = space.valid() ? H5Sget_simple_extent_ndims(space.get()) : 0;
   std::array<hsize_t, H5S_MAX_RANK> extents{};
-  H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+  if (rank > 0) H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
   if (rank == 2) return GroupKind::scalar;
   return rank == 3 && extents[2] == 2 ? GroupKind::vector : GroupKind::other;
 }
 
+GroupKind kind_by_members(hid_t group) {
+  const auto is_there = [](const XfMember& member) {
+    return member.is_present() || member.state == XfMember::State::elsewhere;
+  };
+  if (!is_there(xf_open_member(group, "Times", H5P_DEFAULT))) return GroupKind::folder;
+  const XfMember values = xf_open_member(group, "Values", H5P_DEFAULT);
+  return is_there(values) ? kind_by_rank(values) : GroupKind::folder;
+}
+
 GroupKind kind_of_group(hid_t group) {
   const std::string text = xf_attribute_text(group, "Grouptype").value_or("");
-  if (text.empty()) {
-    const bool has_members = is_dataset(group, "Values") && is_dataset(group, "Times");
-    return has_members ? kind_by_rank(group) : GroupKind::folder;
-  }
+  if (text.empty()) return kind_by_members(group);
   if (xf_same_text(text, "DATASET SCALAR")) return GroupKind::scalar;
   if (xf_same_text(text, "DATASET VECTOR")) return GroupKind::vector;
   const bool folder = xf_same_text(text, "GENERIC") || xf_same_text(text, "MULTI DATASETS");

@@ -26,6 +26,7 @@ class XfRowReader {
   // of one byte.
   XfStatus open_flags(hid_t group, const char* name, hsize_t file_size);
 
+  int rank() const { return table.rank; }
   hsize_t rows() const { return table.rows; }
   hsize_t columns() const { return table.columns; }
 

@@ -29,10 +29,14 @@ struct XfTable {
   hsize_t chunk_columns = 0;
   hsize_t chunk_components = 1;
   bool filtered = false;
-  bool deflated = false;  // every chunk, by deflate alone or by shuffle and then deflate
+  hsize_t largest_ratio = 1;  // how much the filters can shrink anything; 0: there is no limit
+  bool deflated = false;      // every chunk, by deflate alone or by shuffle and then deflate
   bool shuffled = false;
   hsize_t file_size = 0;  // bytes; bounds everything that is stored
 };
+
+// For values: rank 2, or 3 with two components.
+constexpr int xf_scalar_or_vector = 0;
 
 // Opens the dataset `name` of a group: rank 1 (a series), 2, or 3 with two components. The file's
 // size bounds what it can hold.

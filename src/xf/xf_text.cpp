@@ -81,14 +81,11 @@ std::optional<std::string> xf_attribute_text(hid_t object, const char* name) {
   });
 }
 
-std::optional<std::string> xf_dataset_text(hid_t file, const char* name) {
-  if (H5Lexists(file, name, H5P_DEFAULT) <= 0) return std::nullopt;
-  const XfDatasetHandle dataset(H5Dopen2(file, name, H5P_DEFAULT));
-  if (!dataset.valid()) return std::nullopt;
-  const XfTypeHandle type(H5Dget_type(dataset.get()));
-  const XfSpaceHandle space(H5Dget_space(dataset.get()));
+std::optional<std::string> xf_dataset_text(hid_t dataset) {
+  const XfTypeHandle type(H5Dget_type(dataset));
+  const XfSpaceHandle space(H5Dget_space(dataset));
   return first_text(type.get(), space.get(), [&](hid_t memory_type, void* memory) {
-    return H5Dread(dataset.get(), memory_type, H5S_ALL, H5S_ALL, H5P_DEFAULT, memory);
+    return H5Dread(dataset, memory_type, H5S_ALL, H5S_ALL, H5P_DEFAULT, memory);
   });
 }
 

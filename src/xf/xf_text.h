@@ -14,7 +14,7 @@ namespace quillet {
 // The first text of an attribute or of a dataset, without its padding. Nothing when it does not
 // exist or is no text.
 std::optional<std::string> xf_attribute_text(hid_t object, const char* name);
-std::optional<std::string> xf_dataset_text(hid_t file, const char* name);
+std::optional<std::string> xf_dataset_text(hid_t dataset);
 
 // Same letters, whatever their case.
 bool xf_same_text(const std::string& a, const char* b);

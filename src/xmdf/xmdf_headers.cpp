@@ -17,9 +17,20 @@
 namespace quillet {
 namespace {
 
-void open_file(XmdfFileHeader& header) {
+// Tells of each file whether it may be opened, up to the first that may not. All are tried before
+// any is opened, so that the copies of this process that try them stay small.
+std::vector<XfStatus> try_files(const std::vector<XmdfFileHeader>& files) {
+  std::vector<XfStatus> tried;
+  for (const XmdfFileHeader& header : files) {
+    tried.push_back(XF_TRY_FILE(header.file_name));
+    END_IF_INTERRUPTED();
+    if (!tried.back().ok()) break;
+  }
+  return tried;
+}
+
+void open_file(XmdfFileHeader& header, const XfStatus& tried) {
   SAY("Opening XMDF file " + QUOTED(header.file_name));
-  const XfStatus tried = XF_TRY_FILE(header.file_name);
   if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
   const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
   if (!status.ok()) {
@@ -180,8 +191,10 @@ std::vector<std::string> paths_to_read(const XmdfFileHeader& header) {
 
 void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files) {
   SAY("Opening all .xmdf files to extract header information.");
-  for (XmdfFileHeader& header : files) {
-    open_file(header);
+  const std::vector<XfStatus> tried = try_files(files);
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    XmdfFileHeader& header = files[i];
+    open_file(header, tried[i]);
     read_version(header);
     SAY("Extracting filepath information for array allocation...");
     read_counts(header, "scalar", XF_GET_SCALAR_DATASETS_INFO, header.scalars);

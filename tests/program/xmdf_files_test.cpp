@@ -1,6 +1,7 @@
 // XMDF files of other writers, damaged files, full disks: right numbers, or one line that says what
 // is wrong and no output.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -203,6 +204,24 @@ TEST(DamagedAttributes, EndTheRunWithOneLineThoughHdf5Crashes) {
     EXPECT_EQ(run.count_lines_with("Build"), 1);
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.xmdf"});
   }
+}
+
+// The console keeps its order though all files are tried before the first is opened.
+TEST(DamagedAttributes, AreToldAtTheirFilesTurn) {
+  const Workspace folder;
+  folder.write("b.xmdf", with_wild_reference(folder));
+  make_damaged(folder, [](hid_t) {});
+  const RunResult run = RUN(folder, WORDS("-b -max -typed a.xmdf b.xmdf"));
+  const auto first = run.output.find("Opening XMDF file \"a.xmdf\"\nDone.\nXMDF Version: ");
+  EXPECT_LT(first, run.output.find("\nOpening XMDF file \"b.xmdf\"\n\nERROR - Reading file "
+                                   "\"b.xmdf\": expected intact HDF5 headers, found damage "));
+}
+
+TEST(XmdfFiles, ThatArePipesAreNotOpened) {
+  const Workspace folder;
+  ASSERT_EQ(::mkfifo(folder.path("pipe.xmdf").c_str(), 0600), 0);
+  const RunResult run = RUN(folder, WORDS("-b -max -typed pipe.xmdf"));
+  expect_failure_line(run, "   \"pipe.xmdf\": Not a regular file");
 }
 
 TEST(XmdfFiles, WithoutOutputTimesGiveAnEmptyResult) {

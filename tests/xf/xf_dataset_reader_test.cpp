@@ -1,5 +1,7 @@
 #include "xf/xf_dataset_reader.h"
 
+#include <filesystem>
+
 #include "xf_test_files.h"
 
 namespace quillet {
@@ -196,7 +198,23 @@ std::vector<Refusal> refusals() {
   const hsize_t huge = 2000000000;
   // The zlib stream of four zero bytes, where 32 are due.
   const std::string four_bytes("\x78\x01\x63\x60\x60\x60\x00\x00\x00\x04\x00\x01", 12);
+  const auto link = [](void (*make)(hid_t group)) { return [make](hid_t d) { make(d); }; };
   return {
+      {"soft link", link([](hid_t d) { H5Lcreate_soft("Times", d, "Values", 0, 0); }),
+       "Values is missing"},
+      {"external link",
+       link([](hid_t d) { H5Lcreate_external("/dev/zero", "/d", d, "Values", 0, 0); }),
+       "Values keeps its data in other files"},
+      {"virtual",
+       [](hid_t d) {
+         const auto views = [](hid_t properties) {
+           const hsize_t extents[2] = {2, 4};
+           const XfSpaceHandle space(H5Screate_simple(2, extents, nullptr));
+           H5Pset_virtual(properties, space.get(), "/dev/zero", "/d", space.get());
+         };
+         make_member<float>(d, "Values", H5T_IEEE_F32LE, {{2, 4}, {}, views}, H5T_NATIVE_FLOAT, {});
+       },
+       "Values keeps its data in other files"},
       {"three components", values(real, {{2, 4, 3}, {}, {}}, 24), "expected 2 components, found 3"},
       {"chunks not written", values(real, {{2, huge}, {1, 1000}, deflate}, 0),
        "incomplete, 0 of its chunks"},
@@ -211,6 +229,80 @@ std::vector<Refusal> refusals() {
                             {});
        },
        "other files"}};
+}
+
+// Nearly constant values are shrunk without a limit by two deflates.
+TEST_F(XfReaderTest, ReadsWhatSeveralFiltersHaveShrunk) {
+  constexpr hsize_t many = 4000000;
+  open_group([](hid_t d) {
+    make_times(d, {0});
+    const auto twice = [](hid_t properties) {
+      H5Pset_deflate(properties, 9);
+      H5Pset_deflate(properties, 9);
+    };
+    make_member(d, "Values", H5T_IEEE_F32LE, {{1, many}, {1, many}, twice}, H5T_NATIVE_FLOAT,
+                std::vector<float>(many, 3.0F));
+  });
+  EXPECT_OK(read_scalar(1, many));
+  EXPECT_EQ(values.back(), 3.0F);
+}
+
+TEST_F(XfReaderTest, TellsTheNumbersOfADatasetWithoutOutputTimes) {
+  constexpr std::int32_t many = 12000000;
+  {
+    XfFile created;
+    XfFolder new_folder;
+    XfDatasetWriter dataset;
+    XfDatasetOptions options;
+    options.expected_values = many;
+    ASSERT_OK(XF_CREATE_FILE(path("e.xmdf"), created));
+    ASSERT_OK(XF_CREATE_GENERIC_GROUP(created, "r", new_folder));
+    ASSERT_OK(XF_CREATE_SCALAR_DATASET(new_folder, "d", options, dataset));
+    ASSERT_OK(XF_CLOSE_GROUP(dataset));
+    ASSERT_OK(XF_CLOSE_GROUP(new_folder));
+    ASSERT_OK(XF_CLOSE_FILE(created));
+  }
+  ASSERT_OK(XF_OPEN_FILE(path("e.xmdf"), file));
+  ASSERT_OK(XF_OPEN_GROUP(file, "r/d", group));
+  std::int32_t count = 0;
+  EXPECT_OK(XF_GET_DATASET_NUMVALS(group, count));
+  EXPECT_EQ(count, many);
+  EXPECT_OK(XF_GET_DATASET_NUM_TIMES(group, count));
+  EXPECT_EQ(count, 0);
+}
+
+// Engines append while users look.
+TEST_F(XfReaderTest, NoticesAFileThatIsCutWhileItIsRead) {
+  open_group([](hid_t d) {
+    make_times(d, {0, 1});
+    make_member(d, "Values", H5T_IEEE_F32LE, {{2, 4}, {1, 4}, {}}, H5T_NATIVE_FLOAT,
+                std::vector<float>(8, 5.0F));
+    make_member(d, "Active", H5T_STD_U8LE, {{2, 1}, {1, 1}, {}}, H5T_NATIVE_INT,
+                std::vector<int>(2, 1));
+  });
+  const std::size_t size = folder.read("d.xmdf").size();
+  EXPECT_OK(read_scalar(1, 4));
+  std::filesystem::resize_file(path("d.xmdf"), size + 1000);
+  EXPECT_OK(read_scalar(2, 4));
+  std::vector<std::int8_t> flags(1);
+  EXPECT_OK(XF_READ_ACTIVITY_TIMESTEP(group, 1, flags));
+  std::filesystem::resize_file(path("d.xmdf"), size - 1);
+  const std::string smaller = "the file became smaller while it was read, expected " +
+                              std::to_string(size) + " bytes, found " + std::to_string(size - 1);
+  expect_failure(read_scalar(1, 4), smaller);
+  expect_failure(XF_READ_ACTIVITY_TIMESTEP(group, 1, flags), smaller);
+}
+
+TEST_F(XfReaderTest, PassesOverActivityBehindASoftLink) {
+  open_group([](hid_t d) {
+    make_times(d, {0});
+    make_member(d, "Other", H5T_STD_U8LE, {{1, 3}, {1, 3}, {}}, H5T_NATIVE_INT,
+                std::vector<int>(3, 1));
+    H5Lcreate_soft("Other", d, "Active", H5P_DEFAULT, H5P_DEFAULT);
+  });
+  std::int32_t count = -1;
+  EXPECT_OK(XF_GET_DATASET_NUMACTIVE(group, count));
+  EXPECT_EQ(count, 0);
 }
 
 TEST_F(XfReaderTest, RefusesWhatItCannotRead) {

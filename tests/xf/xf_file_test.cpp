@@ -1,9 +1,14 @@
 #include "xf/xf_file.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 
 #include "xf_test_files.h"
 
@@ -47,6 +52,64 @@ TEST_F(XfFileTest, OpensWithoutLocksWhereThereAreNone) {
   EXPECT_OK(XF_CLOSE_FILE(created));
   errno_of_flock = EWOULDBLOCK;
   expect_refuses("a.xmdf", "another program is writing it");
+}
+
+TEST_F(XfFileTest, KeepsNoLockOnAnInput) {
+  make_file(path("a.xmdf"), [](hid_t) {});
+  XfFile file;
+  ASSERT_OK(XF_OPEN_FILE(path("a.xmdf"), file));
+  const int writer = ::open(path("a.xmdf").c_str(), O_RDWR);
+  EXPECT_EQ(::flock(writer, LOCK_EX | LOCK_NB), 0);
+  ::close(writer);
+}
+
+TEST_F(XfFileTest, RefusesWhatIsNoRegularFile) {
+  ASSERT_EQ(::mkfifo(path("pipe.xmdf").c_str(), 0600), 0);
+  std::filesystem::create_symlink("/dev/zero", path("device.xmdf"));
+  expect_refuses("pipe.xmdf", "Not a regular file");
+  expect_refuses("device.xmdf", "Not a regular file");
+}
+
+// A writer that dies leaves marks in files of the latest format.
+TEST_F(XfFileTest, PassesOnHowToOpenAFileThatItsWriterLeftOpen) {
+  const pid_t writer = ::fork();
+  if (writer == 0) {
+    const hid_t access = H5Pcreate(H5P_FILE_ACCESS);
+    H5Pset_libver_bounds(access, H5F_LIBVER_LATEST, H5F_LIBVER_LATEST);
+    const hid_t file = H5Fcreate(path("a.xmdf").c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, access);
+    H5Fflush(file, H5F_SCOPE_GLOBAL);
+    ::_exit(0);
+  }
+  ::waitpid(writer, nullptr, 0);
+  expect_refuses("a.xmdf", "(may use <h5clear file> to clear file consistency flags)");
+}
+
+// The root of a file with its members in the other file, which would be seen to be opened.
+TEST_F(XfFileTest, OpensNoOtherFile) {
+  make_file(path("other.xmdf"), [](hid_t) {});
+  const std::string other = path("other.xmdf");
+  const auto make = [&](const char* member, const std::function<void(hid_t root)>& replace) {
+    make_file(path("a.xmdf"), [&](hid_t root) {
+      make_member(root, "File Version", H5T_IEEE_F32LE, {{1}, {}, {}}, H5T_NATIVE_FLOAT,
+                  std::vector<float>{2.0F});
+      H5Ldelete(root, member, H5P_DEFAULT);
+      replace(root);
+    });
+  };
+  for (const char* const member : {"File Type", "File Version"}) {
+    SCOPED_TRACE(member);
+    const std::string reason = std::string(member) + " keeps its data in other files";
+    make(member, [&](hid_t root) {
+      H5Lcreate_external(other.c_str(), "/File Type", root, member, H5P_DEFAULT, H5P_DEFAULT);
+    });
+    expect_refuses("a.xmdf", reason);
+    make(member, [&](hid_t root) {
+      make_member<float>(root, member, H5T_IEEE_F32LE,
+                         {{1}, {}, [&](hid_t p) { H5Pset_external(p, other.c_str(), 0, 4); }},
+                         H5T_NATIVE_FLOAT, {});
+    });
+    expect_refuses("a.xmdf", reason);
+  }
 }
 
 // The file type as other writers put it.
@@ -119,6 +182,27 @@ TEST_F(XfPathsTest, DatasetsWithoutGroupTypeAreKnownByTheirMembers) {
     make_plain_dataset(no_times.get(), "Values", nullptr, {1, 2});
   });
   expect_paths({"folder/Values", "scalar"}, {"vector"});
+}
+
+// Which would have to be opened to tell what they are.
+TEST_F(XfPathsTest, MembersInOtherFilesAreNotLookedAt) {
+  make_file(path("p.xmdf"), [](hid_t file) {
+    for (const char* const name : {"linked", "virtual"}) {
+      const XfGroupHandle group = make_group(file, name);
+      make_times(group.get(), {0});
+    }
+    H5Lcreate_external("/dev/zero", "/v", file, "linked/Values", H5P_DEFAULT, H5P_DEFAULT);
+    make_member<float>(file, "virtual/Values", H5T_IEEE_F32LE,
+                       {{1, 4},
+                        {},
+                        [](hid_t properties) {
+                          const hsize_t extents[2] = {1, 4};
+                          const XfSpaceHandle space(H5Screate_simple(2, extents, nullptr));
+                          H5Pset_virtual(properties, space.get(), "/dev/zero", "/v", space.get());
+                        }},
+                       H5T_NATIVE_FLOAT, {});
+  });
+  expect_paths({"linked", "virtual"}, {});
 }
 
 TEST_F(XfPathsTest, EveryObjectIsVisitedOnceAndOnlyByHardLinks) {
