@@ -19,6 +19,10 @@ struct Box {
     y_low = std::min(y_low, point.y);
     y_high = std::max(y_high, point.y);
   }
+
+  bool holds(const MapPoint& point) const {
+    return point.x >= x_low && point.x <= x_high && point.y >= y_low && point.y <= y_high;
+  }
 };
 
 // The points sorted into equal boxes, about one in each.
@@ -33,14 +37,16 @@ class PointBoxes {
     }
   }
 
-  // Hands on the index of every point whose box meets the given one.
+  // Hands on the index of every point in the given box.
   template <typename Use>
-  void for_each_near(const Box& box, const Use& use) const {
+  void for_each_in(const Box& box, const Use& use) const {
     if (box.x_high < extent.x_low || box.x_low > extent.x_high) return;
     if (box.y_high < extent.y_low || box.y_low > extent.y_high) return;
     for (int r = row(box.y_low); r <= row(box.y_high); ++r) {
       for (int c = column(box.x_low); c <= column(box.x_high); ++c) {
-        for (const std::size_t i : boxes[index(c, r)]) use(i);
+        for (const std::size_t i : boxes[index(c, r)]) {
+          if (box.holds(points[i])) use(i);
+        }
       }
     }
   }
@@ -120,7 +126,7 @@ std::vector<PointPlaces> LOCATE_POINTS(const PartMesh& mesh, std::span<const Map
   const double tolerance = mesh.edge_tolerance();
   for (const MeshPart& part : mesh.parts) {
     const PartCorners corners = CORNERS_OF(mesh, part);
-    boxes.for_each_near(box_around(corners, part.corners(), tolerance), [&](std::size_t i) {
+    boxes.for_each_in(box_around(corners, part.corners(), tolerance), [&](std::size_t i) {
       const MapPoint& point = points[i];
       if (!contains(corners, part.corners(), tolerance, point)) return;
       places[i].push_back(
