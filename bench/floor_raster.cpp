@@ -1,12 +1,16 @@
 // The floors of --grid and --points.
 //
-//     floor_raster grid MESH.2dm FILE.dat CELL OUTPUT [all]
-//     floor_raster read FILE.dat
+//     floor_raster grid MESH.2dm FILE.dat CELL OUTPUT [all] [deflate]
+//     floor_raster read MESH.2dm FILE.dat
 //
 // grid draws triangles and quadrilaterals that are wet (or all of them), all ordinary output times,
-// into tiles of 256 x 256 cells and writes them as they are, one plane after the other, without a
-// header. read reads all that stands in the file. One thread, no checks; 9-node elements are not
-// drawn.
+// into tiles of 256 x 256 cells and writes them, one plane after the other, without a header: as
+// they are, or deflated after the floating-point predictor, which tells what deflate itself takes
+// (a tile without a value is deflated once). read reads all that stands in both files. One thread,
+// no checks; 9-node elements are not drawn.
+#include <libdeflate.h>
+
+#include <bit>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
@@ -123,7 +127,8 @@ class Drawing {
     sort_elements();
   }
 
-  void draw(const std::int8_t* status, const float* values, OutFile& out) {
+  template <typename Write>
+  void draw(const std::int8_t* status, const float* values, const Write& write) {
     std::vector<std::int32_t> active;
     const std::int64_t band_size = raster.tiles_across * side * side;
     for (std::int64_t first = 0; first < raster.rows; first += side) {
@@ -144,7 +149,7 @@ class Drawing {
         if (last >= static_cast<double>(first + side)) active[kept++] = element;
       }
       active.resize(kept);
-      out.write(raster.band, band_size * std::int64_t{sizeof(float)});
+      for (std::int64_t i = 0; i < band_size; i += side * side) write(raster.band + i);
     }
   }
 
@@ -181,26 +186,79 @@ class Drawing {
   std::vector<std::vector<std::int32_t>> first_in;  // elements by the row of tiles they begin in
 };
 
-void grid(char** arguments, bool all_are_wet) {
+class TileDeflater {
+ public:
+  void write(const float* tile, OutFile& out) {
+    const bool is_empty =
+        std::all_of(tile, tile + side * side, [](float v) { return v == no_data; });
+    if (is_empty && empty_size > 0) {
+      out.write(empty, empty_size);
+      return;
+    }
+    for (int row = 0; row < side; ++row) predict(tile + row * side, predicted + row * side * 4);
+    const std::size_t size =
+        libdeflate_zlib_compress(compressor, predicted, sizeof predicted, packed, sizeof packed);
+    out.write(packed, static_cast<std::int64_t>(size));
+    if (!is_empty) return;
+    empty_size = static_cast<std::int64_t>(std::min(size, sizeof empty));
+    std::memcpy(empty, packed, static_cast<std::size_t>(empty_size));
+  }
+
+ private:
+  static void predict(const float* values, unsigned char* result) {
+    unsigned char planes[4 * side + 1] = {};
+    for (int i = 0; i < side; ++i) {
+      const auto bits = std::bit_cast<std::uint32_t>(values[i]);
+      for (int plane = 0; plane < 4; ++plane) {
+        planes[1 + plane * side + i] = static_cast<unsigned char>(bits >> (24 - 8 * plane));
+      }
+    }
+    for (int i = 0; i < 4 * side; ++i) {
+      result[i] = static_cast<unsigned char>(planes[i + 1] - planes[i]);
+    }
+  }
+
+  libdeflate_compressor* compressor = libdeflate_alloc_compressor(4);
+  std::int64_t empty_size = 0;
+  unsigned char empty[4096];
+  unsigned char predicted[side * side * 4];
+  unsigned char packed[side * side * 4 + 4096];
+};
+
+struct GridOptions {
+  bool all_are_wet = false;
+  bool deflates = false;
+};
+
+void grid(char** arguments, const GridOptions& options) {
   const DatFile results(arguments[1]);
   FullMesh mesh(results.nodes, results.cells);
   take_lines(arguments[0], mesh);
   Drawing drawing(mesh, std::atof(arguments[2]));
   auto* const status = make_array<std::int8_t>(results.cells, Scheme{});
   auto* const values = make_array<float>(results.nodes, Scheme{});
-  OutFile out(arguments[3], drawing.plane_size());
+  OutFile out(arguments[3], options.deflates ? 1 : drawing.plane_size());
+  TileDeflater deflater;
   for (std::int64_t step = 0; step < results.times; ++step) {
     if (std::fabs(results.time(step)) > 99998) continue;
     results.read_statuses(step, status);
-    if (all_are_wet) std::fill(status, status + results.cells, std::int8_t{1});
+    if (options.all_are_wet) std::fill(status, status + results.cells, std::int8_t{1});
     results.read_values(step, 0, results.nodes, values);
-    drawing.draw(status, values, out);
+    drawing.draw(status, values, [&](const float* tile) {
+      if (options.deflates) {
+        deflater.write(tile, out);
+      } else {
+        out.write(tile, side * side * std::int64_t{sizeof(float)});
+      }
+    });
   }
   out.close();
 }
 
-void read_all(const char* name) {
+void read_all(const char* mesh_name, const char* name) {
   const DatFile results(name);
+  FullMesh mesh(results.nodes, results.cells);
+  take_lines(mesh_name, mesh);
   auto* const values = make_array<float>(results.nodes * results.components, Scheme{});
   auto* const status = make_array<std::int8_t>(results.cells, Scheme{});
   for (std::int64_t step = 0; step < results.times; ++step) {
@@ -214,13 +272,22 @@ void read_all(const char* name) {
 
 int main(int count, char** arguments) {
   using namespace quillet_floor;
-  const std::string_view mode = count > 2 ? arguments[1] : "";
-  if (mode == "grid" && (count == 6 || count == 7)) {
-    grid(arguments + 2, count == 7);
-  } else if (mode == "read" && count == 3) {
-    read_all(arguments[2]);
+  const std::string_view mode = count > 1 ? arguments[1] : "";
+  if (mode == "grid" && count >= 6) {
+    GridOptions options;
+    for (int i = 6; i < count; ++i) {
+      const std::string_view option = arguments[i];
+      options.all_are_wet = options.all_are_wet || option == "all";
+      options.deflates = options.deflates || option == "deflate";
+    }
+    grid(arguments + 2, options);
+  } else if (mode == "read" && count == 4) {
+    read_all(arguments[2], arguments[3]);
   } else {
-    std::fputs("floor_raster grid MESH.2dm FILE.dat CELL OUTPUT [all] | read FILE.dat\n", stderr);
+    std::fputs(
+        "floor_raster grid MESH.2dm FILE.dat CELL OUTPUT [all] [deflate]\n"
+        "floor_raster read MESH.2dm FILE.dat\n",
+        stderr);
     return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

@@ -35,8 +35,9 @@ void add_files(Lines& lines, std::string_view label, const std::vector<std::stri
 
 void add_values(Lines& lines) {
   const WrittenValues& written = WRITTEN_VALUES();
-  if (written.largest_node == 0) return;
+  if (!(written.smallest <= written.largest)) return;
   lines.add("Values written", AREAL(written.smallest) + " to " + AREAL(written.largest));
+  if (written.largest_node == 0) return;
   lines.add("Largest value",
             fmt::format("node {}, time {}", written.largest_node, AREAL(written.largest_time)));
   lines.add("Wet cells at most",

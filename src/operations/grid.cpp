@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "raster/ascii_grid_sink.h"
@@ -60,7 +61,7 @@ void RUN_GRID(const MeshMapJob& job, const GridRequest& request) {
   const auto raster = open_raster(
       request,
       {.grid = grid, .bands = map.times().size(), .coordinate_system = request.coordinate_system});
-  const PartRasteriser rasteriser(map.mesh(), grid, tolerance, raster->block_size());
+  const PartRasteriser rasteriser(std::move(map.mesh()), grid, tolerance, raster->block_size());
   BandWriter writer(rasteriser, *raster);
   map.read_each([&](RES_TYPE& step) { writer.write(AREAL(step.time), scalars_of(map, step)); });
   SAY_APART("Closing files and exiting");

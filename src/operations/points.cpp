@@ -4,16 +4,20 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <vector>
 
 #include "points/csv_rows.h"
 #include "points/point_location.h"
 #include "points/points_file.h"
+#include "results/written_values.h"
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
 #include "support/run_tally.h"
 #include "support/text.h"
+#include "support/vector_magnitude.h"
 
 namespace quillet {
 namespace {
@@ -76,8 +80,8 @@ class SeriesWriter {
     const MeshValues x = map.values_of(step, step.nd.x);
     const MeshValues y = map.values_of(step, step.nd.y);
     for (std::size_t i = 0; i < points.size(); ++i) {
-      write_value(i, x);
-      if (step.is_vector) write_value(i, y);
+      const float along_x = write_value(i, x);
+      NOTE_WRITTEN_VALUE(step.is_vector ? VECTOR_MAGNITUDE(along_x, write_value(i, y)) : along_x);
     }
     file.write("\n");
   }
@@ -96,10 +100,12 @@ class SeriesWriter {
     file.write(text);
   }
 
-  void write_value(std::size_t point, const MeshValues& values) {
+  // Returns the value, or not a number.
+  float write_value(std::size_t point, const MeshValues& values) {
     const std::optional<float> value = VALUE_AT(places[point], values);
     if (value) had_value[point] = true;
     write_field(value ? AREAL(*value) : "");
+    return value.value_or(std::numeric_limits<float>::quiet_NaN());
   }
 
   const std::vector<NamedPoint>& points;

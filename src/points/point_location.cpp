@@ -31,6 +31,8 @@ class PointBoxes {
   explicit PointBoxes(std::span<const MapPoint> all_points) : points(all_points) {
     for (const MapPoint& point : points) extent.add(point);
     side = std::max(1, static_cast<int>(std::sqrt(static_cast<double>(points.size()))));
+    columns_per_m = boxes_per_m(extent.x_low, extent.x_high);
+    rows_per_m = boxes_per_m(extent.y_low, extent.y_high);
     boxes.resize(static_cast<std::size_t>(side) * side);
     for (std::size_t i = 0; i < points.size(); ++i) {
       boxes[index(column(points[i].x), row(points[i].y))].push_back(i);
@@ -42,8 +44,10 @@ class PointBoxes {
   void for_each_in(const Box& box, const Use& use) const {
     if (box.x_high < extent.x_low || box.x_low > extent.x_high) return;
     if (box.y_high < extent.y_low || box.y_low > extent.y_high) return;
-    for (int r = row(box.y_low); r <= row(box.y_high); ++r) {
-      for (int c = column(box.x_low); c <= column(box.x_high); ++c) {
+    const int last_row = row(box.y_high);
+    const int last_column = column(box.x_high);
+    for (int r = row(box.y_low); r <= last_row; ++r) {
+      for (int c = column(box.x_low); c <= last_column; ++c) {
         for (const std::size_t i : boxes[index(c, r)]) {
           if (box.holds(points[i])) use(i);
         }
@@ -52,12 +56,12 @@ class PointBoxes {
   }
 
  private:
-  int place(double value, double low, double high) const {
-    const double share = high > low ? (value - low) / (high - low) : 0;
-    return static_cast<int>(std::clamp(share * side, 0.0, side - 1.0));
+  double boxes_per_m(double low, double high) const { return high > low ? side / (high - low) : 0; }
+  int place(double boxes_from_start) const {
+    return static_cast<int>(std::clamp(boxes_from_start, 0.0, side - 1.0));
   }
-  int column(double x) const { return place(x, extent.x_low, extent.x_high); }
-  int row(double y) const { return place(y, extent.y_low, extent.y_high); }
+  int column(double x) const { return place((x - extent.x_low) * columns_per_m); }
+  int row(double y) const { return place((y - extent.y_low) * rows_per_m); }
   std::size_t index(int column, int row) const {
     return static_cast<std::size_t>(row) * static_cast<std::size_t>(side) +
            static_cast<std::size_t>(column);
@@ -66,6 +70,8 @@ class PointBoxes {
   std::span<const MapPoint> points;
   Box extent;
   int side = 1;
+  double columns_per_m = 0;
+  double rows_per_m = 0;
   std::vector<std::vector<std::size_t>> boxes;
 };
 

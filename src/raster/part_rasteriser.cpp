@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <numeric>
+#include <utility>
 
 #include "mesh/part_interpolation.h"
 #include "support/console.h"
@@ -165,9 +166,9 @@ void draw_part_of_mesh(const PartMesh& mesh, const MeshPart& part, const MeshVal
 
 }  // namespace
 
-PartRasteriser::PartRasteriser(const PartMesh& placed_mesh, const RasterGrid& grid,
+PartRasteriser::PartRasteriser(PartMesh placed_mesh, const RasterGrid& grid,
                                double tolerance_in_cells, const BlockSize& block_size) try
-    : mesh(placed_mesh),
+    : mesh(std::move(placed_mesh)),
       tolerance(std::max(tolerance_in_cells, 1e-9)),
       rows(grid.rows),
       columns(grid.columns),
@@ -178,14 +179,13 @@ PartRasteriser::PartRasteriser(const PartMesh& placed_mesh, const RasterGrid& gr
     for_each_block_of(part, [&](std::size_t block) { ++starts[block]; });
   }
   std::partial_sum(starts.begin(), starts.end(), starts.begin());
-  order.resize(static_cast<std::size_t>(starts.back()));
+  parts.resize(static_cast<std::size_t>(starts.back()));
   // Filled from the end of each block's stretch, its start moves to where it belongs.
-  std::int32_t index = 0;
   for (const MeshPart& part : mesh.parts) {
     for_each_block_of(
-        part, [&](std::size_t block) { order[static_cast<std::size_t>(--starts[block])] = index; });
-    ++index;
+        part, [&](std::size_t block) { parts[static_cast<std::size_t>(--starts[block])] = part; });
   }
+  mesh.parts = {};
 } catch (const std::bad_alloc&) {
   FAIL_ALLOCATION();
 }
@@ -224,7 +224,7 @@ bool PartRasteriser::draw(const MeshValues& values, std::int64_t block, float* c
   bool has_wet = false;
   const auto at = static_cast<std::size_t>(block);
   for (std::int64_t i = starts[at]; i < starts[at + 1]; ++i) {
-    const MeshPart& part = mesh.parts[static_cast<std::size_t>(order[static_cast<std::size_t>(i)])];
+    const MeshPart& part = parts[static_cast<std::size_t>(i)];
     if (!values.is_wet(part.element)) continue;
     if (!has_wet) std::fill(cells, cells + size.cells(), raster_no_data);
     has_wet = true;

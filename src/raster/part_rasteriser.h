@@ -17,9 +17,9 @@ namespace quillet {
 // lowest id of those that are wet.
 class PartRasteriser {
  public:
-  // Sorts the parts into the blocks that they reach into. The mesh must stay. Ends the run when
-  // memory does not suffice.
-  PartRasteriser(const PartMesh& placed_mesh, const RasterGrid& grid, double tolerance_in_cells,
+  // Sorts the parts into the blocks that they reach into, so that those of a block stand together
+  // whatever order the mesh has. Ends the run when memory does not suffice.
+  PartRasteriser(PartMesh placed_mesh, const RasterGrid& grid, double tolerance_in_cells,
                  const BlockSize& block_size);
 
   // Fills a block (by rows, from 0), whose rows stand one behind the other. Cells outside of the
@@ -38,14 +38,14 @@ class PartRasteriser {
   template <typename Use>
   void for_each_block_of(const MeshPart& part, const Use& use) const;
 
-  const PartMesh& mesh;
+  PartMesh mesh;  // its parts are among those below
   double tolerance;
   std::int32_t rows;
   std::int32_t columns;
   BlockSize size;
   BlockCounts counts;
-  std::vector<std::int64_t> starts;  // per block, and one more: where its parts begin in `order`
-  LargeArray<std::int32_t> order;    // parts by block, those of a block by falling id
+  std::vector<std::int64_t> starts;  // per block, and one more: where its parts begin
+  LargeArray<MeshPart> parts;        // by block, those of a block by falling id
 };
 
 }  // namespace quillet

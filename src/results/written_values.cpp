@@ -40,4 +40,11 @@ void NOTE_WRITTEN(float time, const RES_TYPE& record) {
   written.cell_count = record.cell_count;
 }
 
+void NOTE_WRITTEN_VALUE(float value) {
+  WrittenValues& written = WRITTEN_VALUES();
+  if (!written.are_wanted) return;
+  written.smallest = std::min(written.smallest, value);
+  written.largest = std::max(written.largest, value);
+}
+
 }  // namespace quillet

@@ -26,4 +26,7 @@ WrittenValues& WRITTEN_VALUES();
 // Not for maps that tell of values (their sources, their times).
 void NOTE_WRITTEN(float time, const RES_TYPE& record);
 
+// The range alone, of a value at a place that is no node: a scalar or a magnitude.
+void NOTE_WRITTEN_VALUE(float value);
+
 }  // namespace quillet

@@ -111,6 +111,21 @@ std::string standard_error_of(const Workspace& folder, const std::string& argume
   return folder.read("standard_error");
 }
 
+// Of time series the values at the points, of rasters those at the nodes.
+TEST(Summary, SaysTheRangeOfRastersAndTimeSeries) {
+  const Workspace folder;
+  MAKE_INPUTS_OF_WRITING_RUNS(folder);
+  const std::string series = standard_error_of(folder, "-b --summary --points=g.csv g_d.dat");
+  EXPECT_NE(series.find("2 read, 2 written\nValues written      2.3333333 to 8\nErrors"),
+            std::string::npos)
+      << series;
+  const std::string raster = standard_error_of(folder, "-b --summary --grid=1 g_d.dat");
+  EXPECT_NE(
+      raster.find("2 read, 2 written\nValues written      1 to 9\nLargest value       node 1"),
+      std::string::npos)
+      << raster;
+}
+
 TEST(Summary, SaysWhatTheRunDid) {
   const Workspace folder;
   folder.write(

@@ -65,7 +65,7 @@ std::vector<float> raster_of(const Scene& scene, double cell_size, const BlockSi
   const RasterGrid grid = GRID_AROUND(mesh, cell_size, "");
   const double tolerance = mesh.edge_tolerance() / cell_size;
   PLACE_IN_GRID(grid, mesh);
-  const PartRasteriser rasteriser(mesh, grid, tolerance, size);
+  const PartRasteriser rasteriser(std::move(mesh), grid, tolerance, size);
   std::vector<float> cells;
   const BlockCounts counts(grid.rows, grid.columns, size);
   std::vector<std::vector<float>> blocks;
