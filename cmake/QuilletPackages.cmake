@@ -54,6 +54,11 @@ install(
   COMPONENT debian
   EXCLUDE_FROM_ALL)
 install(
+  FILES ${PROJECT_SOURCE_DIR}/completions/_quillet
+  DESTINATION share/zsh/vendor-completions
+  COMPONENT debian
+  EXCLUDE_FROM_ALL)
+install(
   DIRECTORY ${documents}/debian/
   DESTINATION share
   COMPONENT debian

@@ -58,7 +58,8 @@ void limit(__rlimit_resource resource, rlim_t value) {
   // Whatever started the tests, a script in the background for one, may have had these ignored.
   for (const int interrupt : {SIGINT, SIGTERM, SIGHUP}) ::signal(interrupt, SIG_DFL);
   limit(RLIMIT_FSIZE, settings.largest_file);
-  if (can_limit_memory) limit(RLIMIT_AS, settings.address_space);
+  // What starts a foreign program needs memory of its own.
+  if (can_limit_memory && !program_is_foreign) limit(RLIMIT_AS, settings.address_space);
   for (const std::string& entry : settings.environment) {
     const auto separator = entry.find('=');
     ::setenv(entry.substr(0, separator).c_str(), entry.c_str() + separator + 1, 1);

@@ -36,7 +36,7 @@ struct RunSettings {
   bool has_output = true;                  // standard output and error
   int error_output = -1;                   // a descriptor for standard error; else the test's own
   rlim_t largest_file = RLIM_INFINITY;     // bytes; writing past it fails as on a full disk
-  rlim_t address_space = RLIM_INFINITY;    // bytes; not applied under the sanitizers
+  rlim_t address_space = RLIM_INFINITY;    // bytes; not under sanitizers, not for foreign programs
   std::chrono::seconds time_limit{30};     // then the run is killed
   std::vector<std::string> environment{};  // entries like NAME=value, beside the test's own
 };

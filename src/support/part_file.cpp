@@ -1,9 +1,5 @@
 #include "support/part_file.h"
 
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "support/console.h"
@@ -24,8 +20,7 @@ std::string PartFile::create(const std::string& name) {
   final_name = name;
   part_name = PART_NAME(name);
   // Noticed now, not when all the work is done.
-  std::error_code error;
-  if (std::filesystem::is_directory(final_name, error)) return std::strerror(EISDIR);
+  if (!MAY_BE_REPLACED(final_name)) return SYSTEM_REASON();
   std::string reason = open_and_lock();
   // Emptied only under the lock: another run may be writing it.
   if (reason.empty() && !CUT_FILE(file, 0)) reason = SYSTEM_REASON();

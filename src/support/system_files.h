@@ -66,6 +66,10 @@ bool RESERVE_BEYOND_END(SystemFile file, std::int64_t size, std::int64_t bytes);
 // Cuts the file to `bytes` bytes and gives back what was reserved beyond.
 bool CUT_FILE(SystemFile file, std::int64_t bytes);
 
+// False when another file could not take the place of the one of this name: it is a folder or,
+// where the system minds, write-protected or open in another program. True when there is none.
+bool MAY_BE_REPLACED(const std::string& name);
+
 // Gives the file its other name, in the place of the one that has it. It may be open here.
 bool RENAME_FILE(const std::string& from, const std::string& to);
 

@@ -126,6 +126,13 @@ bool CUT_FILE(SystemFile file, std::int64_t bytes) {
   return ::ftruncate(file, bytes) == 0;
 }
 
+bool MAY_BE_REPLACED(const std::string& name) {
+  struct stat status {};
+  if (::stat(name.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return true;
+  errno = EISDIR;
+  return false;
+}
+
 bool RENAME_FILE(const std::string& from, const std::string& to) {
   return std::rename(from.c_str(), to.c_str()) == 0;
 }

@@ -34,6 +34,9 @@ int error_number(DWORD error) {
     case ERROR_LOCK_VIOLATION:
     case ERROR_USER_MAPPED_FILE:
       return EBUSY;
+    case ERROR_NOT_READY:
+    case ERROR_DEV_NOT_EXIST:
+      return ENODEV;
     case ERROR_ACCESS_DENIED:
     case ERROR_CURRENT_DIRECTORY:
       return EACCES;
@@ -71,6 +74,10 @@ bool note_error_of(const std::wstring& name) {
   return false;
 }
 
+bool tells_absence(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 HANDLE handle_of(SystemFile file) {
   return reinterpret_cast<HANDLE>(::_get_osfhandle(file));
 }
@@ -93,6 +100,25 @@ bool is_on_disk(HANDLE handle) {
 constexpr const char* not_regular = "Not a regular file";
 constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
+bool has_attribute(const std::wstring& name, DWORD attribute) {
+  const DWORD attributes = ::GetFileAttributesW(name.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & attribute) != 0;
+}
+
+bool is_folder(const std::wstring& name) {
+  return has_attribute(name, FILE_ATTRIBUTE_DIRECTORY);
+}
+
+// The handle's descriptor, which owns it; there are 2048 in a process.
+SystemFile descriptor_of(HANDLE handle, std::string& reason) {
+  const int file =
+      ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_BINARY | _O_NOINHERIT);
+  if (file >= 0) return file;
+  reason = SYSTEM_REASON();
+  ::CloseHandle(handle);
+  return no_file;
+}
+
 // Opens what is a regular file: no folder, no device and, when asked so, no link.
 SystemFile open_on_disk(const std::string& name, DWORD access, DWORD disposition, DWORD flags,
                         std::string& reason) {
@@ -101,10 +127,7 @@ SystemFile open_on_disk(const std::string& name, DWORD access, DWORD disposition
       ::CreateFileW(wide_name.c_str(), access, share_all, nullptr, disposition, flags, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     note_error_of(wide_name);
-    const DWORD attributes = ::GetFileAttributesW(wide_name.c_str());
-    const bool is_folder =
-        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    reason = is_folder ? std::strerror(EISDIR) : SYSTEM_REASON();
+    reason = is_folder(wide_name) ? std::strerror(EISDIR) : SYSTEM_REASON();
     return no_file;
   }
   if (!is_on_disk(handle)) {
@@ -112,7 +135,7 @@ SystemFile open_on_disk(const std::string& name, DWORD access, DWORD disposition
     reason = not_regular;
     return no_file;
   }
-  return ::_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_BINARY | _O_NOINHERIT);
+  return descriptor_of(handle, reason);
 }
 
 bool identity_of(HANDLE handle, BY_HANDLE_FILE_INFORMATION& identity) {
@@ -247,6 +270,18 @@ bool CUT_FILE(SystemFile file, std::int64_t bytes) {
          note_error(::GetLastError());
 }
 
+bool MAY_BE_REPLACED(const std::string& name) {
+  const std::wstring wide_name = WIDE_TEXT(name);
+  if (has_attribute(wide_name, FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) {
+    errno = is_folder(wide_name) ? EISDIR : EACCES;
+    return false;
+  }
+  const HANDLE handle =
+      ::CreateFileW(wide_name.c_str(), DELETE, share_all, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (handle != INVALID_HANDLE_VALUE) return ::CloseHandle(handle);
+  return tells_absence(::GetLastError()) || note_error_of(wide_name);
+}
+
 bool RENAME_FILE(const std::string& from, const std::string& to) {
   const std::wstring new_name = WIDE_TEXT(to);
   return ::MoveFileExW(WIDE_TEXT(from).c_str(), new_name.c_str(), MOVEFILE_REPLACE_EXISTING) ||
@@ -256,7 +291,8 @@ bool RENAME_FILE(const std::string& from, const std::string& to) {
 // A file that is still open, here or elsewhere, goes when it is closed.
 bool REMOVE_FILE(const std::string& name) {
   const std::wstring wide_name = WIDE_TEXT(name);
-  return ::DeleteFileW(wide_name.c_str()) || note_error_of(wide_name) || errno == ENOENT;
+  return ::DeleteFileW(wide_name.c_str()) || tells_absence(::GetLastError()) ||
+         note_error_of(wide_name);
 }
 
 }  // namespace quillet

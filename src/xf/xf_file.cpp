@@ -40,10 +40,22 @@ XfStatus check_input(const std::string& name) {
   return is_locked ? XF_FAILURE("another program is writing it") : XfStatus{};
 }
 
+// The library's own words for a failure tell less on some systems than an opening of our own.
+std::string reason_for_reading(const std::string& name, const std::string& words) {
+  std::string reason;
+  std::int64_t size = 0;
+  const SystemFile file = OPEN_REGULAR_FILE(name, size, reason);
+  if (file == no_file) return reason;
+  CLOSE_SYSTEM_FILE(file);
+  return words;
+}
+
 XfStatus opening_failure(const std::string& name, const XfLastError& error) {
   if (!error.advice.empty()) return XF_FAILURE(error.advice);
   if (!error.truncation.empty()) return XF_FAILURE("truncated, " + error.truncation);
-  if (!error.system_reason.empty()) return XF_FAILURE(error.system_reason);
+  if (!error.system_reason.empty()) {
+    return XF_FAILURE(reason_for_reading(name, error.system_reason));
+  }
   if (H5Fis_hdf5(name.c_str()) > 0) return XF_FAILURE("damaged or truncated HDF5 file");
   return XF_FAILURE("not an HDF5 file");
 }

@@ -115,7 +115,8 @@ using Order = std::tuple<bool, bool, bool, bool>;
 class LoadedMeshes : public ::testing::TestWithParam<Order> {};
 
 TEST_P(LoadedMeshes, hold_what_the_text_states_whichever_way_they_are_read) {
-  const auto [nine_nodes, elements_first, shuffled_nodes, shuffled_elements] = GetParam();
+  const auto [of_nine_nodes, elements_first, shuffled_nodes, shuffled_elements] = GetParam();
+  const bool nine_nodes = of_nine_nodes;  // a structured binding is not for lambdas in Clang 14
   std::mt19937 random(17);
   Cards cards = grid_cards(nine_nodes ? 60 : 90, nine_nodes, random);
   if (shuffled_nodes) std::shuffle(cards.nodes.begin(), cards.nodes.end(), random);
