@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <thread>
 
+#include "build_paths.h"
 #include "program/writing_runs.h"
 
 namespace quillet::testing {
@@ -108,7 +109,9 @@ std::string standard_error_of(const Workspace& folder, const std::string& argume
   settings.error_output = ::open(file.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   RUN(folder, WORDS(arguments), settings);
   ::close(settings.error_output);
-  return folder.read("standard_error");
+  std::string text = folder.read("standard_error");
+  if (program_is_foreign) std::erase(text, '\r');
+  return text;
 }
 
 // Of time series the values at the points, of rasters those at the nodes.
