@@ -254,6 +254,19 @@ def check_grids(folder, mesh, epsg):
     check_raster(folder, "speed.tif", mesh, [everywhere], 20, 300)
 
 
+def check_angles(folder):
+    """Directions are not interpolated: every cell has that of a node, whichever file holds them."""
+    folder.run("-va", "run1_V.dat")
+    folder.run("-va", "-typeV", "run1.xmdf")
+    for name, selection in (("run1_V_va.dat", ()), ("run1_V_va.xmdf", ("-s1",))):
+        folder.run("--grid=15", "-t4", "-2dm", "run1.2dm", "-out", name + ".tif", *selection, name)
+    check(folder.bytes("run1_V_va.dat.tif") == folder.bytes("run1_V_va.xmdf.tif"), "angles of XMDF")
+    (angles,) = [step for step in read_dat(folder.path("run1_V_va.dat")) if step[0] == 4]
+    cells = gdal.Open(folder.path("run1_V_va.dat.tif")).ReadAsArray()
+    there = cells[cells != NO_DATA]
+    check(there.size > 0 and np.isin(there, angles[2]).all(), "angles are those of nodes")
+
+
 def check_points(folder, mesh):
     searcher = Searcher(mesh)
     depths = [step for step in read_dat(folder.path("run1_d.dat")) if step[0] != MAXIMA]
@@ -336,6 +349,7 @@ def main(program, example_model):
             mesh = read_mesh(folder.path("run1.2dm"))
             check_grids(folder, mesh, epsg)
             check_points(folder, mesh)
+            check_angles(folder)
     with tempfile.TemporaryDirectory() as name:
         check_big_tiff(Folder(program, name))
 

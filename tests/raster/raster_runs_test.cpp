@@ -182,6 +182,55 @@ INSTANTIATE_TEST_SUITE_P(
         points("no such file", "", one_time, "--points=q.csv a_d.dat")
             .says("ERROR - Could not open file: \"q.csv\"")));
 
+// ---- Few points on a long strip of squares, of which not all is read ----
+
+constexpr int strip_cells = 60000;
+
+std::string strip_mesh() {
+  std::string text = "MESH2D\n";
+  for (int i = 0; i <= strip_cells; ++i) {
+    const std::string x = std::to_string(i), id = std::to_string(2 * i + 1);
+    text += "ND " + id + ' ' + x + " 0 0\nND " + std::to_string(2 * i + 2) + ' ' + x + " 1 0\n";
+    if (i == strip_cells) break;
+    const auto corner = [&](int k) { return ' ' + std::to_string(2 * i + k); };
+    text += "E4Q " + std::to_string(i + 1) + corner(1) + corner(3) + corner(4) + corner(2) + " 1\n";
+  }
+  return text;
+}
+
+// x + y + hours at the nodes; of vectors that is y's component, and x's is its negative. The cells
+// from x = 30000 on are dry at 2 hours.
+std::string strip_results(bool is_vector) {
+  std::vector<DatTime> times;
+  for (const float hours : {1.0F, 2.0F}) {
+    DatTime step{hours, std::vector<int>(strip_cells, 1), {}};
+    if (hours == 2) std::fill(step.statuses.begin() + 30000, step.statuses.end(), 0);
+    for (int node = 0; node < 2 * strip_cells + 2; ++node) {
+      const float value = static_cast<float>(node / 2 + node % 2) + hours;
+      if (is_vector) step.values.push_back(-value);
+      step.values.push_back(value);
+    }
+    times.push_back(step);
+  }
+  return DAT_FILE({2 * strip_cells + 2, strip_cells, is_vector}, "a", times);
+}
+
+TEST(FewPoints, have_the_values_around_them_alone) {
+  const Workspace folder;
+  folder.write("a.2dm", strip_mesh());
+  folder.write("p.csv", "name,x,y\nfirst,0,0\nlast,60000,1\nwet,29999.5,0.5\ndry,30000.5,0.25\n");
+  folder.write("a_d.dat", strip_results(false));
+  RUN(folder, WORDS("-b --points=p.csv a_d.dat"));
+  EXPECT_EQ(folder.read("a_d(points).csv"),
+            "time,first,last,wet,dry\n1,1,60002,30001,30001.75\n2,2,,30002,\n");
+  folder.write("a_V.dat", strip_results(true));
+  RUN(folder, WORDS("-b --points=p.csv a_V.dat"));
+  EXPECT_EQ(folder.read("a_V(points).csv"),
+            "time,first_x,first_y,last_x,last_y,wet_x,wet_y,dry_x,dry_y\n"
+            "1,-1,1,-60002,60002,-30001,30001,-30001.75,30001.75\n"
+            "2,-2,2,,,-30002,30002,,\n");
+}
+
 // ---- XMDF, and what a failed run leaves ----
 
 TEST(RasterRuns, xmdf_without_activity_is_wet_everywhere) {
