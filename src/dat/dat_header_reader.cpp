@@ -1,15 +1,19 @@
 #include "dat/dat_header_reader.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
+#include "support/console.h"
 #include "support/text.h"
 
 namespace quillet {
 namespace {
 
-// A header is about a hundred bytes; a file that is none is searched to its end in such blocks.
-constexpr std::size_t block_size = 64 * 1024;
+// A header is about a hundred bytes; a file that is none is searched to its end in blocks that are
+// no longer than the file.
+constexpr std::int64_t smallest_block = 64;
+constexpr std::int64_t block_size = 64 * 1024;
 
 }  // namespace
 
@@ -23,10 +27,12 @@ DatHeader DatHeaderReader::read() {
 // The next bytes of the file; false when it ends before, and then the item stays as it was.
 bool DatHeaderReader::take(void* item, std::size_t size) {
   if (used + size > block.size()) {
+    END_IF_INTERRUPTED();
     block_start += static_cast<std::int64_t>(used);
     used = 0;
-    block.resize(block_size);
-    const auto found = file.read_at(block_start, block.data(), block_size);
+    const std::int64_t wanted = std::clamp(file.size() - block_start, smallest_block, block_size);
+    block.resize(static_cast<std::size_t>(wanted));
+    const auto found = file.read_at(block_start, block.data(), wanted);
     block.resize(static_cast<std::size_t>(found));
     // What is left of a cut item is no card.
     if (size > block.size()) used = block.size();

@@ -14,8 +14,18 @@ std::string_view LINE_AT(std::string_view text, std::size_t width) {
   return line.substr(0, width);
 }
 
+namespace {
+
+// No longer than the file, but with room for a line that counts and what follows it.
+std::size_t size_of_block(const InputUnit& file, std::size_t width, std::size_t wanted) {
+  const auto whole = static_cast<std::size_t>(std::max<std::int64_t>(file.size(), 0));
+  return std::min(wanted, std::max(whole, width) + width + 1);
+}
+
+}  // namespace
+
 LineReader::LineReader(const InputUnit& input, std::size_t width, std::size_t block_bytes)
-    : file(input), line_width(width), block_size(block_bytes) {
+    : file(input), line_width(width), block_size(size_of_block(input, width, block_bytes)) {
   // Not set to anything: most small files touch only a part of it.
   block.reset(new (std::nothrow) char[block_size + 1]);
   if (!block) FAIL_ALLOCATION();

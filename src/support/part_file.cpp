@@ -30,6 +30,7 @@ std::string PartFile::create(const std::string& name) {
 
 std::string PartFile::open_and_lock() {
   for (;;) {
+    END_IF_INTERRUPTED();
     std::string reason;
     file = OPEN_OUTPUT_FILE(part_name, reason);
     if (file == no_file) return reason;

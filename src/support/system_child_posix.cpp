@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <limits>
 
 #include "support/child_letters.h"
 #include "support/interrupt.h"
@@ -39,9 +40,11 @@ rlim_t memory_in_use() {
   return usage.arena + usage.hblkhd;
 }
 
-// Reading beyond the end of the heap crashes; the parent has at least as much behind that end.
+// Reading beyond the end of the heap crashes; the parent has at least as much behind that end. What
+// is given back is soon asked for again.
 void tighten_heap() {
   ::mallopt(M_TOP_PAD, 0);
+  ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
   ::malloc_trim(0);
 }
 

@@ -144,6 +144,19 @@ XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
       });
 }
 
+XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& group) {
+  XfGroupHandle id(H5Gopen2(file.id.get(), path.c_str(), H5P_DEFAULT));
+  if (!id.valid()) return XF_FAILURE("there is no group of this path");
+  hsize_t size = 0;
+  if (H5Fget_filesize(file.id.get(), &size) < 0) return XF_FAILURE("the file has no size");
+  group.reset(new XfGroupState{});
+  group->id = std::move(id);
+  group->file_size = size;
+  group->descriptor = file.descriptor;
+  group->opened_size = file.opened_size;
+  return {};
+}
+
 }  // namespace
 
 void XfGroupCloser::operator()(XfGroupState* state) const {
@@ -151,16 +164,7 @@ void XfGroupCloser::operator()(XfGroupState* state) const {
 }
 
 XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& group) {
-  XfGroupHandle id(H5Gopen2(file->id.get(), path.c_str(), H5P_DEFAULT));
-  if (!id.valid()) return XF_FAILURE("there is no group of this path");
-  hsize_t size = 0;
-  if (H5Fget_filesize(file->id.get(), &size) < 0) return XF_FAILURE("the file has no size");
-  group.reset(new XfGroupState{});
-  group->id = std::move(id);
-  group->file_size = size;
-  group->descriptor = file->descriptor;
-  group->opened_size = file->opened_size;
-  return {};
+  return xf_guard_memory([&] { return open_group(*file, path, group); });
 }
 
 XfStatus XF_CLOSE_GROUP(XfGroup& group) {

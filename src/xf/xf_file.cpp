@@ -118,7 +118,7 @@ XfStatus write_what_is_left(const XfFileState& file) {
 }
 
 // Cutting a file to the length that it has gives back the blocks beyond.
-void give_back_reserve(const std::string& name) {
+void give_back_reserve(const std::filesystem::path& name) noexcept {
   std::error_code error;
   const auto size = std::filesystem::file_size(name, error);
   if (!error) std::filesystem::resize_file(name, size, error);
@@ -155,18 +155,7 @@ XfStatus get_info(const XfFile& file, std::vector<std::string> XfDatasetPaths::*
   });
 }
 
-}  // namespace
-
-XfFileState::~XfFileState() {
-  id.close();
-  if (!created_name.empty()) give_back_reserve(created_name);
-}
-
-void XfFileCloser::operator()(XfFileState* state) const {
-  delete state;
-}
-
-XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
+XfStatus open_file(const std::string& name, XfFile& file) {
   xf_prepare_hdf5();
   XfStatus status = check_input(name);
   if (!status.ok()) return status;
@@ -181,7 +170,7 @@ XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
   return {};
 }
 
-XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
+XfStatus create_xmdf_file(const std::string& name, XfFile& file) {
   xf_prepare_hdf5();
   XfFileHandle created = create_file(name);
   if (!created.valid()) return xf_hdf5_failure("the file cannot be created");
@@ -192,6 +181,25 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
   }
   if (status.ok()) file.reset(new XfFileState(std::move(created), name));
   return status;
+}
+
+}  // namespace
+
+XfFileState::~XfFileState() {
+  id.close();
+  if (!created_name.empty()) give_back_reserve(created_name);
+}
+
+void XfFileCloser::operator()(XfFileState* state) const {
+  delete state;
+}
+
+XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
+  return xf_guard_memory([&] { return open_file(name, file); });
+}
+
+XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
+  return xf_guard_memory([&] { return create_xmdf_file(name, file); });
 }
 
 void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
-#include <string>
 #include <utility>
 
 #include "xf/xf_handle.h"
@@ -12,7 +12,7 @@
 namespace quillet {
 
 struct XfFileState {
-  XfFileState(XfFileHandle file, std::string created)
+  XfFileState(XfFileHandle file, std::filesystem::path created)
       : id(std::move(file)), created_name(std::move(created)) {}
   XfFileState(const XfFileState&) = delete;
   XfFileState& operator=(const XfFileState&) = delete;
@@ -21,7 +21,7 @@ struct XfFileState {
 
   XfFileHandle id;
   std::optional<XfDatasetPaths> paths;  // once they have been asked for
-  std::string created_name;             // of a file that is being written; else empty
+  std::filesystem::path created_name;   // of a file that is being written; else empty
   // Of a file that is read: the system's handle, and the bytes when it was opened, or -1.
   int descriptor = -1;
   std::int64_t opened_size = -1;

@@ -114,6 +114,21 @@ XfStatus create_dataset(const XfFolder& folder, const std::string& name, hsize_t
   return {};
 }
 
+// Makes what is missing of the path.
+XfStatus enter_folder(const XfFileState& file, const std::string& path, XfFolder& folder) {
+  XfGroupHandle group(H5Gopen2(file.id.get(), "/", H5P_DEFAULT));
+  std::string_view rest = path;
+  XfStatus status = group.valid() ? XfStatus{} : xf_hdf5_failure("the file cannot be written");
+  while (status.ok() && !rest.empty()) {
+    const std::size_t slash = rest.find('/');
+    const std::string level(rest.substr(0, slash));
+    if (!level.empty()) status = enter_group(level, group);
+    rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash + 1);
+  }
+  if (status.ok()) folder.reset(new XfFolderState{std::move(group)});
+  return status;
+}
+
 XfStatus check_count(const char* what, hsize_t expected, hsize_t found) {
   if (expected == found) return {};
   return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
@@ -195,27 +210,17 @@ void XfDatasetWriterCloser::operator()(XfDatasetWriterState* state) const {
 }
 
 XfStatus XF_CREATE_GENERIC_GROUP(const XfFile& file, const std::string& path, XfFolder& folder) {
-  XfGroupHandle group(H5Gopen2(file->id.get(), "/", H5P_DEFAULT));
-  std::string_view rest = path;
-  XfStatus status = group.valid() ? XfStatus{} : xf_hdf5_failure("the file cannot be written");
-  while (status.ok() && !rest.empty()) {
-    const std::size_t slash = rest.find('/');
-    const std::string level(rest.substr(0, slash));
-    if (!level.empty()) status = enter_group(level, group);
-    rest = slash == std::string_view::npos ? std::string_view{} : rest.substr(slash + 1);
-  }
-  if (status.ok()) folder.reset(new XfFolderState{std::move(group)});
-  return status;
+  return xf_guard_memory([&] { return enter_folder(*file, path, folder); });
 }
 
 XfStatus XF_CREATE_SCALAR_DATASET(const XfFolder& folder, const std::string& name,
                                   const XfDatasetOptions& options, XfDatasetWriter& dataset) {
-  return create_dataset(folder, name, 1, options, dataset);
+  return xf_guard_memory([&] { return create_dataset(folder, name, 1, options, dataset); });
 }
 
 XfStatus XF_CREATE_VECTOR_DATASET(const XfFolder& folder, const std::string& name,
                                   const XfDatasetOptions& options, XfDatasetWriter& dataset) {
-  return create_dataset(folder, name, 2, options, dataset);
+  return xf_guard_memory([&] { return create_dataset(folder, name, 2, options, dataset); });
 }
 
 XfStatus XF_WRITE_SCALAR_TIMESTEP(const XfDatasetWriter& dataset, double time,

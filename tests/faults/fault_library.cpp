@@ -51,8 +51,10 @@ bool fails_on(const char* call, int descriptor) {
   return descriptor > STDERR_FILENO && fails(call);
 }
 
-mode_t mode_of(int flags, va_list arguments) {
-  return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+int open_unless_failing(const char* name, int flags, va_list arguments) {
+  if (fails("open")) return -1;
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+  return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
 }  // namespace
@@ -64,18 +66,16 @@ void* __libc_malloc(size_t size);
 int open(const char* name, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = mode_of(flags, arguments);
+  const int file = open_unless_failing(name, flags, arguments);
   va_end(arguments);
-  if (fails("open")) return -1;
-  return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, name, flags, mode));
+  return file;
 }
 int open64(const char* name, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = mode_of(flags, arguments);
+  const int file = open_unless_failing(name, flags, arguments);
   va_end(arguments);
-  if (fails("open")) return -1;
-  return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, name, flags, mode));
+  return file;
 }
 int close(int descriptor) {
   const bool is_failing = fails_on("close", descriptor);
