@@ -119,8 +119,7 @@ std::vector<std::string> RunResult::lines() const {
 }
 
 bool RunResult::has_line(std::string_view line) const {
-  const auto all = lines();
-  return std::find(all.begin(), all.end(), line) != all.end();
+  return ("\n" + output).find("\n" + std::string(line) + "\n") != std::string::npos;
 }
 
 int RunResult::count_lines_with(std::string_view start) const {

@@ -49,6 +49,7 @@ struct RunResult {
 
   bool ended_well() const { return exit_status == 0 && signal == 0 && !timed_out; }
   std::vector<std::string> lines() const;
+  // Whether the whole line is there, or the whole lines one after the other.
   bool has_line(std::string_view line) const;
   int count_lines_with(std::string_view start) const;
 };

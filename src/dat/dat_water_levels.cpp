@@ -54,9 +54,12 @@ void DatWaterLevels::open(const ResultShape& data) {
   reader.emplace(choose_file());
   READ_DAT_HEADER(*reader);
   const DatHeader& header = reader->header();
-  if (!SAME_COUNTS({header.node_count, header.cell_count, header.is_vector}, data)) {
+  const ResultShape levels{header.node_count, header.cell_count, header.is_vector};
+  if (!SAME_COUNTS(levels, data)) {
     SAY("ERROR - Number nodes and/or cells in " + reader->name() +
         " not the same as in primary .dat file.");
+    SAY_HELP("Found " + COUNTS_TEXT(levels) + ", expected " + COUNTS_TEXT(data) + " as in " +
+             QUOTED(data_file));
     END_WITH_PAUSE();
   }
   SIZE_RECORD(step, header.node_count, header.cell_count, header.is_vector);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/console.h"
+#include "support/text.h"
 
 namespace quillet {
 namespace {
@@ -14,6 +15,8 @@ void check_counts(const RunSetup& setup) {
     if (SAME_COUNTS(source->shape(), primary.shape())) continue;
     SAY("ERROR - Number nodes and/or cells in " + source->name() +
         " not the same as in primary .dat file.");
+    SAY_HELP("Found " + COUNTS_TEXT(source->shape()) + ", expected " +
+             COUNTS_TEXT(primary.shape()) + " as in " + QUOTED(primary.name()));
     END_WITH_PAUSE();
   }
   SAY_APART("All files have the same number of nodes and cells.");

@@ -35,8 +35,9 @@ MESH_TYPE with_header_of(const MESH_TYPE& mesh) {
 void load_in_two_passes(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
                         MESH_TYPE& mesh) {
   SCAN_2DM(unit, mesh);
-  if (!expected.has_cells_of(mesh)) FAIL_ON_CELL_COUNT(*expected.cells);
-  if (!expected.has_nodes_of(mesh)) FAIL_ON_NODE_COUNT(*expected.nodes);
+  const MESH_COUNTS_TYPE found{unit.name(), mesh.node_count, mesh.element_count};
+  if (!expected.has_cells_of(mesh)) FAIL_ON_CELL_COUNT(found, *expected.cells);
+  if (!expected.has_nodes_of(mesh)) FAIL_ON_NODE_COUNT(found, *expected.nodes);
   if (!has_room(mesh)) FAIL_ALLOCATION();
   READ_2DM(unit, mesh);
 }

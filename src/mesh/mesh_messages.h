@@ -18,8 +18,18 @@ std::string SHOWN_LINE(std::string_view line);
 [[noreturn]] void FAIL_ON_REPEATED_ID(std::string_view file_name, std::string_view kind,
                                       std::int32_t id);
 
+// What a .2dm file holds.
+struct MESH_COUNTS_TYPE {
+  std::string_view file_name;
+  std::int32_t nodes = 0;
+  std::int32_t cells = 0;
+};
+
 // The messages of a mesh that does not belong to the results, then EXITS.
-[[noreturn]] void FAIL_ON_CELL_COUNT(std::int32_t expected);
-[[noreturn]] void FAIL_ON_NODE_COUNT(std::int32_t expected);
+[[noreturn]] void FAIL_ON_CELL_COUNT(const MESH_COUNTS_TYPE& found, std::int32_t expected);
+[[noreturn]] void FAIL_ON_NODE_COUNT(const MESH_COUNTS_TYPE& found, std::int32_t expected);
+
+// What helps after such a message: what was found in which file, and how to name another.
+void HELP_WITH_OTHER_MESH(std::string_view found);
 
 }  // namespace quillet

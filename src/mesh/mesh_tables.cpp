@@ -166,9 +166,10 @@ void MeshTables::store_counts() {
   mesh.quad9_count = cards_of_kind[9];
 }
 
-void MeshTables::check_counts() const {
-  if (element_cards != mesh.element_count) FAIL_ON_CELL_COUNT(mesh.element_count);
-  if (node_cards != mesh.node_count) FAIL_ON_NODE_COUNT(mesh.node_count);
+void MeshTables::check_counts(std::string_view file_name) const {
+  const MESH_COUNTS_TYPE found{file_name, node_cards, element_cards};
+  if (element_cards != mesh.element_count) FAIL_ON_CELL_COUNT(found, mesh.element_count);
+  if (node_cards != mesh.node_count) FAIL_ON_NODE_COUNT(found, mesh.node_count);
 }
 
 void MeshTables::finish() {

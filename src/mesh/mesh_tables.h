@@ -83,7 +83,7 @@ class MeshTables {
 
   // Sets the counts of the mesh to the numbers of cards; or ends the run when they differ.
   void store_counts();
-  void check_counts() const;
+  void check_counts(std::string_view file_name) const;
 
   // What the file did not state stands in the tables as not read, and the nodes have their kinds.
   void finish();

@@ -42,7 +42,7 @@ void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
   say_reading(tables);
   if (tables.failure()) fail_with(*tables.failure(), unit);
   finish(tables);
-  tables.check_counts();
+  tables.check_counts(unit.name());
 }
 
 bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,

@@ -1,5 +1,7 @@
 #include "mesh/read_2dm_elevations.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -11,6 +13,7 @@
 #include "mesh/seen_ids.h"
 #include "support/console.h"
 #include "support/line_reader.h"
+#include "support/text.h"
 
 namespace quillet {
 namespace {
@@ -84,13 +87,13 @@ class ElevationTables {
   static bool refuse_quad9() { return true; }
   [[noreturn]] static bool stop_at(std::string_view line) { FAIL_ON_MESH_LINE(line); }
 
-  bool has_all_nodes() const { return node_cards == elevations.size(); }
+  std::size_t node_count() const { return node_cards; }
 
  private:
   bool place_node(const ElevationCards::Node& card) {
     if (card.id < 1) return false;
     const auto index = static_cast<std::size_t>(card.id) - 1;
-    if (index >= elevations.size()) fail_on_other_mesh();
+    if (index >= elevations.size()) fail_on_other_mesh(card.id);
     if (!std::isnan(elevations[index])) FAIL_ON_REPEATED_ID(unit.name(), "node", card.id);
     elevations[index] = card.z;
     ++node_cards;
@@ -111,8 +114,10 @@ class ElevationTables {
     return true;
   }
 
-  [[noreturn]] static void fail_on_other_mesh() {
+  [[noreturn]] void fail_on_other_mesh(std::int32_t id) const {
     SAY("ERROR - .2dm file is incompatible with .dat file whilst reading node elevations");
+    HELP_WITH_OTHER_MESH(fmt::format("Found in {}: node {}, expected {} nodes at most.",
+                                     QUOTED(unit.name()), id, elevations.size()));
     EXITS();
   }
 
@@ -147,10 +152,12 @@ void READ_2DM_ELEVATIONS(const InputUnit& unit, LargeArray<float>& elevations,
   LineReader reader(unit, ElevationCards::width);
   ElevationTables tables(unit, elevations, corners, element_count);
   READ_CARDS(reader, ElevationCards{}, tables);
-  if (tables.has_all_nodes()) return;
+  if (tables.node_count() == elevations.size()) return;
 
   set_missing(elevations);
   SAY("WARNING - Did not read an elevation for all nodes from .2dm file.");
+  HELP_WITH_OTHER_MESH(fmt::format("Found in {}: nodes {}, expected {}.", QUOTED(unit.name()),
+                                   tables.node_count(), elevations.size()));
   PAUSE();
 } catch (const std::bad_alloc&) {
   FAIL_ALLOCATION();

@@ -3,6 +3,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+
+#include "support/numbers.h"
 
 namespace quillet {
 
@@ -16,6 +19,12 @@ struct ResultShape {
 inline bool SAME_COUNTS(const ResultShape& a, const ResultShape& b) {
   const bool same_cells = !a.cell_count || !b.cell_count || *a.cell_count == *b.cell_count;
   return a.node_count == b.node_count && same_cells;
+}
+
+// "nodes 6, cells 4", or the nodes alone.
+inline std::string COUNTS_TEXT(const ResultShape& shape) {
+  const std::string nodes = "nodes " + AINTEGER(shape.node_count);
+  return shape.cell_count ? nodes + ", cells " + AINTEGER(*shape.cell_count) : nodes;
 }
 
 }  // namespace quillet

@@ -333,7 +333,7 @@ TEST_F(EnsightExport, XmdfResultsPerElementOfAFiniteVolumeMesh) {
     EXPECT_EQ(place_of(2, 4, 4, has_statuses), "scalar per n");
     EXPECT_EQ(place_of(5, 4, 6, has_statuses)
                   .find("ERROR - Number of nodes does not match results file. Expecting number of "
-                        "nodes: 6\n"),
+                        "nodes: 6\n   Found in \"fv.2dm\": nodes 4, cells 5.\n"),
               0);
   }
 }
@@ -431,8 +431,11 @@ TEST_F(EnsightExport, EndsInFailureWithoutACaseFile) {
   };
   write("a_h.dat", "h", {{0, all_wet, ones}, {1, all_wet, ones}, {2, all_wet, ones}});
   folder.write("other.2dm", test::standard_mesh() + "ND 7 0 0 0 0 0 0 0\n");
-  expect_failure("Number of nodes does not match results file. Expecting number of nodes: 6",
-                 "a_h.dat -2dm other.2dm", false);
+  expect_failure(
+      "Number of nodes does not match results file. Expecting number of nodes: 6\n"
+      "   Found in \"other.2dm\": nodes 7, cells 3.\n"
+      "   -2dm names the mesh of the results; one that a .sup file names goes before it.",
+      "a_h.dat -2dm other.2dm", false);
   fs::create_directory(folder.path("out_h.0003"));
   expect_failure("Could not open file: \"out_h.0003\"\n   Is a directory\nPress Enter to try again",
                  "a_h.dat", true);

@@ -298,10 +298,13 @@ const std::string both_quads =
     "Detected High Resolution Output\n"
     "WARNING - Both 4 and 9 node quadrilateral elements detected.  This may cause issues\n"
     "Press Enter to Continue\n";
-const std::string other_nodes =
-    "ERROR - Number of nodes does not match results file. Expecting number of nodes: 5\n";
-const std::string other_cells =
-    "ERROR - Number of cells does not match results file. Expecting number of cells: 2\n";
+// With what the file has instead.
+std::string other_mesh(const std::string& expected, const std::string& found) {
+  return "ERROR - Number of " + expected + "\n   Found in : " + found + ".\n" +
+         std::string(test::other_mesh_help) + close;
+}
+const std::string five_nodes = "nodes does not match results file. Expecting number of nodes: 5";
+const std::string two_cells = "cells does not match results file. Expecting number of cells: 2";
 const std::string node4_again =
     "\nERROR - Reading file : expected every node id once, found node 4 again\n";
 const std::string misplaced_quad9 =
@@ -323,9 +326,9 @@ INSTANTIATE_TEST_SUITE_P(
         LastLines{node5 + too_short, {5, 1, 1, 0}, start + bad_line + too_short + close},
         LastLines{cell2 + node6, {5, 0, 2, 0}, start + bad_line + node6 + close},
         LastLines{cell2 + "ND 4 0 1 4 0 0 0 1", {5, 0, 2, 0}, start + node4_again + close},
-        LastLines{cell2, {4, 0, 2, 0}, other_nodes + close},
-        LastLines{node5, {5, 0, 1, 0}, other_cells + close},
-        LastLines{node5 + cell2 + "E3T 3", {5, 1, 2, 0}, other_cells + close},
+        LastLines{cell2, {4, 0, 2, 0}, other_mesh(five_nodes, "nodes 4, cells 2")},
+        LastLines{node5, {5, 0, 1, 0}, other_mesh(two_cells, "nodes 5, cells 1")},
+        LastLines{node5 + cell2 + "E3T 3", {5, 1, 2, 0}, other_mesh(two_cells, "nodes 5, cells 3")},
         LastLines{node5 + quad9, {5, 0, 1, 1}, both_quads + start + misplaced_quad9, 82}));
 
 }  // namespace

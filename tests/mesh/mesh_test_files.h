@@ -45,6 +45,8 @@ inline std::string console_of_loading(const std::string& text,
 }
 
 constexpr std::string_view close_lines = "\nPress Enter to Close\n";
+constexpr std::string_view other_mesh_help =
+    "   -2dm names the mesh of the results; one that a .sup file names goes before it.\n";
 
 // A header line of exactly this length: seven geo-referencing values and, at its end, the z offset.
 inline std::string header_line(std::size_t length) {

@@ -34,8 +34,10 @@ TEST(Read2dmElevations, files_of_another_mesh_and_bad_lines_end_the_run) {
       "...reading .2dm file\nERROR - Reading .2dm file from following line in .2dm file\n";
   EXPECT_EQ(console_of_reading(cards, 2, 3),
             "...reading .2dm file\n"
-            "ERROR - .2dm file is incompatible with .dat file whilst reading node elevations\n" +
-                close);
+            "ERROR - .2dm file is incompatible with .dat file whilst reading node elevations\n"
+            "   Found in \"" +
+                test::text_file("mesh.2dm", cards) + "\": node 3, expected 2 nodes at most.\n" +
+                std::string(test::other_mesh_help) + close);
   EXPECT_EQ(console_of_reading(cards, 3, 1), on_line + "E4Q 2 1 2 3 2\n" + close);
   for (const std::string line :
        {"ND 1 0 0", "ND -1 0 0 0", "E3T 1 1 2", "E3T 1 1 2 4", "E3T 0 1 2 3"}) {

@@ -120,6 +120,7 @@ TEST(Console, SaysWhatItMakesOfTheInputs) {
   expect_lines("-max a_d.dat cells_d.dat",
                {"ERROR - Number nodes and/or cells in cells_d.dat not the same as in primary .dat "
                 "file.",
+                "   Found nodes 3, cells 2, expected nodes 3, cells 1 as in \"a_d.dat\"",
                 "Press Enter to Continue"});
   expect_lines("-max a_d.dat A_V.DAT",
                {"ERROR - A_V.DAT is not the same vector or scalar format as in primary .dat file.",

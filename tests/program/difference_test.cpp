@@ -92,7 +92,8 @@ INSTANTIATE_TEST_SUITE_P(
                          {"a_h.dat", results({{1, {1}, {-7, 4}}})},
                          {"b_h.dat", ones}}))
             .gives(DAT_FILE(two_nodes, "diff_a_h - b_h", {{1, {1}, {-8, -99}}}))
-            .says("WARNING - Did not read an elevation for all nodes from .2dm file."),
+            .says("WARNING - Did not read an elevation for all nodes from .2dm file.\n"
+                  "   Found in \"a.2dm\": nodes 1, expected 2."),
         dif("an element of the mesh that cannot be read ends the run", "a_h.dat b_h.dat",
             WITH(bed_0, {{"b.2dm", mesh({"0", "0"}) + "E4Q 2 1 2 1\n"},
                          {"a_h.dat", ones},
@@ -164,7 +165,8 @@ INSTANTIATE_TEST_SUITE_P(
         dif("of another mesh end the run", files_d,
             WITH(depths, {{"b_h.dat", results({{1, {1}, {11, 21, 31}}}, {3, 1})}}))
             .says("ERROR - Number nodes and/or cells in b_h.dat not the same as in primary .dat "
-                  "file."),
+                  "file.\n   Found nodes 3, cells 1, expected nodes 2, cells 1 as in "
+                  "\"b_d.dat\""),
         dif("that are missing end the run", files_d,
             WITH(depths_alone, {{"a_h.dat", depths.at("a_h.dat")}}))
             .says("ERROR - Could not open file: \"b_h.dat\""),

@@ -317,13 +317,16 @@ TEST(Concatenate, RefusesOtherKindsAndCounts) {
   MAKE_XMDF(folder, "v.xmdf", {{"r/Temporal/Vector Velocity", {3, 2, true}, {}}});
   const auto before = folder.names();
   const std::string kind = " is not the same vector or scalar format as in primary .dat file.\n";
-  const std::string counts = " not the same as in primary .dat file.\n";
+  const auto other_counts = [](const std::string& name, const std::string& found) {
+    return "ERROR - Number nodes and/or cells in " + name +
+           " not the same as in primary .dat file.\n   Found " + found +
+           ", expected nodes 3, cells 2 as in \"a_d.dat\"\n";
+  };
   for (const auto& [inputs, message] : std::vector<std::pair<std::string, std::string>>{
            {"nodes_d.dat v_d.dat", "ERROR - v_d.dat" + kind},
            {"a_d.dat v.xmdf", "ERROR - v.xmdf" + kind},
-           {"a_d.dat a_d.dat cells_d.dat",
-            "ERROR - Number nodes and/or cells in cells_d.dat" + counts},
-           {"a_d.dat nodes_d.dat", "ERROR - Number nodes and/or cells in nodes_d.dat" + counts}}) {
+           {"a_d.dat a_d.dat cells_d.dat", other_counts("cells_d.dat", "nodes 3, cells 3")},
+           {"a_d.dat nodes_d.dat", other_counts("nodes_d.dat", "nodes 2, cells 1")}}) {
     const RunResult run = RUN(folder, WORDS("-b -con -typev -out all.dat " + inputs));
     EXPECT_NE(run.output.find(message + "Press Enter to Continue\n"), std::string::npos)
         << run.output;

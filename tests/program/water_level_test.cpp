@@ -97,7 +97,8 @@ INSTANTIATE_TEST_SUITE_P(
         max("a mesh of other cells", "a_h.dat",
             WITH(first_cell, {{"a.2dm", mesh + "E3T 4 1 2 3 1\n"}}))
             .says("ERROR - Number of cells does not match results file. Expecting number of cells: "
-                  "3"),
+                  "3\n   Found in \"a.2dm\": nodes 7, cells 4.\n   -2dm names the mesh of the "
+                  "results; one that a .sup file names goes before it."),
         max("a missing mesh", "a_h.dat", {{"a_h.dat", first_cell.at("a_h.dat")}})
             .says("ERROR - Could not open file: \"a.2dm\"")),
     NameOfCase{});

@@ -249,8 +249,10 @@ TEST(XmdfFiles, OfOtherSizesAreRefused) {
   MAKE_XMDF(folder, "c.xmdf", {depth("r/Maximums/Depth"), larger});
   const RunResult run = RUN(folder, WORDS("-b -dif -nowetdry -typed a.xmdf b.xmdf -out o"));
   EXPECT_NE(run.output.find("\nERROR - Number nodes and/or cells in b.xmdf not the same as in "
-                            "primary .dat file.\nPress Enter to Continue\n"),
-            std::string::npos);
+                            "primary .dat file.\n   Found nodes 41, cells 15, expected nodes 40, "
+                            "cells 15 as in \"a.xmdf\"\nPress Enter to Continue\n"),
+            std::string::npos)
+      << run.output;
   expect_failure_line(RUN(folder, WORDS("-b -trim50 -typed c.xmdf -out o")),
                       "ERROR - Reading data [XF_READ_SCALAR_VALUES_TIMESTEP] while reading c.xmdf\n"
                       "   \"c.xmdf\", dataset \"r/Temporal/Depth\": expected 40 values, found 41");
