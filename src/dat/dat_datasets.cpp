@@ -33,7 +33,8 @@ class DatDataset : public ResultDataset {
   bool shares_name() const override { return true; }
   void read(std::size_t output, RES_TYPE& record) override {
     reader.load(steps[output], record);
-    NOTE_TIME_READ();
+    NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+    NOTE_TIMES_PASSED();
   }
 
   void add(const DatStep& step) {

@@ -5,6 +5,7 @@
 #include "results/written_values.h"
 #include "support/console.h"
 #include "support/file_names.h"
+#include "support/run_tally.h"
 
 namespace quillet {
 namespace {
@@ -52,7 +53,11 @@ void DatSink::write_time_at(double, const RES_TYPE& record) {
 
 void DatSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   write(map.marker_time, record);
-  if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
+  if (map.dataset_name.empty()) {
+    NOTE_WRITTEN(map.dataset_time, record);
+  } else {
+    NOTE_TIME_WRITTEN();
+  }
   if (header_says_vector && !record.is_vector && !std::exchange(warned_of_maps, true)) {
     SAY("WARNING - Source and time maps in a vector .dat file cannot be read by other programs, "
         "use an .xmdf output.");

@@ -33,6 +33,7 @@ ResultShape DatSource::shape() const {
 DatStep DatSource::read_time_step() {
   SAY("Reading data for time " + AREALD(reader.next_time(), 3));
   const DatStep step = reader.advance();
+  NOTE_TIMES_PASSED();
   SAY("Done.");
   return step;
 }
@@ -41,7 +42,7 @@ void DatSource::read_next(RES_TYPE& record) {
   if (reader.at_end()) return;
   SAY("Call ReadDatFile.");
   reader.load(read_time_step(), record);
-  NOTE_TIME_READ();
+  NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
   SAY("Done.");
   record.end_of_file = reader.at_end();
   if (!record.end_of_file) return;
@@ -51,7 +52,7 @@ void DatSource::read_next(RES_TYPE& record) {
 
 void DatSource::pass_next() {
   reader.advance();
-  NOTE_TIME_PASSED();
+  NOTE_TIMES_PASSED();
   if (reader.at_end()) WARN_OF_UNREAD_DATA(reader);
 }
 
@@ -59,9 +60,10 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
   read_header();
   while (!reader.at_end()) {
     const DatStep step = read_time_step();
-    NOTE_TIME_PASSED();
     if (tolerance > std::fabs(step.time - time)) {
       reader.load(step, record);
+      NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+      NOTE_TIMES_PASSED(reader.time_count_bound());  // those behind it are not looked at
       SAY("...Found time " + AREAL(time) + " in dat file.");
       return;
     }
@@ -89,12 +91,12 @@ std::vector<float> DatSource::times_ahead() {
 
 float DatSource::scan_next() {
   scanned = read_time_step();
-  NOTE_TIME_READ();
   return scanned.time;
 }
 
 void DatSource::read_scanned(std::int32_t cell_count, OutputPieces& pieces) {
   reader.load_in_pieces(scanned, cell_count, pieces);
+  NOTE_TIME_READ(BYTES_OF(shape()));
 }
 
 void DatSource::end_scan() {

@@ -7,6 +7,7 @@
 #include "mesh/scan_2dm.h"
 #include "support/console.h"
 #include "support/file_names.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 
 namespace quillet {
@@ -98,6 +99,17 @@ std::int32_t cell_count_of(const Conversion& conversion) {
   return 0;
 }
 
+// For whoever asks how far the run is.
+void announce_reading(const std::vector<Conversion>& conversions) {
+  std::size_t times = 0;
+  for (const Conversion& conversion : conversions) {
+    for (const ConversionTarget& target : conversion.targets) {
+      for (const ConversionItem& item : target.datasets) times += item.dataset->times().size();
+    }
+  }
+  RUN_TALLY().times_to_pass = static_cast<std::int64_t>(times);
+}
+
 void convert(const Conversion& conversion, RES_TYPE& step) {
   const ResultShape shape = conversion.source->shape();
   SIZE_RECORD_OF_PAIRS(step, shape.node_count, cell_count_of(conversion),
@@ -117,6 +129,7 @@ void CONVERT_INPUTS(RunSetup& setup) {
   }
   const bool named_by_user = apply_output_name(setup.options, conversions);
   check_targets(setup, conversions, named_by_user);
+  announce_reading(conversions);
   for (const Conversion& conversion : conversions) convert(conversion, setup.work.step);
   SAY_APART("Closing files and exiting");
 }

@@ -225,10 +225,7 @@ ArrayUse arrays_of(const RunSetup& setup) {
 
 // What the run will walk through, for whoever asks how far it is.
 void announce_walk(const RunSetup& setup) {
-  constexpr std::int64_t value_size = sizeof(float);
   RunTally& tally = RUN_TALLY();
-  const auto& [node_count, cell_count, is_vector] = setup.shape;
-  tally.bytes_per_time = node_count * value_size * (is_vector ? 2 : 1) + cell_count.value_or(0);
   const bool takes_first_only = !setup.operation.warning_of_further_inputs.empty();
   for (const auto& source : setup.inputs.sources) {
     tally.times_to_pass += source->likely_time_count();

@@ -37,9 +37,9 @@ void add_values(Lines& lines) {
   const WrittenValues& written = WRITTEN_VALUES();
   if (!(written.smallest <= written.largest)) return;
   lines.add("Values written", AREAL(written.smallest) + " to " + AREAL(written.largest));
-  if (written.largest_node == 0) return;
-  lines.add("Largest value",
-            fmt::format("node {}, time {}", written.largest_node, AREAL(written.largest_time)));
+  if (written.largest_place == 0) return;
+  lines.add("Largest value", fmt::format("{} {}, time {}", written.are_of_cells ? "cell" : "node",
+                                         written.largest_place, AREAL(written.largest_time)));
   lines.add("Wet cells at most",
             fmt::format("{} of {}", written.most_wet_cells, written.cell_count));
 }
@@ -57,7 +57,7 @@ std::string RUN_SUMMARY(const RequestedRun& run, double seconds) {
             fmt::format("{} read, {} written", tally.times_read, tally.times_written));
   add_values(lines);
   lines.add("Errors, warnings", fmt::format("{}, {}", tally.errors, tally.warnings));
-  const double bytes = static_cast<double>(tally.times_read * tally.bytes_per_time);
+  const double bytes = static_cast<double>(tally.bytes_read);
   lines.add("Time",
             fmt::format("{:.3f} s, {:.0f} MB/s", seconds, bytes / 1e6 / std::max(seconds, 1e-6)));
   return lines.text;

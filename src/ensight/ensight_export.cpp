@@ -14,11 +14,22 @@
 #include "support/file_names.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
+#include "support/run_tally.h"
 #include "support/system_files.h"
 #include "support/text.h"
 
 namespace quillet {
 namespace {
+
+// For whoever asks how far the run is.
+void announce_reading(const ExportPlan& plan) {
+  std::size_t times = 0;
+  for (const PlannedInput& input : plan.inputs) {
+    for (const PlannedVariable& variable : input.scalars) times += variable.plan.outputs.size();
+    for (const PlannedVariable& variable : input.vectors) times += variable.plan.outputs.size();
+  }
+  RUN_TALLY().times_to_pass = static_cast<std::int64_t>(times);
+}
 
 // A case file of an earlier export would point to files of this one.
 void remove_older(const std::string& case_name) {
@@ -32,6 +43,7 @@ class EnsightExport {
 
   // The case file's temporary name stands for the data set: it is taken first.
   void perform() {
+    announce_reading(plan);
     plan.for_each_file([&](const std::string& name) { refuse_input(name); });
     OutputUnit case_file(plan.case_name());
     read_mesh();

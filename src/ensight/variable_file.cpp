@@ -6,7 +6,10 @@
 #include <string_view>
 
 #include "ensight/item_writer.h"
+#include "results/written_values.h"
 #include "support/large_array.h"
+#include "support/run_tally.h"
+#include "support/vector_magnitude.h"
 
 namespace quillet {
 namespace {
@@ -130,6 +133,36 @@ void write_node_block(OutputUnit& out, const EnsightMesh& mesh, const RES_TYPE& 
               [&](std::span<const float> component) { write_node_values(out, component, wet); });
 }
 
+// A scalar, or the magnitude of a vector; value_of(component) gives one component.
+template <typename ValueOf>
+float size_of(const RES_TYPE& record, ValueOf value_of) {
+  if (!record.is_vector) return value_of(std::span<const float>(record.nd.x));
+  return VECTOR_MAGNITUDE(value_of(record.nd.x), value_of(record.nd.y));
+}
+
+void note_node_values(const EnsightMesh& mesh, const RES_TYPE& record, WrittenValues& written) {
+  const LargeArray<std::uint8_t> wet = wet_nodes(mesh, record);
+  for (std::size_t node = 0; node < wet.size(); ++node) {
+    const auto value_of = [&](std::span<const float> component) { return component[node]; };
+    const float value = wet[node] != 0 ? size_of(record, value_of) : 0.0F;
+    written.take_value(record.time, static_cast<std::int64_t>(node) + 1, value);
+  }
+}
+
+void note_cell_values(const ElementBlock& block, ValuePlace place, const RES_TYPE& record,
+                      WrittenValues& written) {
+  for (std::size_t element = 0; element < block.ids.size(); ++element) {
+    const auto cell = static_cast<std::size_t>(block.ids[element]) - 1;
+    const auto value_of = [&](std::span<const float> component) {
+      if (place == ValuePlace::cells) return component[cell];
+      return centre_value(block, element, component);
+    };
+    const bool is_wet = record.cell.status[cell] == 1;
+    const float value = is_wet ? size_of(record, value_of) : 0.0F;
+    written.take_value(record.time, block.ids[element], value);
+  }
+}
+
 }  // namespace
 
 ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
@@ -158,6 +191,19 @@ std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool 
     for (const ElementBlock& block : mesh.blocks) values += block.count();
   }
   return values * (is_vector ? 3 : 1) * e12_5_line_width;
+}
+
+void NOTE_VARIABLE_WRITTEN(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record) {
+  NOTE_TIME_WRITTEN();
+  WrittenValues& written = WRITTEN_VALUES();
+  if (!written.are_wanted) return;
+  written.take_statuses(record);
+  written.are_of_cells = place != ValuePlace::nodes;
+  if (written.are_of_cells) {
+    for (const ElementBlock& block : mesh.blocks) note_cell_values(block, place, record, written);
+  } else {
+    note_node_values(mesh, record, written);
+  }
 }
 
 }  // namespace quillet

@@ -33,6 +33,10 @@ ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
 void WRITE_VARIABLE_VALUES(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
                            const std::string& description, OutputUnit& out);
 
+// What is told of it in the end, by the main thread: the values as they stand in the file, but for
+// their rounding.
+void NOTE_VARIABLE_WRITTEN(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record);
+
 // How many bytes that takes, but for a few lines.
 std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool is_vector);
 

@@ -124,6 +124,7 @@ void VariableFiles::complete_first() {
   file.job.finish();
   if (!file.has_memory) FAIL_ALLOCATION();
   file.out->complete();
+  NOTE_VARIABLE_WRITTEN(mesh, place, file.record);
   SAY("Closing outfile: " + file.name);
   file.out.reset();
   spare.push_back(std::move(files.front()));

@@ -66,7 +66,9 @@ void MeshMap::load_mesh() {
   const bool has_other_nodes = loaded.node_count != node_count;
   values_per_element = loaded.element_count == node_count &&
                        (loaded.fv_mesh || (job.is_finite_volume && has_other_nodes));
-  if (has_other_nodes && !values_per_element) FAIL_ON_NODE_COUNT(node_count);
+  if (has_other_nodes && !values_per_element) {
+    FAIL_ON_NODE_COUNT({name, loaded.node_count, loaded.element_count}, node_count);
+  }
   part_mesh = MAKE_PART_MESH(std::move(loaded));
   if (part_mesh.parts.empty()) FAIL_RUN("ERROR - Mesh has no elements: " + QUOTED(name));
   if (job.step.cell_count == 0) SIZE_STATUSES(job.step, part_mesh.element_count);

@@ -21,6 +21,12 @@ inline bool SAME_COUNTS(const ResultShape& a, const ResultShape& b) {
   return a.node_count == b.node_count && same_cells;
 }
 
+// Of one output time, in memory.
+inline std::int64_t BYTES_OF(const ResultShape& shape) {
+  constexpr std::int64_t value_size = sizeof(float);
+  return shape.node_count * value_size * (shape.is_vector ? 2 : 1) + shape.cell_count.value_or(0);
+}
+
 // "nodes 6, cells 4", or the nodes alone.
 inline std::string COUNTS_TEXT(const ResultShape& shape) {
   const std::string nodes = "nodes " + AINTEGER(shape.node_count);

@@ -22,22 +22,29 @@ WrittenValues& WRITTEN_VALUES() {
   return values;
 }
 
+void WrittenValues::take_value(float time, std::int64_t place, float value) {
+  smallest = std::min(smallest, value);
+  if (!(value > largest)) return;
+  largest = value;
+  largest_place = place;
+  largest_time = time;
+}
+
+void WrittenValues::take_statuses(const RES_TYPE& record) {
+  const auto& status = record.cell.status;
+  const auto wet = std::count(status.begin(), status.end(), std::int8_t{1});
+  most_wet_cells = std::max<std::int64_t>(most_wet_cells, wet);
+  cell_count = record.cell_count;
+}
+
 void NOTE_WRITTEN(float time, const RES_TYPE& record) {
-  ++RUN_TALLY().times_written;
+  NOTE_TIME_WRITTEN();
   WrittenValues& written = WRITTEN_VALUES();
   if (!written.are_wanted) return;
   for (std::int64_t node = 0; node < record.node_count; ++node) {
-    const float value = value_at(record, node);
-    written.smallest = std::min(written.smallest, value);
-    if (!(value > written.largest)) continue;
-    written.largest = value;
-    written.largest_node = node + 1;
-    written.largest_time = time;
+    written.take_value(time, node + 1, value_at(record, node));
   }
-  const auto& status = record.cell.status;
-  const auto wet = std::count(status.begin(), status.end(), std::int8_t{1});
-  written.most_wet_cells = std::max<std::int64_t>(written.most_wet_cells, wet);
-  written.cell_count = record.cell_count;
+  written.take_statuses(record);
 }
 
 void NOTE_WRITTEN_VALUE(float value) {

@@ -14,16 +14,20 @@ struct WrittenValues {
   bool are_wanted = false;  // taking them costs a look at every value
   float smallest = std::numeric_limits<float>::infinity();
   float largest = -std::numeric_limits<float>::infinity();
-  std::int64_t largest_node = 0;  // from 1; the first with the largest value
-  float largest_time = 0;         // hours
+  std::int64_t largest_place = 0;  // its node, from 1; the first with the largest value
+  bool are_of_cells = false;       // instead of nodes
+  float largest_time = 0;          // hours
   std::int64_t most_wet_cells = 0;
   std::int64_t cell_count = 0;
+
+  void take_value(float time, std::int64_t place, float value);
+  void take_statuses(const RES_TYPE& record);
 };
 
 WrittenValues& WRITTEN_VALUES();
 
 // Counts the output time in the tally of the run, and looks at its values where they are wanted.
-// Not for maps that tell of values (their sources, their times).
+// Maps that tell of values (their sources, their times) are counted only: NOTE_TIME_WRITTEN.
 void NOTE_WRITTEN(float time, const RES_TYPE& record);
 
 // The range alone, of a value at a place that is no node: a scalar or a magnitude.

@@ -43,7 +43,7 @@ std::string duration_text(double seconds) {
 std::string PROGRESS_LINE(double seconds, std::size_t width) {
   const RunTally& tally = RUN_TALLY();
   const double done = part_done(tally);
-  const auto bytes = static_cast<double>(tally.times_read * tally.bytes_per_time);
+  const auto bytes = static_cast<double>(tally.bytes_read);
   std::string line = fmt::format("{:3.0f} % | {} output times | {:.0f} MB/s", 100 * done,
                                  tally.times_passed, bytes / 1e6 / std::max(seconds, 1e-3));
   if (done > 0 && done < 1) line += " | " + duration_text(seconds / done - seconds) + " left";

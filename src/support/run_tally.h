@@ -10,14 +10,15 @@
 namespace quillet {
 
 struct RunTally {
-  // Output times of the inputs: how many the run will pass, has passed, and has read on the way.
-  // All are of one size.
+  // Output times of the inputs: how many the run will pass (a guess) and has passed, read or not,
+  // and how many it has read, with the bytes of their values. What is read beside the inputs (the
+  // water levels of the wet/dry test) is left out.
   std::int64_t times_to_pass = 0;
   std::int64_t times_passed = 0;
   std::int64_t times_read = 0;
-  std::int64_t bytes_per_time = 0;
+  std::int64_t bytes_read = 0;
 
-  std::int64_t times_written = 0;
+  std::int64_t times_written = 0;              // output times of results, and maps
   std::vector<std::string> completed_outputs;  // file names
 
   // Lines on the console.
@@ -27,15 +28,20 @@ struct RunTally {
 
 RunTally& RUN_TALLY();
 
-// An output time of an input was passed over.
-inline void NOTE_TIME_PASSED() {
-  ++RUN_TALLY().times_passed;
+// The run has moved on past output times of an input.
+inline void NOTE_TIMES_PASSED(std::int64_t count = 1) {
+  RUN_TALLY().times_passed += count;
 }
 
 // An output time of an input was read.
-inline void NOTE_TIME_READ() {
+inline void NOTE_TIME_READ(std::int64_t bytes) {
   ++RUN_TALLY().times_read;
-  NOTE_TIME_PASSED();
+  RUN_TALLY().bytes_read += bytes;
+}
+
+// An output time, or a map that stands in the place of one, was written.
+inline void NOTE_TIME_WRITTEN() {
+  ++RUN_TALLY().times_written;
 }
 
 }  // namespace quillet

@@ -6,6 +6,7 @@
 
 #include "support/file_names.h"
 #include "support/numbers.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 #include "xmdf/xmdf_folders.h"
 
@@ -44,6 +45,8 @@ class XmdfDataset : public ResultDataset {
   void read(std::size_t output, RES_TYPE& record) override {
     if (!reader.is_open() || reader.path() != path) reader.open(path, vectors);
     reader.read(static_cast<std::int32_t>(output) + 1, "data", record);
+    NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+    NOTE_TIMES_PASSED();
     if (output + 1 == hours.size()) reader.close();
   }
 

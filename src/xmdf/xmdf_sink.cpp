@@ -17,6 +17,7 @@
 #include "support/interleave.h"
 #include "support/numbers.h"
 #include "support/output_unit.h"
+#include "support/run_tally.h"
 #include "support/text.h"
 #include "support/vector_magnitude.h"
 #include "xmdf/xmdf_folders.h"
@@ -118,22 +119,25 @@ void XmdfSink::create_datasets(const std::string& dataset, const ResultShape& sh
 
 void XmdfSink::write_time_at(double hours, const RES_TYPE& record) {
   if (!has_datasets) start_dataset(names.kind, names.dataset, SHAPE_OF(record), expected_times);
-  write(hours, record);
-  NOTE_WRITTEN(record.time, record);
+  if (write(hours, record)) NOTE_WRITTEN(record.time, record);
 }
 
 void XmdfSink::write_map(const ResultMap& map, const RES_TYPE& record) {
   const std::string dataset(map.dataset_name.empty() ? names.dataset : map.dataset_name);
   start_dataset(names.kind, dataset, SHAPE_OF(record), 1);
-  write(map.dataset_time, record);
-  if (map.dataset_name.empty()) NOTE_WRITTEN(map.dataset_time, record);
+  if (!write(map.dataset_time, record)) return;
+  if (map.dataset_name.empty()) {
+    NOTE_WRITTEN(map.dataset_time, record);
+  } else {
+    NOTE_TIME_WRITTEN();
+  }
 }
 
-void XmdfSink::write(double time, const RES_TYPE& record) {
+bool XmdfSink::write(double time, const RES_TYPE& record) {
   // A map of sources or times in a vector .dat file holds no vectors and no magnitudes.
   if (vector_dataset && !record.is_vector) {
     SAY("WARNING - No vectors at time " + AREAL(static_cast<float>(time)) + ", not written.");
-    return;
+    return false;
   }
   if (record.is_vector && !vector_dataset)
     FAIL_WRITING(file_name, VECTORS_AFTER_SCALARS(static_cast<float>(time)));
@@ -148,6 +152,7 @@ void XmdfSink::write(double time, const RES_TYPE& record) {
     const float* const values = record.nd.x.data();
     write_scalars(time, values, XF_RANGE_OF(values, count), record);
   }
+  return true;
 }
 
 // Joins the components where they stand apart, and takes the magnitudes and their range, in pieces

@@ -30,7 +30,8 @@ class XmdfSink : public ResultSink {
   void create_datasets(const std::string& dataset, const ResultShape& shape,
                        std::int64_t time_count);
   void create_folder();
-  void write(double time, const RES_TYPE& record);
+  // Whether there was a dataset for it.
+  bool write(double time, const RES_TYPE& record);
   XfRange prepare_vectors(const RES_TYPE& record);
   void write_scalars(double time, const float* values, const XfRange& range,
                      const RES_TYPE& record);

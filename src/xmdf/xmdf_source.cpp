@@ -33,7 +33,8 @@ void XmdfSource::read_next(RES_TYPE& record) {
   const XmdfOutput output{header.datasets().temporal, static_cast<std::int32_t>(++outputs_passed)};
   const bool is_last = outputs_passed == header.times.size();
   ReadXmdfData(reader, output, !reader.is_open(), is_last, record);
-  NOTE_TIME_READ();
+  NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+  NOTE_TIMES_PASSED();
   record.end_of_file = is_last;
 }
 
@@ -46,6 +47,12 @@ void XmdfSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
     FAIL_RUN("ERROR - No stored minimum found in " + QUOTED(name()));
   }
   ReadXmdfData(reader, output, true, true, record);
+  NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+  pass_rest();
+}
+
+void XmdfSource::pass_rest() {
+  NOTE_TIMES_PASSED(static_cast<std::int64_t>(header.times.size() - outputs_passed));
 }
 
 bool XmdfSource::has_stored(Extreme extreme) const {
@@ -55,6 +62,8 @@ bool XmdfSource::has_stored(Extreme extreme) const {
 
 void XmdfSource::read_stored(Extreme extreme, RES_TYPE& record) {
   (extreme == Extreme::maximum ? ReadXmdfMaximum : ReadXmdfMinimum)(header, record);
+  NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
+  pass_rest();
 }
 
 // A series without output times is not opened.
@@ -76,13 +85,14 @@ std::vector<float> XmdfSource::times_ahead() {
 }
 
 float XmdfSource::scan_next() {
-  NOTE_TIME_READ();
+  NOTE_TIMES_PASSED();
   return static_cast<float>(header.times[outputs_passed++]);
 }
 
 void XmdfSource::read_scanned(std::int32_t cell_count, OutputPieces& pieces) {
   reader.read_in_pieces(static_cast<std::int32_t>(outputs_passed), "timestep", header.node_count,
                         cell_count, pieces);
+  NOTE_TIME_READ(BYTES_OF(shape()));
 }
 
 void XmdfSource::end_scan() {

@@ -33,7 +33,7 @@ class XmdfSource : public ResultSource {
   void read_next(RES_TYPE& record) override;
   void pass_next() override {
     ++outputs_passed;
-    NOTE_TIME_PASSED();
+    NOTE_TIMES_PASSED();
   }
 
   void read_at_time(float time, float tolerance, RES_TYPE& record) override;
@@ -50,6 +50,9 @@ class XmdfSource : public ResultSource {
   void close() override;
 
  private:
+  // Nothing more of the time series is looked at.
+  void pass_rest();
+
   XmdfFileHeader& header;
   XmdfDatasetReader reader;
   std::size_t outputs_passed = 0;  // of the time series
