@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "build_paths.h"
 #include "captured_console.h"
 #include "case_names.h"
 #include "driver/run.h"
