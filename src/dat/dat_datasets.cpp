@@ -3,8 +3,8 @@
 #include <array>
 #include <cmath>
 #include <string>
-#include <string_view>
 
+#include "dat/dat_names.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/file_names.h"
@@ -50,14 +50,6 @@ class DatDataset : public ResultDataset {
   std::vector<double> hours;
 };
 
-// A .dat file cannot hold negative times, so that -min marks its minima as maxima are marked: only
-// the name that it gives its outputs tells.
-bool holds_minima(const std::string& file_name) {
-  constexpr std::string_view ending = "(minmin)";
-  const std::string name = FILENAME(file_name);
-  return name.size() >= ending.size() && ASAME(name.substr(name.size() - ending.size()), ending);
-}
-
 DatasetKind kind_of(float time, bool marked_are_minima) {
   const auto is = [&](float special) { return std::fabs(time - special) < 0.01F; };
   if (is(maximum_marker_time)) {
@@ -89,7 +81,7 @@ std::vector<std::unique_ptr<ResultDataset>> LIST_DAT_DATASETS(DatReader& reader)
   constexpr std::array kinds{DatasetKind::series, DatasetKind::maximum, DatasetKind::minimum,
                              DatasetKind::special_times};
   const std::vector<DatStep> steps = results_of(reader);
-  const bool marked_are_minima = holds_minima(reader.name());
+  const bool marked_are_minima = HOLDS_MINIMA(reader.name());
 
   std::vector<std::unique_ptr<ResultDataset>> datasets;
   for (const DatasetKind kind : kinds) {

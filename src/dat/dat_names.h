@@ -17,4 +17,8 @@ InputType TYPE_OF_DAT_INPUT(std::string_view file_name);
 // C:\run\res_h(range).dat.
 std::string DEFAULT_MESH_OF_DAT(std::string_view file_name);
 
+// Whether one of the closing "(...)" is the "(minmin)" of -min. A .dat file cannot hold negative
+// times, so that minima are marked in it as maxima are: only the name tells.
+bool HOLDS_MINIMA(std::string_view file_name);
+
 }  // namespace quillet

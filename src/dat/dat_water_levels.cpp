@@ -1,9 +1,9 @@
 #include "dat/dat_water_levels.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "dat/dat_level_files.h"
+#include "dat/dat_names.h"
 #include "dat/dat_source.h"
 #include "results/special_times.h"
 #include "results/time_pairing.h"
@@ -14,13 +14,6 @@
 
 namespace quillet {
 namespace {
-
-bool holds_minima(const std::string& file_name) {
-  const auto brackets = SPLIT_BRACKETS(file_name).brackets;
-  return std::any_of(brackets.begin(), brackets.end(), [](const std::string& bracket) {
-    return ASAME(TRIM_BOTH(bracket), "(minmin)");
-  });
-}
 
 // Stored extremes under the time that engines give them, everything else under its own. In .dat
 // files the minima of this program stand at 111111 too.
@@ -66,12 +59,12 @@ void DatWaterLevels::open(const ResultShape& data) {
 }
 
 void DatWaterLevels::read_next(const RES_TYPE& data) {
-  load(find(wanted_meaning(data.time, holds_minima(data_file)), time_pairing_tolerance));
+  load(find(wanted_meaning(data.time, HOLDS_MINIMA(data_file)), time_pairing_tolerance));
 }
 
 // A wide tolerance must not pass by the level of the very time.
 void DatWaterLevels::read_at_time(float, float tolerance, const RES_TYPE& data) {
-  const float meaning = wanted_meaning(data.time, holds_minima(data_file));
+  const float meaning = wanted_meaning(data.time, HOLDS_MINIMA(data_file));
   auto place = find(meaning, time_pairing_tolerance);
   if (!place) place = find(meaning, tolerance);
   load(place);
@@ -89,7 +82,7 @@ std::optional<std::size_t> DatWaterLevels::find(float meaning, float tolerance) 
 }
 
 bool DatWaterLevels::is_at(std::size_t place, float meaning, float tolerance) {
-  const float time = meaning_of(steps[place].time, holds_minima(reader->name()));
+  const float time = meaning_of(steps[place].time, HOLDS_MINIMA(reader->name()));
   return std::fabs(time - meaning) <= tolerance;
 }
 

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <set>
 #include <string_view>
+#include <utility>
 
 #include "results/result_types.h"
 #include "results/special_times.h"
@@ -83,60 +86,31 @@ std::string xmdf_dataset_name(const std::string& input, const InputType& type,
   return FILENAME(input);
 }
 
-// Two scalars and vectors of one code would share a file: the scalar is the magnitude.
-bool is_magnitude(const ResultDataset& dataset, const std::string& code,
-                  const ResultDatasets& all) {
-  if (dataset.is_vector()) return false;
-  return std::any_of(all.begin(), all.end(), [&](const auto& other) {
-    return other->is_vector() && ASAME(code_of(other->name()), code);
-  });
+void warn(const ResultDataset& dataset, const std::string& reason) {
+  SAY("WARNING - Dataset " + QUOTED(dataset.name()) + " " + reason + ", not converted.");
 }
 
-// What stands between the input's name and the extension; empty for a dataset of no known type.
-std::string dat_suffix(const ResultDataset& dataset, bool is_selected_by_itself,
-                       const ResultDatasets& all) {
-  if (is_selected_by_itself) return "_" + fit_for_file_name(dataset.name());
-  const std::string code = code_of(dataset.name());
-  if (code.empty()) return "";
-  return "_" + fit_for_file_name(code) + (is_magnitude(dataset, code, all) ? "_mag" : "");
-}
-
-struct DatPlan {
-  const std::string& input;
-  bool is_selected_by_itself;
-  const ResultDatasets& all;
-  std::vector<ConversionTarget> targets;
-
-  ConversionTarget& target_named(const std::string& name) {
-    for (ConversionTarget& target : targets) {
-      if (target.file_name == name) return target;
+class DatPlan {
+ public:
+  DatPlan(const std::string& input_name, bool selected_by_itself, const ResultDatasets& datasets)
+      : input(input_name), is_selected_by_itself(selected_by_itself), all(datasets) {
+    for (const auto& dataset : all) {
+      if (dataset->is_vector()) vector_codes.insert(LOWERCASE(code_of(dataset->name())));
     }
-    return targets.emplace_back(ConversionTarget{FileKind::dat, name, "", {}});
-  }
-
-  // Two runs in one file: which series and maximum belong together cannot be told.
-  bool stands_twice(const std::string& suffix) const {
-    constexpr std::array kinds{DatasetKind::series, DatasetKind::maximum};
-    return std::any_of(kinds.begin(), kinds.end(), [&](DatasetKind kind) {
-      return std::count_if(all.begin(), all.end(), [&](const auto& other) {
-               return other->kind() == kind &&
-                      dat_suffix(*other, is_selected_by_itself, all) == suffix;
-             }) > 1;
-    });
+    for (const auto& dataset : all) ++standing[{dataset->kind(), suffix_of_target(*dataset)}];
   }
 
   // Adds the datasets of one kind to the targets of their types.
   void add(DatasetKind kind, std::optional<float> time) {
     for (const auto& dataset : all) {
       if (dataset->kind() != kind) continue;
-      const std::string suffix = dat_suffix(*dataset, is_selected_by_itself, all);
+      const std::string suffix = suffix_of_target(*dataset);
       if (suffix.empty()) {
         warn(*dataset, "is of no known type");
       } else if (stands_twice(suffix)) {
         warn(*dataset, "stands more than once");
       } else {
-        target_named(FILENAMEPATH(input) + suffix + EXTENSION_OF(FileKind::dat))
-            .datasets.push_back({dataset.get(), kind, dataset->name(), time});
+        target_of(suffix).datasets.push_back({dataset.get(), kind, dataset->name(), time});
       }
     }
   }
@@ -148,9 +122,43 @@ struct DatPlan {
     }
   }
 
-  static void warn(const ResultDataset& dataset, const std::string& reason) {
-    SAY("WARNING - Dataset " + QUOTED(dataset.name()) + " " + reason + ", not converted.");
+  std::vector<ConversionTarget> targets;
+
+ private:
+  // What stands between the input's name and the extension; empty for a dataset of no known type.
+  // A scalar of the code that vectors have too holds their magnitudes.
+  std::string suffix_of_target(const ResultDataset& dataset) const {
+    if (is_selected_by_itself) return "_" + fit_for_file_name(dataset.name());
+    const std::string code = code_of(dataset.name());
+    if (code.empty()) return "";
+    const bool is_magnitude = !dataset.is_vector() && vector_codes.contains(LOWERCASE(code));
+    return "_" + fit_for_file_name(code) + (is_magnitude ? "_mag" : "");
   }
+
+  // Two runs in one file: which series and maximum belong together cannot be told.
+  bool stands_twice(const std::string& suffix) const {
+    const auto count_of = [&](DatasetKind kind) {
+      const auto found = standing.find({kind, suffix});
+      return found == standing.end() ? 0 : found->second;
+    };
+    return count_of(DatasetKind::series) > 1 || count_of(DatasetKind::maximum) > 1;
+  }
+
+  ConversionTarget& target_of(const std::string& suffix) {
+    const auto [place, is_new] = place_of.try_emplace(suffix, targets.size());
+    if (is_new) {
+      const std::string name = FILENAMEPATH(input) + suffix + EXTENSION_OF(FileKind::dat);
+      targets.push_back({FileKind::dat, name, "", {}});
+    }
+    return targets[place->second];
+  }
+
+  const std::string& input;
+  const bool is_selected_by_itself;
+  const ResultDatasets& all;
+  std::set<std::string> vector_codes;
+  std::map<std::pair<DatasetKind, std::string>, int> standing;  // datasets by kind and suffix
+  std::map<std::string, std::size_t> place_of;                  // of the target with the suffix
 };
 
 }  // namespace
@@ -162,7 +170,7 @@ ConversionTarget PLAN_XMDF_TARGET(const std::string& input, const InputType& typ
   for (const auto& dataset : datasets) {
     const std::string dataset_name = xmdf_dataset_name(input, type, *dataset);
     if (dataset_name.empty()) {
-      DatPlan::warn(*dataset, "holds times of maximums of another data type");
+      warn(*dataset, "holds times of maximums of another data type");
     } else {
       target.datasets.push_back(
           {dataset.get(), dataset->kind(), dataset_name, time_in_folder(dataset->kind())});
@@ -175,7 +183,7 @@ std::vector<ConversionTarget> PLAN_DAT_TARGETS(const std::string& input, bool is
                                                const ResultDatasets& datasets) {
   constexpr std::array others{DatasetKind::minimum, DatasetKind::special_times, DatasetKind::fixed,
                               DatasetKind::other};
-  DatPlan plan{input, is_selected_by_itself, datasets, {}};
+  DatPlan plan(input, is_selected_by_itself, datasets);
   plan.add(DatasetKind::series, std::nullopt);
   plan.add(DatasetKind::maximum, stored_maximum_time);
   for (const DatasetKind kind : others) {

@@ -58,7 +58,7 @@ struct MESH_TYPE {
   double x_maximum = std::numeric_limits<double>::lowest();
   double y_minimum = std::numeric_limits<double>::max();
   double y_maximum = std::numeric_limits<double>::lowest();
-  float z_minimum = 0;  // filled by the geometry writers
+  float z_minimum = 0;  // not filled by the reading
   float z_maximum = 0;
   std::array<double, 7> geo_referencing{};
   float z_offset = 0;  // m, subtracted from flagged elevations

@@ -1,6 +1,6 @@
 #include "operations/difference.h"
 
-#include <array>
+#include <cmath>
 #include <optional>
 #include <string>
 
@@ -51,8 +51,21 @@ struct Comparison {
   ComparedInput first;
   ComparedInput second;
 
+  // Of both records, as they were read.
+  void tell_of_records() const {
+    constexpr float unequal_times = 0.001F;
+    SAY("Processing difference results.");
+    if (std::fabs(first.record.time - second.record.time) > unequal_times) {
+      SAY("Warning - Timesteps do not match.");
+    }
+    if (first.record.is_vector && !second.record.is_vector) {
+      FAIL_RUN("ERROR - Second data for -dif option is not a vector.");
+    }
+  }
+
   void write_difference() {
     WorkArrays& work = job.work;
+    tell_of_records();
     if (job.wet_dry_test) {
       DIFFERENCE_WHERE_WET(
           first.record, second.record,

@@ -1,8 +1,5 @@
 #include "operations/difference_kernel.h"
 
-#include <cmath>
-
-#include "support/console.h"
 #include "support/kernel.h"
 #include "support/vector_magnitude.h"
 
@@ -55,15 +52,9 @@ void use_magnitudes(RES_TYPE& record) {
 
 // What both forms begin with.
 void begin(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
-  constexpr float unequal_times = 0.001F;
-  SAY("Processing difference results.");
-  if (std::fabs(first.time - second.time) > unequal_times) {
-    SAY("Warning - Timesteps do not match.");
-  }
   result.is_vector = false;
   result.time = first.time;
   if (!first.is_vector) return;
-  if (!second.is_vector) FAIL_RUN("ERROR - Second data for -dif option is not a vector.");
   use_magnitudes(first);
   use_magnitudes(second);
 }

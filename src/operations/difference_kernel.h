@@ -17,8 +17,8 @@ struct WetDryArrays {
 };
 
 // result = first - second for every node; a cell is active when it is active (1) in both. Vectors
-// are compared by their magnitudes, which replace the x components of the inputs. Takes the time of
-// the first. Ends the run when the first is vector data and the second is not.
+// are compared by their magnitudes, which replace the x components of the inputs: both are vectors
+// or both are scalars. Takes the time of the first.
 void DIFFERENCE(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result);
 
 // The same with the wet/dry test. A node is wet when its bed elevation + 0.001 lies below its water

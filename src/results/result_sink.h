@@ -17,11 +17,11 @@ namespace quillet {
 // them apart by marker times.
 struct ResultMap {
   std::string_view dataset_name;  // empty: the output's own, which holds the values themselves
-  float dataset_time = 0;
-  float marker_time = 0;
+  float dataset_time = 0;         // hours
+  float marker_time = 0;          // hours
 };
 
-// Names under which results stand in formats that have them; hours throughout.
+// Names under which results stand in formats that have them.
 struct DatasetNames {
   std::string group;
   DatasetKind kind = DatasetKind::series;

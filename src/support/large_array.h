@@ -7,7 +7,7 @@
 namespace quillet {
 
 // Memory for `size` bytes. From 1 MiB on it is aligned to large pages and the system is asked to
-// use them: handing out ordinary pages one by one, as they are first touched, took a third of a
+// use them: handing out ordinary pages one by one, as they are first touched, takes a third of a
 // short run on a million nodes. Throws std::bad_alloc.
 void* ALLOCATE_LARGE(std::size_t size);
 void FREE_LARGE(void* memory);

@@ -93,7 +93,9 @@ void ProgressConsole::draw() {
 
 void ProgressConsole::clear() {
   if (drawn_length == 0) return;
-  put("\r" + std::string(drawn_length, ' ') + "\r");
+  // The destructor comes here: without memory of its own.
+  std::fprintf(stderr, "\r%*s\r", static_cast<int>(drawn_length), "");
+  std::fflush(stderr);
   drawn_length = 0;
 }
 

@@ -1,6 +1,7 @@
 #include "xmdf/xmdf_folders.h"
 
 #include <array>
+#include <string>
 
 #include "support/text.h"
 
@@ -32,6 +33,10 @@ DatasetKind KIND_OF_XMDF_FOLDER(std::string_view name) {
     if (ASAME(folder.name, name)) return folder.kind;
   }
   return DatasetKind::other;
+}
+
+std::size_t FIND_XMDF_FOLDER(std::string_view path, DatasetKind kind) {
+  return LOWERCASE(path).find(LOWERCASE("/" + std::string(XMDF_FOLDER(kind)) + "/"));
 }
 
 }  // namespace quillet

@@ -10,7 +10,7 @@ namespace quillet {
 
 // All print what they find. Whatever cannot be opened or read ends the run.
 
-// Opens every file, and its version and numbers of datasets. The file names are set.
+// Opens every file and reads its version and its numbers of datasets. The file names are set.
 void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files);
 
 // Lists the paths of the datasets and the special outputs of the folder Times.

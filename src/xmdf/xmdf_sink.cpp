@@ -1,14 +1,7 @@
 #include "xmdf/xmdf_sink.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <iterator>
 #include <string_view>
-#include <system_error>
-#include <tuple>
 #include <utility>
 
 #include "results/written_values.h"
@@ -16,7 +9,6 @@
 #include "support/file_names.h"
 #include "support/interleave.h"
 #include "support/numbers.h"
-#include "support/output_unit.h"
 #include "support/run_tally.h"
 #include "support/text.h"
 #include "support/vector_magnitude.h"

@@ -7,36 +7,33 @@
 #include "results/result_types.h"
 #include "support/console.h"
 #include "support/text.h"
+#include "xmdf/xmdf_folders.h"
 #include "xmdf/xmdf_name_search.h"
 
 namespace quillet {
 namespace {
 
-bool contains(std::string_view text, std::string_view part) {
-  return text.find(part) != std::string_view::npos;
-}
-
 struct Folder {
-  std::string_view name;
+  DatasetKind kind;
   std::int32_t XmdfDatasetList::*index;
 };
 
-constexpr std::array<Folder, 4> folders{{{"/maximums/", &XmdfDatasetList::maximums},
-                                         {"/temporal/", &XmdfDatasetList::temporal},
-                                         {"/minimums/", &XmdfDatasetList::minimums},
-                                         {"/times/", &XmdfDatasetList::times}}};
+constexpr std::array folders{Folder{DatasetKind::maximum, &XmdfDatasetList::maximums},
+                             Folder{DatasetKind::series, &XmdfDatasetList::temporal},
+                             Folder{DatasetKind::minimum, &XmdfDatasetList::minimums},
+                             Folder{DatasetKind::special_times, &XmdfDatasetList::times}};
 
 const Folder* folder_of(const std::string& path) {
-  const std::string lower = LOWERCASE(path);
   const auto* const folder =
-      std::find_if(folders.begin(), folders.end(),
-                   [&](const Folder& candidate) { return contains(lower, candidate.name); });
+      std::find_if(folders.begin(), folders.end(), [&](const Folder& candidate) {
+        return FIND_XMDF_FOLDER(path, candidate.kind) != std::string::npos;
+      });
   return folder == folders.end() ? nullptr : folder;
 }
 
 // What stands before the folder.
 std::string group_of(const std::string& path) {
-  return path.substr(0, LOWERCASE(path).find(folder_of(path)->name));
+  return path.substr(0, FIND_XMDF_FOLDER(path, folder_of(path)->kind));
 }
 
 // A series of one run beside the maximum of another.

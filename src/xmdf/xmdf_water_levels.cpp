@@ -6,6 +6,7 @@
 #include "support/console.h"
 #include "support/numbers.h"
 #include "support/text.h"
+#include "xmdf/xmdf_folders.h"
 #include "xmdf/xmdf_name_search.h"
 #include "xmdf/xmdf_values.h"
 
@@ -34,9 +35,9 @@ void XmdfWaterLevels::FindWaterLevel() {
   for (std::int32_t position = 1; position <= header.scalars.count; ++position) {
     if (!search.finds(header.scalars, static_cast<std::size_t>(position) - 1)) continue;
     const std::string& path = header.scalars.path(position);
-    if (FLAGEXISTS(path, "/maximums/")) {
+    if (FIND_XMDF_FOLDER(path, DatasetKind::maximum) != std::string::npos) {
       choose(maximums, position, path);
-    } else if (FLAGEXISTS(path, "/temporal/")) {
+    } else if (FIND_XMDF_FOLDER(path, DatasetKind::series) != std::string::npos) {
       choose(temporal, position, path);
     }
   }
