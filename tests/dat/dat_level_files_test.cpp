@@ -28,6 +28,17 @@ TEST(LevelFiles, AreThoseMadeByTheSameOperations) {
   expect("run1_d(minmin)(trim2).dat", "run1_h(minmin).dat", "run1_h.dat", true);
 }
 
+TEST(Minima, AreToldByTheBracketsOfTheName) {
+  for (const std::string name :
+       {"run1_d(minmin).dat", "a/run1_d(MINMIN)(trim2).dat", "run1_d(range) (minmin).dat"}) {
+    EXPECT_TRUE(HOLDS_MINIMA(name)) << name;
+  }
+  for (const std::string name :
+       {"run1_d(maxmax).dat", "minmin.dat", "a(minmin)/run1_d.dat", "run1(minmin)_d.dat"}) {
+    EXPECT_FALSE(HOLDS_MINIMA(name)) << name;
+  }
+}
+
 TEST(Types, AreThoseOfTheResultsThatANameBeganWith) {
   const auto expect = [](const std::string& name, const std::string& type,
                          const std::string& mesh) {

@@ -306,6 +306,18 @@ TEST_F(EnsightExport, OutputsOfMaximaAndMinimaAreMaximaAndMinima) {
   EXPECT_NE(folder.read("outMax.0001").find("0.30000E+01"), std::string::npos);
 }
 
+TEST_F(EnsightExport, DatasetsInFoldersThatSayNothingGiveTheTimesWhereThereIsNoSeries) {
+  MAKE_XMDF(folder, "a.xmdf",
+            {{"a/Other/once", shape, {{5, all_wet, ones}}},
+             {"a/Other/d", shape, {{0, all_wet, ones}, {1, all_wet, ones}}},
+             {"a/Other/e", shape, {{0, all_wet, ones}, {2, all_wet, ones}}}});
+  const std::string console = exported("a.xmdf");
+  EXPECT_NE(folder.read("out.case").find("time values:\n0\n1\n"), std::string::npos);
+  EXPECT_TRUE(folder.has("out_d.0002") && folder.has("out_once.0001"));
+  EXPECT_FALSE(folder.has("out_e.0001"));
+  EXPECT_NE(console.find("\nWARNING - Unexpected time, skip ensight write.\n"), std::string::npos);
+}
+
 // As many values as elements, or as nodes: the mesh's form tells which.
 TEST_F(EnsightExport, XmdfResultsPerElementOfAFiniteVolumeMesh) {
   const auto cards = [](int elements, int nodes) {

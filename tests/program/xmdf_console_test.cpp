@@ -280,6 +280,14 @@ TEST_F(XmdfWetDry, KnowsWaterLevelsHoweverTheyAreSelected) {
   }
 }
 
+TEST_F(XmdfWetDry, TakesLevelsWithoutActivity) {
+  MAKE_XMDF(folder, "b.xmdf",
+            {depth("run/Temporal/Depth", {{0.5F, {0}, {3, 2, 1}}}),
+             depth("run/Temporal/Water Level", {{0.5F, {}, levels_b}})});
+  run_difference("");
+  expect_difference({0.5F, {1}, {0, 99, -99}});
+}
+
 TEST_F(XmdfWetDry, NeedsLevels) {
   MAKE_XMDF(folder, "b.xmdf", {depth("run/Temporal/Depth", {{0.5F, {0}, {3, 1, 1}}})});
   const RunResult run = run_difference("");
