@@ -70,7 +70,7 @@ class ResultSource {
   // read through this source and do not outlive it; its own walk must not be under way.
   virtual std::vector<std::unique_ptr<ResultDataset>> datasets() = 0;
 
-  virtual void close() = 0;
+  virtual void close() = 0;  // and says so; what is not closed so is closed with the run
 };
 
 }  // namespace quillet
