@@ -22,10 +22,21 @@
 namespace quillet {
 namespace {
 
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-constexpr bool can_limit_memory = true;
+// A sanitizer has more memory than any limit from the start. GCC tells of it in one way, Clang in
+// the other.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool is_sanitized = true;
+#elif defined(__has_feature)
+constexpr bool is_sanitized =
+    __has_feature(address_sanitizer) != 0 || __has_feature(thread_sanitizer) != 0;
 #else
-constexpr bool can_limit_memory = false;  // a sanitizer has more than that from the start
+constexpr bool is_sanitized = false;
+#endif
+
+#ifdef __linux__
+constexpr bool can_limit_memory = !is_sanitized;
+#else
+constexpr bool can_limit_memory = false;
 #endif
 
 template <typename Resource>
