@@ -62,6 +62,7 @@ void DatReader::read_header() {
   statuses_in_force = 0;
   next_head.reset();
   more_follows = false;
+  has_looked = true;
   step_follows = reader.step_follows() && position < file.size();
   holds_marker_maps = false;
   if (step_follows && file.size() - position >= dat_step_head_size) {
@@ -92,7 +93,7 @@ void DatReader::check_counts() {
 
 // Looks at the heads of the output times that follow.
 bool DatReader::states_statuses_later() {
-  while (step_follows) {
+  while (!at_end()) {
     const auto step = try_advance();
     if (!step) return false;
     if (step->statuses_at != 0) return true;
@@ -101,12 +102,14 @@ bool DatReader::states_statuses_later() {
 }
 
 std::int64_t DatReader::time_count_bound() const {
+  look_for_step();
   const Extent extent = extent_of({.states_statuses = true, .time = 0});
   const std::int64_t block = dat_card_size + dat_step_head_size + extent.statuses + extent.values;
   return (file.size() - position) / block + 1;
 }
 
 float DatReader::next_time() {
+  look_for_step();
   return read_head().time;
 }
 
@@ -138,6 +141,7 @@ DatReader::Extent DatReader::extent_of(const StepHead& head) const {
 }
 
 std::optional<DatStep> DatReader::try_advance() {
+  look_for_step();
   const StepHead head = read_head();
   const Extent extent = extent_of(head);
   const std::int64_t statuses_at = position + dat_step_head_size;
@@ -146,7 +150,7 @@ std::optional<DatStep> DatReader::try_advance() {
 
   if (head.states_statuses) statuses_in_force = statuses_at;
   position = values_at + extent.values;
-  look_for_step();
+  has_looked = false;
   return DatStep{head.time, has_vectors_at(head.time), statuses_in_force, values_at};
 }
 
@@ -165,9 +169,13 @@ void DatReader::fail_cut_short(const StepHead& head) const {
   FAIL_READING(file.name(), cut_short(extent.values, "node values", found - extent.statuses));
 }
 
-// Reads the card after an output time. The end of the file is an end like the end card, also right
-// after a card that promises another output time. The head that follows is read with the card.
-void DatReader::look_for_step() {
+// Reads the card after an output time, when it is first asked for: the values of the output time
+// stand before it, and the system reads ahead for those alone who read in order. The end of the
+// file is an end like the end card, also right after a card that promises another output time. The
+// head that follows is read with the card.
+void DatReader::look_for_step() const {
+  if (has_looked) return;
+  has_looked = true;
   std::array<char, dat_card_size + dat_step_head_size> bytes{};
   const auto found = file.read_at(position, bytes.data(), bytes.size());
   const bool has_card = found >= dat_card_size;
@@ -184,6 +192,7 @@ void DatReader::look_for_step() {
 
 void DatReader::return_to(const Place& place) {
   next_head.reset();
+  has_looked = true;
   position = place.position;
   statuses_in_force = place.statuses_in_force;
   step_follows = place.step_follows;

@@ -50,9 +50,13 @@ class DatReader {
   // Most output times that the rest of the file can hold.
   std::int64_t time_count_bound() const;
 
-  bool at_end() const { return !step_follows; }
+  bool at_end() const {
+    look_for_step();
+    return !step_follows;
+  }
 
-  // At the end: whether the file goes on with something that is no output time.
+  // At the end, once that has been asked: whether the file goes on with something that is no output
+  // time.
   bool holds_more() const { return more_follows; }
 
   // Hours of the output time that follows. Ends the run when the file stops inside its head.
@@ -82,7 +86,10 @@ class DatReader {
     std::int64_t statuses_in_force = 0;
     bool step_follows = false;
   };
-  Place place() const { return {position, statuses_in_force, step_follows}; }
+  Place place() const {
+    look_for_step();
+    return {position, statuses_in_force, step_follows};
+  }
   void return_to(const Place& place);
 
  private:
@@ -100,7 +107,7 @@ class DatReader {
   bool has_vectors_at(float time) const;
   Extent extent_of(const StepHead& head) const;
   [[noreturn]] void fail_cut_short(const StepHead& head) const;
-  void look_for_step();
+  void look_for_step() const;
   bool states_statuses_later();
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
   void load_statuses_in_pieces(const DatStep& step, std::int32_t count, OutputPieces& pieces);
@@ -111,13 +118,14 @@ class DatReader {
   InputUnit file;
   DatHeader file_header;
   bool counts_stated = false;
-  bool holds_marker_maps = false;      // its first output time is this program's maximum
-  bool step_follows = false;           // the last card read was that of an output time
-  bool more_follows = false;           // something else than an output time follows
-  std::optional<StepHead> next_head;   // what stands there, once it has been read
-  std::int64_t position = 0;           // just after that card
-  std::int64_t statuses_in_force = 0;  // where they stand; 0 none so far
-  LargeArray<float> piece;             // what has been read of the values or the statuses
+  bool holds_marker_maps = false;             // its first output time is this program's maximum
+  mutable bool has_looked = true;             // at the card after the last output time, that is
+  mutable bool step_follows = false;          // the last card read was that of an output time
+  mutable bool more_follows = false;          // something else than an output time follows
+  mutable std::optional<StepHead> next_head;  // what stands there, once it has been read
+  mutable std::int64_t position = 0;          // just after that card
+  std::int64_t statuses_in_force = 0;         // where they stand; 0 none so far
+  LargeArray<float> piece;                    // what has been read of the values or the statuses
   std::optional<std::vector<DatStretch>> needed_nodes;  // not given: all
   std::optional<std::vector<DatStretch>> needed_cells;
 };

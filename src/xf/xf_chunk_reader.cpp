@@ -11,8 +11,9 @@
 namespace quillet {
 namespace {
 
-// Inflated chunks that wait for their turn take this much memory at most, or one of them.
-constexpr hsize_t bytes_ahead = hsize_t{64} << 20;
+// Inflated chunks that wait for their turn take this much memory for each thread at most, or one of
+// them. More is of no use: the chunks are asked for as fast as they are inflated.
+constexpr hsize_t bytes_ahead_per_thread = hsize_t{8} << 20;
 constexpr hsize_t largest_chunk_ahead = hsize_t{128} << 20;
 constexpr hsize_t most_chunks_ahead = 64;
 
@@ -69,6 +70,7 @@ hsize_t XfChunkReader::chunks_ahead(hsize_t row) const {
   if (!WORK_CREW().has_helpers() || !is_walk || !is_large || form.bytes > largest_chunk_ahead) {
     return 0;
   }
+  const hsize_t bytes_ahead = bytes_ahead_per_thread * static_cast<hsize_t>(WORK_CREW().threads());
   return std::clamp(bytes_ahead / form.bytes, hsize_t{1}, most_chunks_ahead);
 }
 

@@ -1,5 +1,5 @@
-// The blocks of shell commands on the first page and on that about scripts, each in an example
-// model of its own.
+// The blocks of shell commands on the first page and on those about scripts and scaling, each in an
+// example model of its own.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -49,6 +49,12 @@ void expect_to_run(const std::vector<std::string>& blocks) {
 TEST(DocumentedScripts, RunAsTheyStand) {
   const auto blocks = blocks_of(tests_folder + "/../docs/scripting.md");
   EXPECT_GT(blocks.size(), 8U);
+  expect_to_run(blocks);
+}
+
+TEST(DocumentedStudies, RunAsTheyStand) {
+  const auto blocks = blocks_of(tests_folder + "/../docs/scaling.md");
+  EXPECT_EQ(blocks.size(), 2U);
   expect_to_run(blocks);
 }
 
