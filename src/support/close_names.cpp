@@ -27,7 +27,7 @@ std::size_t allowed_distance(const std::string& file_name) {
 // A name that would break up the console is not shown.
 bool is_shown_whole(std::string_view name) {
   return std::none_of(name.begin(), name.end(),
-                      [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; });
+                      [](unsigned char c) { return c < ' ' || c == 0x7F; });
 }
 
 // The nearest names met so far, in alphabetical order.
