@@ -14,6 +14,12 @@
 
 namespace quillet::fuzz {
 
+inline void PUT(int descriptor, const std::uint8_t* data, std::size_t size) {
+  const auto length = static_cast<ssize_t>(size);
+  if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, data, size, 0) != length)
+    std::abort();
+}
+
 // One file in memory, under a name that can be opened any number of times.
 class MemoryFile {
  public:
@@ -26,14 +32,31 @@ class MemoryFile {
 
   std::string name() const { return "/proc/self/fd/" + std::to_string(descriptor); }
 
-  void set(const std::uint8_t* data, std::size_t size) {
-    const auto length = static_cast<ssize_t>(size);
-    if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, data, size, 0) != length) {
-      std::abort();
-    }
-  }
+  void set(const std::uint8_t* data, std::size_t size) { PUT(descriptor, data, size); }
 
  private:
+  int descriptor;
+};
+
+// The same under the name of a file: HDF5 asks for the real path of what it opens.
+class NamedMemoryFile {
+ public:
+  NamedMemoryFile() : path("/dev/shm/quillet-fuzz-XXXXXX"), descriptor(::mkstemp(path.data())) {
+    if (descriptor < 0) std::abort();
+  }
+  NamedMemoryFile(const NamedMemoryFile&) = delete;
+  NamedMemoryFile& operator=(const NamedMemoryFile&) = delete;
+  ~NamedMemoryFile() {
+    ::close(descriptor);
+    ::unlink(path.c_str());
+  }
+
+  const std::string& name() const { return path; }
+
+  void set(const std::uint8_t* data, std::size_t size) { PUT(descriptor, data, size); }
+
+ private:
+  std::string path;
   int descriptor;
 };
 

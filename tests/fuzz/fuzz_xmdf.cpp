@@ -43,7 +43,7 @@ void read_file(const std::string& name) {
 }  // namespace quillet
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static quillet::fuzz::MemoryFile file;
+  static quillet::fuzz::NamedMemoryFile file;
   file.set(data, size);
   if (quillet::XF_TRY_FILE(file.name()).ok()) quillet::read_file(file.name());
   return 0;
