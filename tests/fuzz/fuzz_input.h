@@ -41,8 +41,13 @@ class MemoryFile {
 // The same under the name of a file: HDF5 asks for the real path of what it opens.
 class NamedMemoryFile {
  public:
-  NamedMemoryFile() : path("/dev/shm/quillet-fuzz-XXXXXX"), descriptor(::mkstemp(path.data())) {
-    if (descriptor < 0) std::abort();
+  NamedMemoryFile() {
+    for (const char* folder : {"/dev/shm", "/tmp"}) {
+      path = std::string(folder) + "/quillet-fuzz-XXXXXX";
+      descriptor = ::mkstemp(path.data());
+      if (descriptor >= 0) return;
+    }
+    std::abort();
   }
   NamedMemoryFile(const NamedMemoryFile&) = delete;
   NamedMemoryFile& operator=(const NamedMemoryFile&) = delete;
@@ -57,7 +62,7 @@ class NamedMemoryFile {
 
  private:
   std::string path;
-  int descriptor;
+  int descriptor = -1;
 };
 
 inline std::string_view TEXT_OF(const std::uint8_t* data, std::size_t size) {
