@@ -24,6 +24,7 @@ namespace {
 
 std::vector<PointPlaces> locate(const PartMesh& mesh, const std::vector<NamedPoint>& points) {
   std::vector<MapPoint> on_map;
+  on_map.reserve(points.size());
   for (const NamedPoint& point : points) on_map.push_back({point.x, point.y});
   std::vector<PointPlaces> places = LOCATE_POINTS(mesh, on_map);
   for (std::size_t i = 0; i < points.size(); ++i) {

@@ -26,9 +26,10 @@ namespace {
 // the other.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool is_sanitized = true;
-#elif defined(__has_feature)
-constexpr bool is_sanitized =
-    __has_feature(address_sanitizer) != 0 || __has_feature(thread_sanitizer) != 0;
+#elif !defined(__has_feature)
+constexpr bool is_sanitized = false;
+#elif __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool is_sanitized = true;
 #else
 constexpr bool is_sanitized = false;
 #endif
