@@ -18,15 +18,13 @@ import tempfile
 import numpy as np
 from osgeo import gdal, osr
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from result_files import check, read_dat  # noqa: E402
+
 gdal.UseExceptions()
 gdal.SetConfigOption("GDAL_PAM_ENABLED", "NO")  # statistics are not to be stored
 NO_DATA = -9999.0
 MAXIMA = 99999.0
-
-
-def check(condition, message):
-    if not condition:
-        sys.exit("FAILED: " + message)
 
 
 # ---- The inputs, read without the program ----
@@ -42,33 +40,6 @@ def read_mesh(name):
             elements[int(card[1])] = [int(text) - 1 for text in card[2 : 2 + int(line[1])]]
     xy = np.array([nodes[i] for i in range(1, len(nodes) + 1)])
     return xy, [elements[i] for i in range(1, len(elements) + 1)]
-
-
-def read_dat(name):
-    """List of (time, statuses, values); values are (n,) or (n, 2)."""
-    data = open(name, "rb").read()
-    position, width, steps = 4, 1, []
-    while True:
-        (card,) = struct.unpack_from("<i", data, position)
-        position += 4
-        if card in (100, 110, 120, 170, 180):
-            (item,) = struct.unpack_from("<i", data, position)
-            position += 4
-            nodes = item if card == 170 else nodes if card == 180 else 0
-            cells = item if card == 180 else 0
-        elif card == 140:
-            width = 2
-        elif card == 190:
-            position += 40
-        elif card == 200:
-            (time,) = struct.unpack_from("<f", data, position + 1)
-            statuses = np.frombuffer(data, np.int8, cells, position + 5)
-            position += 5 + cells
-            values = np.frombuffer(data, "<f4", nodes * width, position)
-            position += 4 * nodes * width
-            steps.append((time, statuses, values if width == 1 else values.reshape(-1, 2)))
-        elif card == 210:
-            return steps
 
 
 # ---- Values found another way: parts are tested one after the other ----
@@ -212,7 +183,7 @@ def check_raster(folder, name, mesh, steps, size, samples=150):
 
 
 def check_grids(folder, mesh, epsg):
-    depths = read_dat(folder.path("run1_d.dat"))
+    depths = read_dat(folder.path("run1_d.dat"))[1]
     ordinary = [step for step in depths if step[0] != MAXIMA]
     maxima = [step for step in depths if step[0] == MAXIMA]
 
@@ -249,7 +220,7 @@ def check_grids(folder, mesh, epsg):
     check(ascii_grid.GetGeoTransform() == dataset.GetGeoTransform(), "their places too")
 
     folder.run("--grid=20", "-t4.0004", "-dttol0.01", "-nowetdry", "-out", "speed.tif", "run1_V.dat")
-    (speed,) = [step for step in read_dat(folder.path("run1_V.dat")) if step[0] == 4]
+    (speed,) = [step for step in read_dat(folder.path("run1_V.dat"))[1] if step[0] == 4]
     everywhere = (speed[0], np.ones_like(speed[1]), speed[2])
     check_raster(folder, "speed.tif", mesh, [everywhere], 20, 300)
 
@@ -261,7 +232,7 @@ def check_angles(folder):
     for name, selection in (("run1_V_va.dat", ()), ("run1_V_va.xmdf", ("-s1",))):
         folder.run("--grid=15", "-t4", "-2dm", "run1.2dm", "-out", name + ".tif", *selection, name)
     check(folder.bytes("run1_V_va.dat.tif") == folder.bytes("run1_V_va.xmdf.tif"), "angles of XMDF")
-    (angles,) = [step for step in read_dat(folder.path("run1_V_va.dat")) if step[0] == 4]
+    (angles,) = [step for step in read_dat(folder.path("run1_V_va.dat"))[1] if step[0] == 4]
     cells = gdal.Open(folder.path("run1_V_va.dat.tif")).ReadAsArray()
     there = cells[cells != NO_DATA]
     check(there.size > 0 and np.isin(there, angles[2]).all(), "angles are those of nodes")
@@ -269,8 +240,8 @@ def check_angles(folder):
 
 def check_points(folder, mesh):
     searcher = Searcher(mesh)
-    depths = [step for step in read_dat(folder.path("run1_d.dat")) if step[0] != MAXIMA]
-    speeds = [step for step in read_dat(folder.path("run1_V.dat")) if step[0] != MAXIMA]
+    depths = [step for step in read_dat(folder.path("run1_d.dat"))[1] if step[0] != MAXIMA]
+    speeds = [step for step in read_dat(folder.path("run1_V.dat"))[1] if step[0] != MAXIMA]
     low, high = mesh[0].min(0), mesh[0].max(0)
     gauges = {}
     while len(gauges) < 60:
