@@ -1,7 +1,6 @@
 // The floor under -ensight for one .dat input on a mesh of triangles and 4-node quadrilaterals: one
-// thread, the whole mesh parsed, large reads and writes, the program's own number
-// formatter, and nothing but the work. No checks, no console, no case file. The geometry and
-// variable files are those of quillet byte for byte.
+// thread, the whole mesh parsed, large reads and writes, and nothing but the work. No checks, no
+// console, no case file. The geometry and variable files are those of quillet byte for byte.
 //
 //     floor_ensight BASE NAME MESH DAT
 //
@@ -13,15 +12,14 @@
 #include <string>
 #include <vector>
 
-#include "ensight/fixed_forms.h"
 #include "floor_files.h"
 #include "floor_full_mesh.h"
+#include "floor_number_forms.h"
 
 namespace quillet_floor {
 namespace {
 
 constexpr std::int64_t piece_bytes = 256 << 10;
-constexpr Scheme scheme{};
 
 struct Mesh : FullMesh {
   explicit Mesh(const DatFile& results) : FullMesh(results.nodes, results.cells) {}
@@ -78,7 +76,12 @@ class Pieces {
     }
   }
   void lines(const float* values, std::int64_t count) {
-    at = quillet::WRITE_E12_5_LINES(values, count, room(count * quillet::e12_5_line_width));
+    char* to = room(count * e12_5_line_width);
+    for (std::int64_t i = 0; i < count; ++i) {
+      to = write_e12_5(values[i], to);
+      *to++ = '\n';
+    }
+    at = to;
   }
   void close() {
     flush();
@@ -103,21 +106,21 @@ char* end_line(char* at) {
 }
 
 std::string real_text(double value) {
-  char text[quillet::e12_5_width];
-  quillet::WRITE_E12_5(value, text);
+  char text[e12_5_width];
+  write_e12_5(value, text);
   return {text, sizeof text};
 }
 
 std::string extent_text(double extent) {
-  char text[1 + quillet::e12_5_width] = {' '};
-  quillet::WRITE_COORDINATE(extent, text + 1);
+  char text[1 + e12_5_width] = {' '};
+  write_coordinate(extent, text + 1);
   const bool is_full = text[1] != ' ';
   return real_text(0) + std::string(text + (is_full ? 0 : 1), text + sizeof text) + '\n';
 }
 
 std::string count_text(std::int64_t value) {
-  char text[quillet::i10_line_width];
-  end_line(quillet::WRITE_I10(static_cast<std::int32_t>(value), text));
+  char text[i10_line_width];
+  end_line(write_i10(static_cast<std::int32_t>(value), text));
   return {text, sizeof text};
 }
 
@@ -128,11 +131,11 @@ void write_text_block(const Mesh& mesh, int kind, Pieces& out) {
   out.text(kind == 3 ? "tria3\n" : "quad4\n");
   out.text(count_text(count));
   out.items(count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_I10(ids[static_cast<std::size_t>(i)], at));
+    return end_line(write_i10(ids[static_cast<std::size_t>(i)], at));
   });
   out.items(count, [&](std::int64_t i, char* at) {
     const std::int32_t* const corner = mesh.corners(ids[static_cast<std::size_t>(i)]);
-    for (int n = 0; n < kind; ++n) at = quillet::WRITE_I10(corner[n], at);
+    for (int n = 0; n < kind; ++n) at = write_i10(corner[n], at);
     return end_line(at);
   });
 }
@@ -148,17 +151,16 @@ void write_text_geometry(const Mesh& mesh, const std::string& name) {
   out.text("part\n" + count_text(1) + "2D ORVANE Elements\ncoordinates\n" +
            count_text(mesh.node_count));
   out.items(mesh.node_count, [](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_I10(static_cast<std::int32_t>(i + 1), at));
+    return end_line(write_i10(static_cast<std::int32_t>(i + 1), at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_COORDINATE(mesh.x[i] - mesh.x_min, at));
+    return end_line(write_coordinate(mesh.x[i] - mesh.x_min, at));
   });
   out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_COORDINATE(mesh.y[i] - mesh.y_min, at));
+    return end_line(write_coordinate(mesh.y[i] - mesh.y_min, at));
   });
-  out.items(mesh.node_count, [&](std::int64_t i, char* at) {
-    return end_line(quillet::WRITE_E12_5(mesh.z[i], at));
-  });
+  out.items(mesh.node_count,
+            [&](std::int64_t i, char* at) { return end_line(write_e12_5(mesh.z[i], at)); });
   write_text_block(mesh, 3, out);
   write_text_block(mesh, 4, out);
   out.close();
@@ -237,8 +239,8 @@ void write_values(const float* values, std::int64_t stride, const std::uint8_t* 
 
 void write_zeros(std::int64_t nodes, Pieces& out) {
   out.items(nodes, [](std::int64_t, char* at) {
-    std::memcpy(at, " 0.00000E+00\n", quillet::e12_5_line_width);
-    return at + quillet::e12_5_line_width;
+    std::memcpy(at, " 0.00000E+00\n", e12_5_line_width);
+    return at + e12_5_line_width;
   });
 }
 
@@ -250,9 +252,9 @@ std::string number_text(std::int64_t number) {
 
 void write_variables(const Mesh& mesh, const DatFile& in, const std::string& base,
                      const std::string& name) {
-  auto* const status = make_array<std::int8_t>(in.cells, scheme);
-  auto* const wet = make_array<std::uint8_t>(in.nodes, scheme);
-  auto* const values = make_array<float>(in.components * in.nodes, scheme);
+  auto* const status = make_array<std::int8_t>(in.cells);
+  auto* const wet = make_array<std::uint8_t>(in.nodes);
+  auto* const values = make_array<float>(in.components * in.nodes);
   std::string description = name.substr(1);
   std::replace(description.begin(), description.end(), '_', ' ');
   for (std::int64_t step = 0; step < in.times; ++step) {
@@ -261,7 +263,7 @@ void write_variables(const Mesh& mesh, const DatFile& in, const std::string& bas
     std::memset(wet, 0, static_cast<std::size_t>(in.nodes));
     mesh.mark_active_nodes(status, wet);
     Pieces out(base + name + number_text(step + 1),
-               in.nodes * quillet::e12_5_line_width * (in.components == 2 ? 3 : 1));
+               in.nodes * e12_5_line_width * (in.components == 2 ? 3 : 1));
     out.text(description + "\npart\n" + count_text(1) + "coordinates\n");
     for (std::int64_t i = 0; i < in.components; ++i) {
       write_values(values + i, in.components, wet, in.nodes, out);

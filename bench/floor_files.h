@@ -15,20 +15,14 @@ namespace quillet_floor {
 
 constexpr std::size_t huge_page = std::size_t{2} << 20;
 
-// How the work is cut: as a straightforward program has it, into whole arrays in ordinary pages; or
-// into pieces that stay in the processor's second cache, with the arrays in huge pages.
-struct Scheme {
-  bool whole_arrays = false;
-
-  // Nodes in one read.
-  std::int64_t piece(std::int64_t count) const { return whole_arrays ? count : 64 * 1024; }
-};
+// Nodes in one read: their values stay in the processor's second cache while they are worked on.
+constexpr std::int64_t nodes_in_piece = 64 * 1024;
 
 // Zeroed memory that lives as long as the program, in huge pages where it is worth one.
 template <typename Item>
-Item* make_array(std::int64_t count, Scheme scheme) {
+Item* make_array(std::int64_t count) {
   const std::size_t size = static_cast<std::size_t>(count) * sizeof(Item);
-  if (scheme.whole_arrays || size < huge_page / 2) {
+  if (size < huge_page / 2) {
     void* const memory = std::calloc(size + 1, 1);
     if (memory == nullptr) std::abort();
     return static_cast<Item*>(memory);

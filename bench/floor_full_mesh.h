@@ -14,11 +14,11 @@ namespace quillet_floor {
 struct FullMesh {
   // Room for so many; pages that are not used cost nothing.
   FullMesh(std::int64_t most_nodes, std::int64_t most_elements)
-      : x(make_array<double>(most_nodes, huge_pages)),
-        y(make_array<double>(most_nodes, huge_pages)),
-        z(make_array<float>(most_nodes, huge_pages)),
-        corners(make_array<std::int32_t>(4 * most_elements, huge_pages)),
-        others(make_array<std::int32_t>(5 * most_elements, huge_pages)) {}
+      : x(make_array<double>(most_nodes)),
+        y(make_array<double>(most_nodes)),
+        z(make_array<float>(most_nodes)),
+        corners(make_array<std::int32_t>(4 * most_elements)),
+        others(make_array<std::int32_t>(5 * most_elements)) {}
 
   const char* take_node(const char* at) {
     std::int64_t id = 0;
@@ -61,7 +61,6 @@ struct FullMesh {
     }
   }
 
-  static constexpr Scheme huge_pages{};
   double *x, *y;
   float* z;
   std::int32_t *corners, *others;

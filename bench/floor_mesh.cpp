@@ -32,8 +32,8 @@ struct Full : FullMesh {
 };
 
 struct Elevations {
-  Elevations(std::int64_t lines, Form) : z(make_array<float>(lines, Scheme{})) {
-    for (auto& corner : corners) corner = make_array<std::int32_t>(lines, Scheme{});
+  Elevations(std::int64_t lines, Form) : z(make_array<float>(lines)) {
+    for (auto& corner : corners) corner = make_array<std::int32_t>(lines);
   }
 
   const char* take_node(const char* at) {

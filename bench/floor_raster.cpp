@@ -119,7 +119,7 @@ class Drawing {
     raster.columns = static_cast<std::int64_t>(std::ceil(high_x / cell) - std::floor(low_x / cell));
     raster.rows = static_cast<std::int64_t>(std::ceil(high_y / cell) - std::floor(low_y / cell));
     raster.tiles_across = (raster.columns + side - 1) / side;
-    raster.band = make_array<float>(raster.tiles_across * side * side, Scheme{});
+    raster.band = make_array<float>(raster.tiles_across * side * side);
     for (std::int64_t i = 0; i < mesh.node_count; ++i) {
       mesh.x[i] = (mesh.x[i] - raster.left) / cell - 0.5;
       mesh.y[i] = (raster.top - mesh.y[i]) / cell - 0.5;
@@ -191,17 +191,15 @@ class TileDeflater {
   void write(const float* tile, OutFile& out) {
     const bool is_empty =
         std::all_of(tile, tile + side * side, [](float v) { return v == no_data; });
-    if (is_empty && empty_size > 0) {
-      out.write(empty, empty_size);
+    if (is_empty && !empty.empty()) {
+      out.write(empty.data(), static_cast<std::int64_t>(empty.size()));
       return;
     }
     for (int row = 0; row < side; ++row) predict(tile + row * side, predicted + row * side * 4);
     const std::size_t size =
         libdeflate_zlib_compress(compressor, predicted, sizeof predicted, packed, sizeof packed);
     out.write(packed, static_cast<std::int64_t>(size));
-    if (!is_empty) return;
-    empty_size = static_cast<std::int64_t>(std::min(size, sizeof empty));
-    std::memcpy(empty, packed, static_cast<std::size_t>(empty_size));
+    if (is_empty) empty.assign(packed, packed + size);
   }
 
  private:
@@ -219,8 +217,7 @@ class TileDeflater {
   }
 
   libdeflate_compressor* compressor = libdeflate_alloc_compressor(4);
-  std::int64_t empty_size = 0;
-  unsigned char empty[4096];
+  std::vector<unsigned char> empty;  // the tile without a value, deflated
   unsigned char predicted[side * side * 4];
   unsigned char packed[side * side * 4 + 4096];
 };
@@ -235,8 +232,8 @@ void grid(char** arguments, const GridOptions& options) {
   FullMesh mesh(results.nodes, results.cells);
   take_lines(arguments[0], mesh);
   Drawing drawing(mesh, std::atof(arguments[2]));
-  auto* const status = make_array<std::int8_t>(results.cells, Scheme{});
-  auto* const values = make_array<float>(results.nodes, Scheme{});
+  auto* const status = make_array<std::int8_t>(results.cells);
+  auto* const values = make_array<float>(results.nodes);
   OutFile out(arguments[3], options.deflates ? 1 : drawing.plane_size());
   TileDeflater deflater;
   for (std::int64_t step = 0; step < results.times; ++step) {
@@ -259,8 +256,8 @@ void read_all(const char* mesh_name, const char* name) {
   const DatFile results(name);
   FullMesh mesh(results.nodes, results.cells);
   take_lines(mesh_name, mesh);
-  auto* const values = make_array<float>(results.nodes * results.components, Scheme{});
-  auto* const status = make_array<std::int8_t>(results.cells, Scheme{});
+  auto* const values = make_array<float>(results.nodes * results.components);
+  auto* const status = make_array<std::int8_t>(results.cells);
   for (std::int64_t step = 0; step < results.times; ++step) {
     results.read_statuses(step, status);
     results.read_values(step, 0, results.nodes, values);

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Times whole runs of quillet against the floor programs, in pairs, run by run.
+"""Times whole runs of quillet against the floor programs and good scripts, run by run.
 
 Makes the inputs with quillet_example_model (about 1 million nodes, 60 output times) in a work folder
 and uses them again when they are there. Builds nothing. docs/benchmarks.md says what the columns mean.
@@ -24,8 +24,10 @@ class Operation:
     options: tuple  # of quillet; empty where only the floor runs
     inputs: tuple  # read by both
     floor_inputs: tuple = ()  # read by the floor besides; quillet finds them itself
-    small: bool = False  # worth a line in the comparison with cat
+    small: bool = False  # worth a line in the comparison with cat of small files
+    cold: bool = False  # and of files on the disk
     copies: bool = False  # the floor is cp of what quillet writes
+    last_bits: int = 0  # by which values may differ from the floor's
 
 
 D1, D2, V1, H1 = "run1_d.dat", "run2_d.dat", "run1_V.dat", "run1_h.dat"
@@ -34,15 +36,15 @@ MESHES = ("run1.2dm", "run2.2dm")
 
 OPERATIONS = (
     Operation("copy", (), (D1,)),
-    Operation("max-scalar", ("-max", "-ignore_mm"), (D1,), small=True),
-    Operation("max-vector", ("-max", "-ignore_mm"), (V1,), small=True),
+    Operation("max-scalar", ("-max", "-ignore_mm"), (D1,), small=True, cold=True),
+    Operation("max-vector", ("-max", "-ignore_mm"), (V1,), small=True, cold=True),
     Operation("max-scalar-stored", ("-max",), (D1,), small=True),
     Operation("max-vector-stored", ("-max",), (V1,), small=True),
-    Operation("max-water-level", ("-max", "-ignore_mm"), (H1,), MESHES[:1], small=True),
+    Operation("max-water-level", ("-max", "-ignore_mm"), (H1,), MESHES[:1], small=True, cold=True),
     Operation("trim-scalar", ("-trim2",), (D1,), ("2",), small=True),
     Operation("trim-vector", ("-trim2",), (V1,), ("2",), small=True),
-    Operation("va", ("-va",), (V1,), small=True),
-    Operation("dif", ("-dif", "-nowetdry"), (D1, D2), small=True),
+    Operation("va", ("-va",), (V1,), small=True, last_bits=1),
+    Operation("dif", ("-dif", "-nowetdry"), (D1, D2), small=True, cold=True),
     Operation("dif-wetdry", ("-dif",), (D1, D2), (H1, "run2_h.dat", *MESHES), small=True),
     Operation("keep-scalar", ("-k99999",), (D1,), copies=True),
     Operation("remove-scalar", ("-r99999",), (D1,), copies=True),
@@ -89,13 +91,21 @@ def measured_write(command, output):
     return measure
 
 
-def paired_runs(commands, pairs):
+def paired_runs(commands, pairs, before=lambda: None):
     """Each of the commands (with its output, or None) in turn, after one round to warm up."""
-    rounds = []
-    for _ in range(pairs + 1):
-        rounds.append([measured_write(command, output) if output else run(command)
-                       for command, output in commands])
+    def measured(command, output):
+        before()
+        return measured_write(command, output) if output else run(command)
+
+    rounds = [[measured(*command) for command in commands] for _ in range(pairs + 1)]
     return list(zip(*rounds[1:]))
+
+
+def drop_caches():
+    """Only root may; os.sync first, since pages that wait for the disk stay."""
+    os.sync()
+    with open("/proc/sys/vm/drop_caches", "w", encoding="ascii") as file:
+        file.write("3\n")
 
 
 def write_anew(folder):
@@ -111,7 +121,6 @@ class Bench:
         self.programs = options.build / "bin"
         self.work = options.work
         self.pairs = options.pairs
-        self.with_pieces = options.pieces
         nodes, times = (20_000, 60) if options.small else (options.nodes, options.times)
         self.model = self.make_model(nodes, times)
         write_anew(self.model)
@@ -119,7 +128,7 @@ class Bench:
             header = file.read(92)
         self.nodes = int.from_bytes(header[36:40], "little")
         self.cells = int.from_bytes(header[44:48], "little")
-        self.outputs = {who: self.work / who / "out.dat" for who in ("floor", "quillet")}
+        self.outputs = {who: self.work / who / "out.dat" for who in ("peer", "floor", "quillet")}
         for output in self.outputs.values():
             output.parent.mkdir(exist_ok=True)
         self.made = set(self.outputs.values())
@@ -138,14 +147,19 @@ class Bench:
     def input_files(self, operation):
         return [str(self.model / name) for name in operation.inputs]
 
-    def quillet_command(self, operation, output):
-        return [str(self.programs / "quillet"), "-b", *operation.options,
+    def quillet_command(self, operation, output, threads=1):
+        share = [f"--threads={threads}"] if threads else []
+        return [str(self.programs / "quillet"), "-b", *share, *operation.options,
                 *self.input_files(operation), "-out", str(output)]
 
     def convert_input(self, name):
         if name in CONVERTED and not (self.model / name).exists():
             run([str(self.programs / "quillet"), "-b", "-conv", str(self.model / CONVERTED[name]),
                  "-out", str(self.model / name)])
+
+    def quillet_commands(self, operation, output):
+        """With one thread, and with as many as it takes by itself."""
+        return [(self.quillet_command(operation, output, threads), output) for threads in (1, None)]
 
     def commands_of_copy(self, operation):
         """cp of what quillet writes, and quillet."""
@@ -157,66 +171,89 @@ class Bench:
         self.made.update(names)
         kept, copied, written = names
         measured_write(self.quillet_command(operation, kept), kept)
-        return [(["cp", str(kept), str(copied)], copied),
-                (self.quillet_command(operation, written), written)]
+        return [(["cp", str(kept), str(copied)], copied), *self.quillet_commands(operation, written)]
 
-    def floor_command(self, operation, dataset, scheme=()):
+    def command_of(self, program, who, operation, dataset):
+        """Floor and peer take the same arguments."""
         more = [str(self.model / name) if "." in name else name for name in operation.floor_inputs]
         names = [dataset] if operation.options else []
-        return [str(self.programs / "floor_dat"), *scheme, operation.name,
-                str(self.outputs["floor"]), *names, *self.input_files(operation), *more]
+        return ([*program, operation.name, str(self.outputs[who]), *names,
+                 *self.input_files(operation), *more], self.outputs[who])
+
+    def floor_command(self, operation, dataset):
+        return self.command_of([str(self.programs / "floor_dat")], "floor", operation, dataset)
+
+    def peer_command(self, operation, dataset):
+        peer = pathlib.Path(__file__).with_name("peer_dat.py")
+        return self.command_of([sys.executable, str(peer)], "peer", operation, dataset)
+
+    def dataset_of(self, operation):
+        """Runs quillet, whose output tells the name of the dataset."""
+        if not operation.options:
+            return ""
+        output = self.outputs["quillet"]
+        measured_write(self.quillet_command(operation, output), output)
+        return dataset_name(output)
 
     def commands(self, operation):
-        """The floor, the floor in pieces where that is asked for, and, where there is one, quillet.
-
-        They have been seen to write the same.
-        """
+        """The floor and, where there is one, quillet. They have been seen to write the same."""
         if operation.copies:
             return self.commands_of_copy(operation)
-        floor_output, quillet_output = self.outputs["floor"], self.outputs["quillet"]
-        dataset, programs = "", []
-        if operation.options:
-            programs = [(self.quillet_command(operation, quillet_output), quillet_output)]
-            measured_write(*programs[0])
-            dataset = dataset_name(quillet_output)
-        schemes = [(), ("--pieces",)] if self.with_pieces else [()]
-        floors = [(self.floor_command(operation, dataset, scheme), floor_output)
-                  for scheme in schemes]
-        for floor in floors:
-            measured_write(*floor)
-            if programs and not same_bytes(floor_output, quillet_output):
-                raise Failure("the outputs of quillet and its floor differ")
-        return floors + programs
+        quillet_output = self.outputs["quillet"]
+        floor = self.floor_command(operation, self.dataset_of(operation))
+        measured_write(*floor)
+        if not operation.options:
+            return [floor]
+        if not same_results(floor[1], quillet_output, operation.last_bits):
+            raise Failure("the outputs of quillet and its floor differ")
+        return [floor, *self.quillet_commands(operation, quillet_output)]
+
+    def peer_time(self, operation):
+        if operation.copies or not operation.options:
+            return f"{'':>9}"
+        peer = self.peer_command(operation, self.dataset_of(operation))
+        measured_write(*peer)
+        if not same_values(peer[1], self.outputs["quillet"], "close"):
+            raise Failure("the outputs of quillet and the script differ")
+        return f"{median(paired_runs([peer], min(self.pairs, 3))[0], 'wall'):>9.3f}"
 
     def compare(self, operation):
-        runs = paired_runs(self.commands(operation), self.pairs)
-        floor, quillet = runs[0], runs[-1] if operation.options else None
-        pieces = runs[1] if len(runs) > 2 else None
-        line = f"{operation.name:<18}{median(floor, 'wall'):>9.4f}"
-        if quillet is None:
-            return line + (f"{median(pieces, 'wall'):>73.4f}" if pieces else "")
-        peak = max(measure.peak for measure in quillet)
+        floor, *quillet = paired_runs(self.commands(operation), self.pairs)
+        line = f"{operation.name:<18}{self.peer_time(operation)}{median(floor, 'wall'):>9.4f}"
+        if not quillet:
+            return line
+        one, all_cores = quillet
+        peak = max(measure.peak for measure in one)
         beyond = (peak - 20e6 - 4 * self.cells) / self.nodes
-        line += (f"{median(quillet, 'wall'):>10.4f}{ratio_of(quillet, floor):>8.2f}"
-                 f"{least(quillet) / least(floor):>8.2f}"
-                 f"{median(quillet, 'cpu') / median(floor, 'cpu'):>8.2f}"
-                 f"{max(m.peak for m in floor) / 2**20:>11.1f}{peak / 2**20:>9.1f}{beyond:>9.1f}")
-        if pieces:
-            line += f"{median(pieces, 'wall'):>10.4f}{ratio_of(quillet, pieces):>8.2f}"
-        return line
+        return line + (f"{median(one, 'wall'):>10.4f}{ratio_of(one, floor):>8.2f}"
+                       f"{least(one) / least(floor):>8.2f}"
+                       f"{median(one, 'cpu') / median(floor, 'cpu'):>8.2f}"
+                       f"{median(all_cores, 'wall'):>11.4f}"
+                       f"{max(m.peak for m in floor) / 2**20:>11.1f}{peak / 2**20:>9.1f}"
+                       f"{beyond:>9.1f}")
 
     def compare_with_cat(self, operation):
         cat = (["cat", *self.input_files(operation)], None)
-        cat, floor, quillet = paired_runs([cat, *self.commands(operation)], self.pairs)
+        cat, floor, quillet, _ = paired_runs([cat, *self.commands(operation)], self.pairs)
         beyond = statistics.median(q.wall - c.wall for c, q in zip(cat, quillet))
         return (f"{operation.name:<18}" +
                 "".join(f"{1000 * median(runs, 'wall'):>10.1f}" for runs in (cat, floor, quillet)) +
                 f"{1000 * beyond:>14.1f}")
 
+    def compare_cold(self, operation):
+        """Against cat, each of them after the page cache was dropped."""
+        output = self.outputs["quillet"]
+        files = [str(self.model / name) for name in (*operation.inputs, *operation.floor_inputs)]
+        commands = [(["cat", *files], None),
+                    (self.quillet_command(operation, output, None), output)]
+        cat, quillet = paired_runs(commands, self.pairs, before=drop_caches)
+        return (f"{operation.name:<18}{median(cat, 'wall'):>9.3f}{median(quillet, 'wall'):>10.3f}"
+                f"{ratio_of(quillet, cat):>8.2f}{least(quillet) / least(cat):>8.2f}")
 
-HEADING = (f"{'operation':<18}{'floor s':>9}{'quillet s':>10}{'ratio':>8}{'minima':>8}{'cpu':>8}"
-           f"{'floor MiB':>11}{'MiB':>9}{'B/node':>9}")
-PIECES_HEADING = f"{'pieces s':>10}{'ratio':>8}"
+
+HEADING = (f"{'operation':<18}{'peer s':>9}{'floor s':>9}{'1 thread s':>10}{'ratio':>8}{'minima':>8}"
+           f"{'cpu':>8}{'all cores s':>11}{'floor MiB':>11}{'MiB':>9}{'B/node':>9}")
+COLD_HEADING = f"{'operation':<18}{'cat s':>9}{'quillet s':>10}{'ratio':>8}{'minima':>8}"
 SMALL_HEADING = f"{'operation':<18}{'cat ms':>10}{'floor ms':>10}{'quillet ms':>10}{'beyond cat ms':>14}"
 
 
@@ -235,6 +272,18 @@ def least(runs):
 def dataset_name(dat_file):
     with open(dat_file, "rb") as file:
         return file.read(92)[52:].decode().rstrip()
+
+
+def same_values(first, second, *how):
+    """In a process of its own: what this one holds in memory counts for all that it starts."""
+    compare = pathlib.Path(__file__).with_name("compare_dat.py")
+    return subprocess.run([sys.executable, compare, *how, first, second]).returncode == 0
+
+
+def same_results(first, second, last_bits):
+    if last_bits == 0:
+        return same_bytes(first, second)
+    return same_values(first, second, "bits", str(last_bits))
 
 
 def same_bytes(first, second):
@@ -260,13 +309,12 @@ def read_options():
     parser.add_argument("--pairs", type=int, default=9, help="pairs of runs (default %(default)s)")
     parser.add_argument("--nodes", type=int, default=1_000_000, help="default %(default)s")
     parser.add_argument("--times", type=int, default=60, help="output times, default %(default)s")
-    parser.add_argument("--pieces", action="store_true",
-                        help="also floors that work in pieces that stay in the cache")
-    parser.add_argument("--small", action="store_true",
-                        help="20,000 nodes, compared with cat of the inputs")
+    form = parser.add_mutually_exclusive_group()
+    form.add_argument("--small", action="store_true",
+                      help="20,000 nodes, compared with cat of the inputs")
+    form.add_argument("--cold", action="store_true",
+                      help="files from the disk, compared with cat of the inputs; root only")
     options = parser.parse_args()
-    if options.small and options.pieces:
-        parser.error("--pieces does not go with --small")
     for name in options.operations:
         if name not in names:
             parser.error(f"no operation {name}; there are {', '.join(names)}")
@@ -277,14 +325,20 @@ def main():
     options = read_options()
     bench = Bench(options)
     print(f"{bench.nodes} nodes, {bench.cells} cells, {options.pairs} pairs of runs")
-    print(SMALL_HEADING if options.small else HEADING + PIECES_HEADING * options.pieces)
+    if options.cold:
+        heading, compare = COLD_HEADING, bench.compare_cold
+    elif options.small:
+        heading, compare = SMALL_HEADING, bench.compare_with_cat
+    else:
+        heading, compare = HEADING, bench.compare
+    print(heading)
     failed = False
     for operation in OPERATIONS:
         chosen = operation.name in options.operations if options.operations else True
-        if not chosen or (options.small and not operation.small):
+        wanted = operation.cold if options.cold else operation.small or not options.small
+        if not chosen or not wanted:
             continue
         try:
-            compare = bench.compare_with_cat if options.small else bench.compare
             print(compare(operation), flush=True)
         except (Failure, OSError) as failure:
             failed = True
