@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -48,9 +49,22 @@ struct ChildEnd {
   std::string reason;  // the system's, when the child was not started
 };
 
-// Has a child perform the task. The child does not outlive this process, and is ended when it is
-// stuck or when the run is interrupted; one that passes a limit dies.
-ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits);
+// A child that performs a task. It does not outlive this process, nor, when it is not done, this
+// object; one that passes a limit dies.
+class Child {
+ public:
+  Child(const ChildTask& task, const std::string& item, const ChildLimits& limits);
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child();
+
+  // Waits for the child's end, which is made when it is stuck or when the run is interrupted. Once.
+  ChildEnd wait();
+
+ private:
+  struct Process;
+  std::unique_ptr<Process> process;
+};
 
 // Where a process cannot be doubled, a child is the program itself, started anew and told so by its
 // arguments. First thing in a program that allows this: true when the process is such a child; then

@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "support/child_letters.h"
 #include "support/interrupt.h"
@@ -130,15 +131,10 @@ Heard listen(int pipe, std::chrono::milliseconds patience, std::string& letters)
 ChildEnd follow(int pipe, std::chrono::milliseconds patience) {
   std::string letters;
   Heard heard = Heard::letters;
-  while (heard == Heard::letters) heard = listen(pipe, patience, letters);
+  while (heard == Heard::letters && !IS_DONE(letters)) heard = listen(pipe, patience, letters);
   if (heard == Heard::nothing) return {ChildEnd::How::stuck, {}};
   if (letters.empty()) return {ChildEnd::How::not_started, "it could not be set up"};
   return {IS_DONE(letters) ? ChildEnd::How::done : ChildEnd::How::died, {}};
-}
-
-void reap(pid_t child) {
-  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-  }
 }
 
 ChildEnd not_started() {
@@ -151,23 +147,70 @@ bool make_pipe(std::array<int, 2>& pipe) {
   return true;
 }
 
+// Children that are done and take their time to give back their memory.
+std::vector<pid_t> children_leaving;
+
+void reap_those_gone() {
+  std::erase_if(children_leaving,
+                [](pid_t child) { return ::waitpid(child, nullptr, WNOHANG) != 0; });
+}
+
 }  // namespace
 
-ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits) {
-  std::array<int, 2> pipe{};
-  if (!make_pipe(pipe)) return not_started();
-  const pid_t parent = ::getpid();
-  const pid_t child = ::fork();
-  if (child == 0) be_the_child(task, item, limits, pipe[1], parent);
-  ChildEnd end = child < 0 ? not_started() : ChildEnd{};
-  ::close(pipe[1]);
-  if (child > 0) {
-    end = follow(pipe[0], limits.patience);
-    if (end.how == ChildEnd::How::stuck) ::kill(child, SIGKILL);
-    reap(child);
+struct Child::Process {
+  Process() = default;
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+  ~Process() {
+    end_now();
+    if (pipe >= 0) ::close(pipe);
   }
-  ::close(pipe[0]);
-  return end;
+
+  void end_now() {
+    if (id > 0) ::kill(id, SIGKILL);
+    while (id > 0 && ::waitpid(id, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    id = -1;
+  }
+  // Nobody waits for it.
+  void let_go() {
+    children_leaving.push_back(std::exchange(id, -1));
+    reap_those_gone();
+  }
+
+  pid_t id = -1;
+  int pipe = -1;  // its letters
+  std::chrono::milliseconds patience{};
+  ChildEnd end;
+};
+
+Child::Child(const ChildTask& task, const std::string& item, const ChildLimits& limits)
+    : process(std::make_unique<Process>()) {
+  std::array<int, 2> pipe{};
+  if (!make_pipe(pipe)) {
+    process->end = not_started();
+    return;
+  }
+  process->pipe = pipe[0];
+  process->patience = limits.patience;
+  const pid_t parent = ::getpid();
+  process->id = ::fork();
+  if (process->id == 0) be_the_child(task, item, limits, pipe[1], parent);
+  if (process->id < 0) process->end = not_started();
+  ::close(pipe[1]);
+}
+
+Child::~Child() = default;
+
+ChildEnd Child::wait() {
+  if (process->id < 0) return process->end;
+  process->end = follow(process->pipe, process->patience);
+  if (process->end.how == ChildEnd::How::done) {
+    process->let_go();
+  } else {
+    process->end_now();
+  }
+  return process->end;
 }
 
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>&, const ChildTask&, int&) {

@@ -101,22 +101,39 @@ bool follow(HANDLE process, HANDLE letters, std::chrono::milliseconds patience, 
 
 }  // namespace
 
-ChildEnd RUN_IN_CHILD(const ChildTask& task, const std::string& item, const ChildLimits& limits) {
-  using How = ChildEnd::How;
-  if (!can_be_child) return {};
+// The child ends with its job.
+struct Child::Process {
   Handle letters;
-  const Handle job{job_with(limits)};
+  Handle job;
+  Handle id;
+  std::chrono::milliseconds patience{};
+  ChildEnd end;
+};
+
+Child::Child(const ChildTask& task, const std::string& item, const ChildLimits& limits)
+    : process(std::make_unique<Process>()) {
+  if (!can_be_child) return;
+  process->patience = limits.patience;
+  process->job.value = job_with(limits);
   PROCESS_INFORMATION child{};
-  if (!start(task, item, letters, child)) {
-    return {How::not_started, "error " + std::to_string(::GetLastError())};
+  if (!start(task, item, process->letters, child)) {
+    process->end = {ChildEnd::How::not_started, "error " + std::to_string(::GetLastError())};
+    return;
   }
-  const Handle process{child.hProcess};
+  process->id.value = child.hProcess;
   const Handle thread{child.hThread};
-  ::AssignProcessToJobObject(job.value, process.value);
+  ::AssignProcessToJobObject(process->job.value, child.hProcess);
   ::ResumeThread(thread.value);
+}
+
+Child::~Child() = default;
+
+ChildEnd Child::wait() {
+  using How = ChildEnd::How;
+  if (process->id.value == nullptr) return process->end;
   std::string said;
-  if (!follow(process.value, letters.value, limits.patience, said)) return {How::stuck, {}};
-  return {IS_DONE(said) ? How::done : How::died, {}};
+  const bool is_over = follow(process->id.value, process->letters.value, process->patience, said);
+  return {!is_over ? How::stuck : IS_DONE(said) ? How::done : How::died, {}};
 }
 
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTask& task,

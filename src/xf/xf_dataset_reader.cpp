@@ -52,11 +52,14 @@ XfStatus with_size_checked(const XfGroupState& group, XfStatus status) {
   return whole.ok() ? std::move(status) : std::move(whole);
 }
 
+XfStatus open_times(const XfGroupState& group, XfRowReader& reader) {
+  return reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
+}
+
 XfStatus load_times(XfGroupState& group) {
   if (group.times) return {};
   XfRowReader reader;
-  XfStatus status =
-      reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
+  XfStatus status = open_times(group, reader);
   if (!status.ok()) return status;
   std::vector<double> times(reader.columns());
   status = with_size_checked(group, reader.read_row(0, reinterpret_cast<std::byte*>(times.data())));
@@ -273,15 +276,14 @@ XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_tim
 void xf_try_group(const XfGroup& group) {
   std::string units;
   std::int32_t count = 0;
-  std::vector<double> times;
   std::ignore = XF_GET_DATASET_TIME_UNITS(group, units);
   std::ignore = XF_GET_DATASET_NUMVALS(group, count);
   std::ignore = XF_GET_DATASET_NUMACTIVE(group, count);
-  std::ignore = XF_GET_DATASET_TIMES(group, times);
-  for (const char* const name : {"Mins", "Maxs"}) {
-    XfTable table;
-    std::ignore = xf_open_table(group->id.get(), name, 1, group->file_size, table);
-  }
+  std::ignore = xf_guard_memory([&] {
+    XfRowReader times;
+    XfStatus status = open_times(*group, times);
+    return status.ok() && times.transforms() ? load_times(*group) : status;
+  });
 }
 
 }  // namespace quillet

@@ -160,6 +160,8 @@ XfStatus open_file(const std::string& name, XfFile& file) {
   XfStatus status = check_input(name);
   if (!status.ok()) return status;
   const XfPropertiesHandle access = access_properties();
+  // Inflated chunks are kept only where a table asks for it.
+  H5Pset_cache(access.get(), 0, 0, 0, H5D_CHUNK_CACHE_W0_DEFAULT);
   XfFileHandle opened(H5Fopen(name.c_str(), H5F_ACC_RDONLY, access.get()));
   if (!opened.valid()) return opening_failure(name, xf_last_error());
   status = check_root(opened.get());

@@ -5,8 +5,9 @@
 
 namespace quillet {
 
-// Opens Values, Times, Active, Mins and Maxs, with everything that HDF5 keeps about them, and reads
-// the times and their units. What fails is left alone.
+// Opens Values, Times and Active with everything that HDF5 keeps about them, which are the members
+// that anybody opens; reads the times' units, and the times where HDF5 does more than copy them.
+// What fails is left alone.
 void xf_try_group(const XfGroup& group);
 
 }  // namespace quillet

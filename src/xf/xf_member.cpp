@@ -29,10 +29,10 @@ XfStatus XfMember::status() const {
 }
 
 State xf_look_for_member(hid_t group, const char* name) {
-  const htri_t found = H5Lexists(group, name, H5P_DEFAULT);
-  if (found <= 0) return found == 0 ? State::absent : State::damaged;
   H5L_info_t link{};
-  if (H5Lget_info(group, name, &link, H5P_DEFAULT) < 0) return State::damaged;
+  if (H5Lget_info(group, name, &link, H5P_DEFAULT) < 0) {
+    return H5Lexists(group, name, H5P_DEFAULT) == 0 ? State::absent : State::damaged;
+  }
   if (link.type == H5L_TYPE_HARD) return State::present;
   return link.type == H5L_TYPE_SOFT ? State::absent : State::elsewhere;
 }

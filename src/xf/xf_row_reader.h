@@ -29,6 +29,8 @@ class XfRowReader {
   int rank() const { return table.rank; }
   hsize_t rows() const { return table.rows; }
   hsize_t columns() const { return table.columns; }
+  // Reading takes HDF5's filters or conversions, not a mere copy.
+  bool transforms() const { return table.filtered || !as_stored; }
 
   // Row from 0. `straight` takes the whole row.
   XfStatus read_row(hsize_t row, std::byte* straight);

@@ -208,7 +208,7 @@ XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_siz
   table = {};
   table.name = name;
   table.file_size = file_size;
-  XfMember member = xf_open_member(group, name, access_with_cache(0, 0).get());
+  XfMember member = xf_open_member(group, name, H5P_DEFAULT);
   if (!member.is_present()) return member.status();
   table.dataset = std::move(member.dataset);
   XfStatus status = read_shape(rank, table);

@@ -17,15 +17,12 @@
 namespace quillet {
 namespace {
 
-// Tells of each file whether it may be opened, up to the first that may not. All are tried before
-// any is opened, so that the copies of this process that try them stay small.
+// Tells of each file whether it may be opened, up to the first that may not.
 std::vector<XfStatus> try_files(const std::vector<XmdfFileHeader>& files) {
-  std::vector<XfStatus> tried;
-  for (const XmdfFileHeader& header : files) {
-    tried.push_back(XF_TRY_FILE(header.file_name));
-    END_IF_INTERRUPTED();
-    if (!tried.back().ok()) break;
-  }
+  std::vector<std::string> names;
+  for (const XmdfFileHeader& header : files) names.push_back(header.file_name);
+  std::vector<XfStatus> tried = XF_TRY_FILES(names);
+  END_IF_INTERRUPTED();
   return tried;
 }
 

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <thread>
 
+#include "in_crew_of.h"
 #include "support/system_child.h"
 #include "xf_test_files.h"
 
@@ -24,7 +25,7 @@ using Work = void (*)(const std::string& item, ChildReport& report);
 constexpr std::size_t plenty = std::size_t{1} << 30;
 
 ChildEnd run(Work work, milliseconds patience = milliseconds(20000), std::size_t memory = plenty) {
-  return RUN_IN_CHILD({"test", work}, "item", {patience, memory});
+  return Child({"test", work}, "item", {patience, memory}).wait();
 }
 
 void wait_forever() {
@@ -131,6 +132,34 @@ TEST_F(XfTrialTest, FailsWhereHdf5DoesNotSurvive) {
   std::string bytes = folder.read("sound.xmdf");
   folder.write("heap.xmdf", bytes.replace(bytes.find("HEAP") + 8, 8, 8, '\xff'));
   expect_failure(XF_TRY_FILE(path("heap.xmdf")), "found damage that HDF5 cannot cope with");
+}
+
+// The same of every group, in a file that is large enough to be tried by several children.
+TEST_F(XfTrialTest, TriesEveryDatasetOfEveryFile) {
+  make_file(path("large.xmdf"), [](hid_t file) {
+    const std::vector<float> version{2.1F};
+    make_member(file, "File Version", H5T_IEEE_F32LE, {{1}, {}, {}}, H5T_NATIVE_FLOAT, version);
+    for (const char* const name : {"a", "b", "c", "d", "e"}) {
+      make_plain_dataset(file, name, "DATASET SCALAR", {2, 40000});
+    }
+  });
+  const std::string sound = folder.read("large.xmdf");
+  const std::vector<std::string> names{path("sound.xmdf"), path("heap.xmdf"), path("sound.xmdf")};
+  int heaps = 0;
+  for (auto heap = sound.find("HEAP"); heap != std::string::npos;
+       heap = sound.find("HEAP", heap + 1)) {
+    folder.write("heap.xmdf", std::string(sound).replace(heap + 8, 8, 8, '\xff'));
+    for (const int threads : {1, 2, 8}) {
+      test::in_crew_of(threads, [&] {
+        const std::vector<XfStatus> tried = XF_TRY_FILES(names);
+        ASSERT_EQ(tried.size(), 2U);
+        EXPECT_OK(tried[0]);
+        expect_failure(tried[1], "found damage that HDF5 cannot cope with");
+      });
+    }
+    ++heaps;
+  }
+  EXPECT_EQ(heaps, 6);
 }
 
 }  // namespace
