@@ -31,7 +31,7 @@ void report(const std::string& name, Clock::time_point start) {
 // As the mesh itself tells them; reading it also warms the file up.
 struct Counts {
   explicit Counts(const std::string& name) {
-    quillet::MESH_TYPE mesh;
+    quillet::MESH_GEOMETRY_TYPE mesh;
     quillet::LOAD_MESH(name, std::nullopt, std::nullopt, mesh);
     nodes = mesh.node_count;
     cells = mesh.element_count;
@@ -43,7 +43,7 @@ struct Counts {
 void time_loading(const std::string& name, std::optional<std::int32_t> nodes,
                   std::optional<std::int32_t> cells) {
   const auto start = Clock::now();
-  quillet::MESH_TYPE mesh;
+  quillet::MESH_GEOMETRY_TYPE mesh;
   quillet::LOAD_MESH(name, nodes, cells, mesh);
   report(name, start);
 }

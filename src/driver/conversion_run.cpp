@@ -88,7 +88,7 @@ std::int32_t cell_count_of(const Conversion& conversion) {
   const ResultShape shape = conversion.source->shape();
   if (shape.cell_count) return *shape.cell_count;
   if (FILE_EXISTS(SYSTEM_NAME(conversion.mesh_file))) {
-    MESH_TYPE mesh;
+    MESH_SUMMARY_TYPE mesh;
     const InputUnit unit(conversion.mesh_file);
     SCAN_2DM_HEADER(unit, mesh);
     SCAN_2DM(unit, mesh);

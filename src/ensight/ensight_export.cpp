@@ -73,7 +73,7 @@ class EnsightExport {
   void read_mesh() {
     SAY("Need to read 2dm file.");
     SAY("Scanning geometry...");
-    MESH_TYPE loaded;
+    MESH_GEOMETRY_TYPE loaded;
     const auto nodes = request.is_finite_volume ? std::nullopt : std::optional(request.node_count);
     LOAD_MESH(request.mesh_file, nodes, request.cell_count, loaded, ValuesPer::node_or_fv_element);
     mesh = MAKE_ENSIGHT_MESH(std::move(loaded));

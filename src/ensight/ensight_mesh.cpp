@@ -14,17 +14,6 @@ constexpr std::array<ElementShape, 3> shapes{{
     {"quad8", 9, 4, 8, "Writing eight node quadrilaterals (quad8)...", "Done writing quad8"},
 }};
 
-void take_nodes(ZeroedTable<MESH_NODE_TYPE> nodes, EnsightMesh& mesh) {
-  mesh.x.reserve(nodes.size());
-  mesh.y.reserve(nodes.size());
-  mesh.z.reserve(nodes.size());
-  for (const MESH_NODE_TYPE& node : nodes) {
-    mesh.x.push_back(node.x);
-    mesh.y.push_back(node.y);
-    mesh.z.push_back(node.z);
-  }
-}
-
 ElementBlock empty_block(const ElementShape& shape, std::int32_t count) {
   const auto expected = static_cast<std::size_t>(count);
   ElementBlock block{&shape, {}, {}, {}};
@@ -35,24 +24,25 @@ ElementBlock empty_block(const ElementShape& shape, std::int32_t count) {
 }
 
 template <std::size_t count>
-void add_element(std::int32_t id, const MESH_ELEMENT_TYPE& element, ElementBlock& block) {
+void add_element(std::int32_t id, const std::array<std::int32_t, 9>& nodes, ElementBlock& block) {
   block.ids.push_back(id);
-  for (std::size_t slot = 0; slot < count; ++slot) block.nodes.push_back(element.nodes[slot]);
+  for (std::size_t slot = 0; slot < count; ++slot) block.nodes.push_back(nodes[slot]);
 }
 
-void take_elements(const MESH_TYPE& source, EnsightMesh& mesh) {
+void take_elements(const MESH_GEOMETRY_TYPE& source, EnsightMesh& mesh) {
   ElementBlock triangles = empty_block(shapes[0], source.triangle_count);
   ElementBlock quads = empty_block(shapes[1], source.quad4_count);
   ElementBlock high_quads = empty_block(shapes[2], source.quad9_count);
   std::int32_t id = 0;
-  for (const MESH_ELEMENT_TYPE& element : source.elements) {
+  for (std::size_t i = 0; i < source.corners.size(); ++i) {
     ++id;
-    const int nodes = NODE_COUNT_OF(element);
-    if (nodes == 3) add_element<3>(id, element, triangles);
-    if (nodes == 4) add_element<4>(id, element, quads);
-    if (nodes != 9) continue;
-    add_element<8>(id, element, high_quads);
-    high_quads.centres.push_back(element.nodes[8]);
+    const auto nodes = NODES_OF(source, i);
+    const int count = NODE_COUNT_OF(nodes);
+    if (count == 3) add_element<3>(id, nodes, triangles);
+    if (count == 4) add_element<4>(id, nodes, quads);
+    if (count != 9) continue;
+    add_element<8>(id, nodes, high_quads);
+    high_quads.centres.push_back(nodes[8]);
   }
   for (ElementBlock* block : {&triangles, &quads, &high_quads}) {
     if (!block->ids.empty()) mesh.blocks.push_back(std::move(*block));
@@ -61,13 +51,15 @@ void take_elements(const MESH_TYPE& source, EnsightMesh& mesh) {
 
 }  // namespace
 
-EnsightMesh MAKE_ENSIGHT_MESH(MESH_TYPE mesh) try {
+EnsightMesh MAKE_ENSIGHT_MESH(MESH_GEOMETRY_TYPE mesh) try {
   EnsightMesh result;
   result.high_resolution = mesh.high_resolution;
   result.fv_mesh = mesh.fv_mesh;
   result.node_count = mesh.node_count;
   result.element_count = mesh.element_count;
-  take_nodes(std::move(mesh.nodes), result);
+  result.x = std::move(mesh.x);
+  result.y = std::move(mesh.y);
+  result.z = std::move(mesh.z);
   take_elements(mesh, result);
   return result;
 } catch (const std::bad_alloc&) {

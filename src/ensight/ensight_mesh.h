@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "mesh/mesh.h"
+#include "mesh/mesh_geometry.h"
 #include "support/large_array.h"
 
 namespace quillet {
@@ -34,9 +34,9 @@ struct EnsightMesh {
   bool fv_mesh = false;
   std::int32_t node_count = 0;
   std::int32_t element_count = 0;  // in the mesh; ids are not above it
-  LargeArray<double> x;            // map coordinates, m
-  LargeArray<double> y;
-  LargeArray<float> z;
+  ZeroedTable<double> x;           // map coordinates, m
+  ZeroedTable<double> y;
+  ZeroedTable<float> z;
   // Found by the geometry writers.
   double x_minimum = 0;
   double x_maximum = 0;
@@ -51,6 +51,6 @@ struct EnsightMesh {
 
 // Takes the tables of the mesh apart and frees each as soon as it can. Ends the run when memory
 // does not suffice.
-EnsightMesh MAKE_ENSIGHT_MESH(MESH_TYPE mesh);
+EnsightMesh MAKE_ENSIGHT_MESH(MESH_GEOMETRY_TYPE mesh);
 
 }  // namespace quillet

@@ -89,9 +89,9 @@ class BinaryGeometry {
     number(mesh.z_maximum);
   }
 
-  template <typename Value>
-  void array(const LargeArray<Value>& values) {
-    out.write(values.data(), values.size() * sizeof(Value));
+  template <typename Values>
+  void array(const Values& values) {
+    out.write(values.data(), values.size() * sizeof *values.data());
   }
 
   // Corner, mid-side, corner, ... as one goes round an element.

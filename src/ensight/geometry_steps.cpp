@@ -13,7 +13,7 @@ namespace {
 
 // `bound` is what every coordinate lies within.
 template <typename Value>
-void determine(const LargeArray<Value>& values, Value bound, Value& minimum, Value& maximum) {
+void determine(const ZeroedTable<Value>& values, Value bound, Value& minimum, Value& maximum) {
   Value least = bound;
   Value greatest = -bound;
   for (const Value value : values) {

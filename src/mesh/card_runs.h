@@ -1,8 +1,7 @@
-// The one way through the lines of a .2dm file. A block of lines becomes runs of cards: values and
-// nothing else, which are put in their places afterwards. What a run holds depends on its text
-// alone.
+// A block of lines of a .2dm file becomes runs of cards: values and nothing else, which are put in
+// their places afterwards (see READ_CARDS). What a run holds depends on its text alone.
 //
-// What is kept of a card is up to who reads (MeshCards all of it, ElevationCards less). Each has
+// What is kept of a card is up to who reads (RecordCards all of it, others less). Each has
 //
 //   Node, Element      records with `id` and `line`, where the card began: characters from the
 //                      start of the text of its run
@@ -37,8 +36,9 @@ struct CardRun {
   std::array<typename Cards::Element, most> elements;
   std::size_t node_count = 0;  // one of the counts is 0
   std::size_t element_count = 0;
+  std::size_t length = 0;  // of its lines
 
-  void clear() { node_count = element_count = 0; }
+  void clear() { node_count = element_count = length = 0; }
 
   // Whether the card belongs to the table of the others, and has room.
   bool takes(MeshCard card) const {
@@ -78,16 +78,25 @@ template <typename Cards>
                                                        const char* line, CardRun<Cards>& run) {
   const bool is_node = card == MeshCard::node;
   QuickValues values(line + (is_node ? node_values_start : element_values_start));
-  if (!run.takes(card) || !TAKE_VALUES(cards, card, values, run)) return nullptr;
+  if (!TAKE_VALUES(cards, card, values, run)) return nullptr;
   const char* const end = values.end();
   return end != nullptr && end <= line + Cards::width ? end : nullptr;
 }
 
-// Reads the ordinary lines at the start of `text` (whole lines) into the run, as far as they belong
-// to one table and it has room, and passes over lines that say nothing. Returns the length of what
-// it read: 0 when the first line is out of the ordinary.
+// Takes the card of a line in whatever form it is written; false when a value cannot be read.
 template <typename Cards>
-std::size_t READ_RUN(const Cards& cards, std::string_view text, CardRun<Cards>& run) {
+[[gnu::noinline]] bool TAKE_SLOWLY(const Cards& cards, MeshCard card, std::string_view text,
+                                   CardRun<Cards>& run) {
+  const std::string_view line = LINE_AT(text, Cards::width);
+  ListValues values(line.substr(card == MeshCard::node ? node_values_start : element_values_start));
+  return TAKE_VALUES(cards, card, values, run);
+}
+
+// Reads the lines at the start of `text` (whole lines) into the run, as far as their cards belong
+// to one table and it has room, and passes over lines that say nothing. run.length becomes the
+// length of what it read: 0 when the first line is one that no run can take.
+template <typename Cards>
+void READ_RUN(const Cards& cards, std::string_view text, CardRun<Cards>& run) {
   const char* const start = text.data();
   const char* const end = start + text.size();
   const char* line = start;
@@ -98,8 +107,13 @@ std::size_t READ_RUN(const Cards& cards, std::string_view text, CardRun<Cards>& 
     if (card == MeshCard::other) {
       if (*line == mesh_part_card[0]) break;
     } else if (card != MeshCard::quad9 || cards.quad9() == Quad9Cards::are_read) {
+      if (!run.takes(card)) break;
       place = TAKE_QUICKLY(cards, card, line, run);
-      if (place == nullptr) break;
+      if (place == nullptr) {
+        place = line;
+        const std::string_view rest(line, static_cast<std::size_t>(end - line));
+        if (!TAKE_SLOWLY(cards, card, rest, run)) break;
+      }
       run.keep(card, static_cast<std::size_t>(line - start));
     } else if (cards.quad9() == Quad9Cards::are_refused) {
       break;
@@ -110,51 +124,14 @@ std::size_t READ_RUN(const Cards& cards, std::string_view text, CardRun<Cards>& 
     }
     line = place + 1;
   }
-  return static_cast<std::size_t>(line - start);
+  run.length = static_cast<std::size_t>(line - start);
 }
 
-// Reads a node or an element in whatever form its line is written; false when a value cannot be
-// read.
+// Length of the lines at the start of `text` that a run read there stands for: its own, or that of
+// the one line that no run can take.
 template <typename Cards>
-bool READ_LINE(const Cards& cards, std::string_view line, CardRun<Cards>& run) {
-  const MeshCard card = CARD_OF(line);
-  run.clear();
-  ListValues values(line.substr(card == MeshCard::node ? node_values_start : element_values_start));
-  if (!TAKE_VALUES(cards, card, values, run)) return false;
-  run.keep(card, 0);
-  return true;
-}
-
-// Hands all cards of a file to `tables`, in order, until one of its routines returns false:
-//
-//   place(run, text)      takes the cards of a run and the text in which their lines stand
-//   take_part(line)       takes a mesh part
-//   refuse_quad9()        is told of a 9-node quadrilateral that is refused
-//   stop_at(line)         is told of a line whose values cannot be read, the last thing there is
-template <typename Cards, typename Tables>
-void READ_CARDS(LineReader& reader, const Cards& cards, Tables& tables) {
-  CardRun<Cards> run;
-  const auto take_line = [&](std::string_view line) {
-    const MeshCard card = CARD_OF(line);
-    if (card == MeshCard::other) return true;
-    if (card == MeshCard::part) return tables.take_part(line);
-    if (card == MeshCard::quad9 && cards.quad9() == Quad9Cards::are_refused) {
-      return tables.refuse_quad9();
-    }
-    return READ_LINE(cards, line, run) ? tables.place(run, line) : tables.stop_at(line);
-  };
-  for (std::string_view text; reader.next_lines(text);) {
-    while (!text.empty()) {
-      std::size_t length = READ_RUN(cards, text, run);
-      const bool is_ordinary = length > 0;
-      if (!is_ordinary) length = text.find('\n') + 1;
-      const std::string_view lines = text.substr(0, length);
-      if (!(is_ordinary ? tables.place(run, lines) : take_line(LINE_AT(lines, Cards::width)))) {
-        return;
-      }
-      text.remove_prefix(length);
-    }
-  }
+std::size_t LENGTH_OF(const CardRun<Cards>& run, std::string_view text) {
+  return run.length > 0 ? run.length : text.find('\n') + 1;
 }
 
 }  // namespace quillet

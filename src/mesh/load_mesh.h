@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mesh/mesh.h"
+#include "mesh/mesh_geometry.h"
 
 namespace quillet {
 
@@ -19,6 +20,10 @@ namespace quillet {
 enum class ValuesPer { node, node_or_fv_element };
 void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expected_nodes,
                std::optional<std::int32_t> expected_cells, MESH_TYPE& mesh,
+               ValuesPer values = ValuesPer::node);
+// The same, keeping less: what the operations use.
+void LOAD_MESH(const std::string& file_name, std::optional<std::int32_t> expected_nodes,
+               std::optional<std::int32_t> expected_cells, MESH_GEOMETRY_TYPE& mesh,
                ValuesPer values = ValuesPer::node);
 
 }  // namespace quillet

@@ -43,7 +43,8 @@ struct MESH_PART_TYPE {
 // How the values of the cards are laid out, which the header line tells.
 enum class MeshForm { full, pre_2005, fv };
 
-struct MESH_TYPE {
+// What a file tells beside its nodes and elements.
+struct MESH_SUMMARY_TYPE {
   std::int32_t node_count = 0;
   std::int32_t element_count = 0;
   bool high_resolution = false;  // has 9-node quadrilaterals
@@ -52,14 +53,10 @@ struct MESH_TYPE {
   std::int32_t quad4_count = 0;
   std::int32_t quad9_count = 0;
   std::int32_t mesh_part_count = 0;
-  ZeroedTable<MESH_NODE_TYPE> nodes;
-  ZeroedTable<MESH_ELEMENT_TYPE> elements;
   double x_minimum = std::numeric_limits<double>::max();
   double x_maximum = std::numeric_limits<double>::lowest();
   double y_minimum = std::numeric_limits<double>::max();
   double y_maximum = std::numeric_limits<double>::lowest();
-  float z_minimum = 0;  // not filled by the reading
-  float z_maximum = 0;
   std::array<double, 7> geo_referencing{};
   float z_offset = 0;  // m, subtracted from flagged elevations
   bool pre_2005_format = false;
@@ -71,13 +68,20 @@ struct MESH_TYPE {
   }
 };
 
+struct MESH_TYPE : MESH_SUMMARY_TYPE {
+  ZeroedTable<MESH_NODE_TYPE> nodes;
+  ZeroedTable<MESH_ELEMENT_TYPE> elements;
+  float z_minimum = 0;  // not filled by the reading
+  float z_maximum = 0;
+};
+
 // Number of leading slots that hold nodes: 9, 4 or 3, and 0 for an element that has not been read.
 // The kind alone does not tell: a 9-node card that stands where none may turns the element before
 // it into one of kind 9.
-inline int NODE_COUNT_OF(const MESH_ELEMENT_TYPE& element) {
-  if (element.nodes[8] != 0) return 9;
-  if (element.nodes[3] != 0) return 4;
-  return element.nodes[0] != 0 ? 3 : 0;
+inline int NODE_COUNT_OF(const std::array<std::int32_t, 9>& nodes) {
+  if (nodes[8] != 0) return 9;
+  if (nodes[3] != 0) return 4;
+  return nodes[0] != 0 ? 3 : 0;
 }
 
 }  // namespace quillet

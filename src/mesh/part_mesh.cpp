@@ -19,10 +19,10 @@ class PartMaker {
  public:
   explicit PartMaker(PartMesh& target) : mesh(target) {}
 
-  void add(std::int32_t element_index, const MESH_ELEMENT_TYPE& source) {
+  void add(std::int32_t element_index, const std::array<std::int32_t, 9>& nodes) {
     element = element_index;
-    const auto node = [&](std::size_t slot) { return source.nodes[slot] - 1; };
-    const int count = NODE_COUNT_OF(source);
+    const auto node = [&](std::size_t slot) { return nodes[slot] - 1; };
+    const int count = NODE_COUNT_OF(nodes);
     if (count == 3) add_triangle(node(0), node(1), node(2));
     if (count == 4) add_quad({node(0), node(1), node(2), node(3)});
     if (count != 9) return;
@@ -75,21 +75,13 @@ class PartMaker {
   std::int32_t element = 0;
 };
 
-void take_nodes(ZeroedTable<MESH_NODE_TYPE> nodes, PartMesh& mesh) {
-  mesh.x.reserve(nodes.size());
-  mesh.y.reserve(nodes.size());
-  for (const MESH_NODE_TYPE& node : nodes) {
-    mesh.x.push_back(node.x);
-    mesh.y.push_back(node.y);
-  }
-}
-
-void take_elements(const MESH_TYPE& source, PartMesh& mesh) {
-  const std::size_t four_per_quad9 = 3 * static_cast<std::size_t>(source.quad9_count);
-  mesh.parts.reserve(source.elements.size() + four_per_quad9);
+void take_elements(const MESH_GEOMETRY_TYPE& source, PartMesh& mesh) {
+  const std::size_t count = source.corners.size();
+  mesh.parts.reserve(count + 3 * static_cast<std::size_t>(source.quad9_count));
   PartMaker maker(mesh);
-  std::int32_t index = 0;
-  for (const MESH_ELEMENT_TYPE& element : source.elements) maker.add(index++, element);
+  for (std::size_t i = 0; i < count; ++i) {
+    maker.add(static_cast<std::int32_t>(i), NODES_OF(source, i));
+  }
 }
 
 }  // namespace
@@ -100,14 +92,15 @@ double PartMesh::edge_tolerance() const {
                                            std::fabs(y_minimum), std::fabs(y_maximum)});
 }
 
-PartMesh MAKE_PART_MESH(MESH_TYPE mesh) try {
+PartMesh MAKE_PART_MESH(MESH_GEOMETRY_TYPE mesh) try {
   PartMesh result;
   result.element_count = mesh.element_count;
   result.x_minimum = mesh.x_minimum;
   result.x_maximum = mesh.x_maximum;
   result.y_minimum = mesh.y_minimum;
   result.y_maximum = mesh.y_maximum;
-  take_nodes(std::move(mesh.nodes), result);
+  result.x = std::move(mesh.x);
+  result.y = std::move(mesh.y);
   take_elements(mesh, result);
   return result;
 } catch (const std::bad_alloc&) {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "mesh/mesh.h"
+#include "mesh/mesh_geometry.h"
 #include "support/large_array.h"
 
 namespace quillet {
@@ -20,8 +20,8 @@ struct MeshPart {
 };
 
 struct PartMesh {
-  LargeArray<double> x;  // per node, m
-  LargeArray<double> y;
+  ZeroedTable<double> x;  // per node, m
+  ZeroedTable<double> y;
   LargeArray<MeshPart> parts;  // elements in the order of their ids
   std::int32_t element_count = 0;
   double x_minimum = 0;  // of all nodes
@@ -37,6 +37,6 @@ struct PartMesh {
 // around its centre. A quadrilateral with a re-entrant corner becomes the two triangles that meet
 // there. What has no area is left out. Frees the tables of the mesh. Ends the run when memory does
 // not suffice.
-PartMesh MAKE_PART_MESH(MESH_TYPE mesh);
+PartMesh MAKE_PART_MESH(MESH_GEOMETRY_TYPE mesh);
 
 }  // namespace quillet

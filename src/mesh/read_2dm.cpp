@@ -6,6 +6,7 @@
 
 #include "mesh/mesh_messages.h"
 #include "mesh/mesh_tables.h"
+#include "mesh/read_cards.h"
 #include "mesh/scan_2dm.h"
 #include "support/console.h"
 #include "support/line_reader.h"
@@ -16,7 +17,8 @@ namespace {
 // No card of a node or an element is shorter: "ND1 0 0 0" and its line end.
 constexpr std::int64_t shortest_card = 10;
 
-void say_reading(MeshTables& tables) {
+template <typename Store>
+void say_reading(MeshTables<Store>& tables) {
   SAY("Rewinding .2dm file...");
   SAY("   Done.");
   SAY("...reading .2dm file");
@@ -28,25 +30,34 @@ void say_reading(MeshTables& tables) {
   FAIL_ON_MESH_LINE(failure.line);
 }
 
-void finish(MeshTables& tables) {
+template <typename Store>
+void read_cards(const InputUnit& unit, MeshForm form, MeshTables<Store>& tables) {
+  using Cards = typename Store::Cards;
+  LineReader reader(unit, Cards::width);
+  READ_CARDS(reader, Cards{{form}}, tables);
+}
+
+template <typename Store>
+void finish(MeshTables<Store>& tables) {
   SAY("Finished Reading .2dm file");
   tables.finish();
 }
 
-}  // namespace
-
-void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
-  LineReader reader(unit, MeshCards::width);
-  MeshTables tables(reader, mesh.node_count, mesh.element_count, mesh);
-  READ_CARDS(reader, MeshCards{mesh.form()}, tables);
+template <typename Store>
+void read_scanned(const InputUnit& unit, typename Store::Mesh& mesh) try {
+  MeshTables<Store> tables(unit.size(), mesh.node_count, mesh.element_count, mesh);
+  read_cards(unit, mesh.form(), tables);
   say_reading(tables);
   if (tables.failure()) fail_with(*tables.failure(), unit);
   finish(tables);
   tables.check_counts(unit.name());
+} catch (const std::bad_alloc&) {
+  FAIL_ALLOCATION();
 }
 
-bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
-                      MESH_TYPE& mesh) try {
+template <typename Store>
+bool read_at_once(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
+                  typename Store::Mesh& mesh) try {
   const auto most = static_cast<std::int32_t>(std::min<std::int64_t>(
       unit.size() / shortest_card, std::numeric_limits<std::int32_t>::max()));
   const std::int32_t most_nodes =
@@ -54,9 +65,8 @@ bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expecte
   const std::int32_t most_cells = expected.cells.value_or(most);
   if (most_nodes > most || most_cells > most) return false;
 
-  LineReader reader(unit, MeshCards::width);
-  MeshTables tables(reader, most_nodes, most_cells, mesh);
-  READ_CARDS(reader, MeshCards{mesh.form()}, tables);
+  MeshTables<Store> tables(unit.size(), most_nodes, most_cells, mesh);
+  read_cards(unit, mesh.form(), tables);
   if (tables.failure() || !tables.is_complete()) return false;
   tables.store_counts();
   if (!expected.has_cells_of(mesh) || !expected.has_nodes_of(mesh)) return false;
@@ -67,6 +77,26 @@ bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expecte
   return true;
 } catch (const std::bad_alloc&) {
   return false;
+}
+
+}  // namespace
+
+void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
+  read_scanned<RecordStore>(unit, mesh);
+}
+
+void READ_2DM(const InputUnit& unit, MESH_GEOMETRY_TYPE& mesh) {
+  read_scanned<GeometryStore>(unit, mesh);
+}
+
+bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
+                      MESH_TYPE& mesh) {
+  return read_at_once<RecordStore>(unit, expected, mesh);
+}
+
+bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
+                      MESH_GEOMETRY_TYPE& mesh) {
+  return read_at_once<GeometryStore>(unit, expected, mesh);
 }
 
 }  // namespace quillet

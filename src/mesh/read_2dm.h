@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "mesh/mesh.h"
+#include "mesh/mesh_geometry.h"
 #include "support/input_unit.h"
 
 namespace quillet {
@@ -21,6 +22,8 @@ namespace quillet {
 // into one of kind 9, and leaves an element in the table that has not been read (see
 // NODE_COUNT_OF).
 void READ_2DM(const InputUnit& unit, MESH_TYPE& mesh);
+// The same, keeping less.
+void READ_2DM(const InputUnit& unit, MESH_GEOMETRY_TYPE& mesh);
 
 // The counts of the results, where they are known.
 struct EXPECTED_COUNTS_TYPE {
@@ -28,10 +31,10 @@ struct EXPECTED_COUNTS_TYPE {
   std::optional<std::int32_t> cells;
   bool may_be_per_element = false;  // `nodes` may be the number of elements as well
 
-  bool has_cells_of(const MESH_TYPE& mesh) const {
+  bool has_cells_of(const MESH_SUMMARY_TYPE& mesh) const {
     return mesh.element_count == cells.value_or(mesh.element_count);
   }
-  bool has_nodes_of(const MESH_TYPE& mesh) const {
+  bool has_nodes_of(const MESH_SUMMARY_TYPE& mesh) const {
     return mesh.node_count == nodes.value_or(mesh.node_count) ||
            (may_be_per_element && mesh.element_count == nodes);
   }
@@ -44,5 +47,7 @@ struct EXPECTED_COUNTS_TYPE {
 // when READ_2DM would end the run, or when memory does not suffice: the two passes then tell what
 // there is to be said.
 bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected, MESH_TYPE& mesh);
+bool READ_2DM_AT_ONCE(const InputUnit& unit, const EXPECTED_COUNTS_TYPE& expected,
+                      MESH_GEOMETRY_TYPE& mesh);
 
 }  // namespace quillet

@@ -8,8 +8,8 @@
 #include <new>
 #include <string_view>
 
-#include "mesh/card_runs.h"
 #include "mesh/mesh_messages.h"
+#include "mesh/read_cards.h"
 #include "mesh/seen_ids.h"
 #include "support/console.h"
 #include "support/line_reader.h"

@@ -25,7 +25,7 @@ constexpr std::size_t full_header_length = 83;
 constexpr std::size_t header_values_start = 10;
 
 // False when a value cannot be read. Values that the line does not have any more stay as they were.
-bool read_header_values(std::string_view line, MESH_TYPE& mesh) {
+bool read_header_values(std::string_view line, MESH_SUMMARY_TYPE& mesh) {
   ListValues values(line.substr(header_values_start));
   for (double& value : mesh.geo_referencing) {
     if (!values.value(value)) return values.ended();
@@ -33,14 +33,14 @@ bool read_header_values(std::string_view line, MESH_TYPE& mesh) {
   return mesh.pre_2005_format || values.value(mesh.z_offset) || values.ended();
 }
 
-void read_geo_referencing(std::string_view line, MESH_TYPE& mesh) {
+void read_geo_referencing(std::string_view line, MESH_SUMMARY_TYPE& mesh) {
   SAY("Reading geo-referencing information...");
   mesh.pre_2005_format = line.size() < full_header_length;
   if (!read_header_values(line, mesh)) FAIL_ON_MESH_LINE(line);
   if (mesh.pre_2005_format) SAY("Detected pre 2005-09-AF .2dm format.");
 }
 
-void scan_header(const InputUnit& unit, MESH_TYPE& mesh) {
+void scan_header(const InputUnit& unit, MESH_SUMMARY_TYPE& mesh) {
   LineReader reader(unit, line_width, header_block_size);
   std::string_view line;
   reader.next(line);
@@ -88,7 +88,7 @@ std::int32_t table_size(const InputUnit& unit, std::int64_t count) {
   return static_cast<std::int32_t>(count);
 }
 
-void store_counts(const InputUnit& unit, const CardCounts& found, MESH_TYPE& mesh) {
+void store_counts(const InputUnit& unit, const CardCounts& found, MESH_SUMMARY_TYPE& mesh) {
   mesh.node_count = table_size(unit, found.nodes);
   mesh.element_count = table_size(unit, found.triangles + found.quads4 + found.quads9);
   mesh.triangle_count = static_cast<std::int32_t>(found.triangles);
@@ -96,7 +96,7 @@ void store_counts(const InputUnit& unit, const CardCounts& found, MESH_TYPE& mes
   mesh.quad9_count = static_cast<std::int32_t>(found.quads9);
 }
 
-void say_counts(const MESH_TYPE& mesh) {
+void say_counts(const MESH_SUMMARY_TYPE& mesh) {
   SAY("Number of nodes: " + AINTEGER(mesh.node_count));
   SAY("Number of triangles: " + AINTEGER(mesh.triangle_count));
   SAY("Number of 4-node quads: " + AINTEGER(mesh.quad4_count));
@@ -106,17 +106,17 @@ void say_counts(const MESH_TYPE& mesh) {
 
 }  // namespace
 
-void SCAN_2DM_HEADER(const InputUnit& unit, MESH_TYPE& mesh) {
+void SCAN_2DM_HEADER(const InputUnit& unit, MESH_SUMMARY_TYPE& mesh) {
   scan_header(unit, mesh);
   SAY("...scanning .2dm file to determine size");
 }
 
-void SCAN_2DM(const InputUnit& unit, MESH_TYPE& mesh) {
+void SCAN_2DM(const InputUnit& unit, MESH_SUMMARY_TYPE& mesh) {
   store_counts(unit, count_cards(unit), mesh);
   FINISH_2DM_SCAN(mesh);
 }
 
-void FINISH_2DM_SCAN(MESH_TYPE& mesh) {
+void FINISH_2DM_SCAN(MESH_SUMMARY_TYPE& mesh) {
   SAY("Finished Scanning .2dm file");
   say_counts(mesh);
 

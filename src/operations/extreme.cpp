@@ -45,26 +45,27 @@ void read_file_extreme(Extreme extreme, OperationJob& job, ResultSource& source)
 
 // The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
 // Only levels of dry nodes mean nothing; every other quantity is 0 there.
-std::optional<MESH_TYPE> mesh_for_levels(const OperationJob& job) {
+std::optional<MESH_GEOMETRY_TYPE> mesh_for_levels(const OperationJob& job) {
   const auto& types = job.inputs.types;
   const bool has_levels = std::any_of(types.begin(), types.end(),
                                       [](const InputType& type) { return type.is_water_level; });
   if (!job.wet_dry_test || job.shape.is_vector || !has_levels) return std::nullopt;
   SAY("...need to read .2dm file for _h data type");
-  MESH_TYPE mesh;
+  MESH_GEOMETRY_TYPE mesh;
   LOAD_MESH(job.inputs.types.front().mesh_file, job.shape.node_count, job.shape.cell_count, mesh);
   return mesh;
 }
 
 // Inputs that tell no activity have every cell of the mesh active.
-void size_unknown_cells(OperationJob& job, const MESH_TYPE& mesh) {
+void size_unknown_cells(OperationJob& job, const MESH_GEOMETRY_TYPE& mesh) {
   if (job.shape.cell_count) return;
   WorkArrays& work = job.work;
   SIZE_STATUSES(work.result, mesh.element_count);
   SIZE_STATUSES(work.file.record, mesh.element_count);
 }
 
-void fold_inputs(Extreme extreme, OperationJob& job, const std::optional<MESH_TYPE>& mesh) {
+void fold_inputs(Extreme extreme, OperationJob& job,
+                 const std::optional<MESH_GEOMETRY_TYPE>& mesh) {
   RES_TYPE& overall = job.work.result;
   std::vector<std::uint8_t> node_counts;
   RESET_RECORD(overall, INITIAL_STATUS(extreme));
@@ -111,7 +112,7 @@ void RUN_EXTREME(Extreme extreme, OperationJob& job) {
   if (job.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
   }
-  const std::optional<MESH_TYPE> mesh = mesh_for_levels(job);
+  const std::optional<MESH_GEOMETRY_TYPE> mesh = mesh_for_levels(job);
   if (mesh) size_unknown_cells(job, *mesh);
   fold_inputs(extreme, job, mesh);
   write_maps(extreme, job);

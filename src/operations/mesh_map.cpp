@@ -60,7 +60,7 @@ void MeshMap::load_mesh() {
   const bool may_be_per_element = !cells || *cells == node_count;
   const auto nodes = may_be_per_element ? std::nullopt : std::optional(node_count);
   const std::string& name = job.inputs.types.front().mesh_file;
-  MESH_TYPE loaded;
+  MESH_GEOMETRY_TYPE loaded;
   SAY("Need to read 2dm file.");
   LOAD_MESH(name, nodes, cells, loaded);
   const bool has_other_nodes = loaded.node_count != node_count;

@@ -15,7 +15,7 @@ namespace {
 using testing::Workspace;
 
 EnsightMesh loaded(const std::string& text) {
-  MESH_TYPE mesh;
+  MESH_GEOMETRY_TYPE mesh;
   test::console_of_returning(
       [&] { LOAD_MESH(test::text_file("mesh.2dm", text), std::nullopt, std::nullopt, mesh); });
   return MAKE_ENSIGHT_MESH(std::move(mesh));

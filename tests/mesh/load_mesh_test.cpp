@@ -139,6 +139,21 @@ TEST_P(LoadedMeshes, hold_what_the_text_states_whichever_way_they_are_read) {
   };
 
   const std::string path = test::text_file("mesh.2dm", text);
+  const auto expect_geometry = [&](Count cells) {
+    MESH_GEOMETRY_TYPE mesh;
+    std::string console =
+        test::console_of_returning([&] { LOAD_MESH(path, node_count, cells, mesh); });
+    EXPECT_TRUE(std::ranges::equal(mesh.x, naive.nodes, {}, {}, &MESH_NODE_TYPE::x));
+    EXPECT_TRUE(std::ranges::equal(mesh.y, naive.nodes, {}, {}, &MESH_NODE_TYPE::y));
+    EXPECT_TRUE(std::ranges::equal(mesh.z, naive.nodes, {}, {}, &MESH_NODE_TYPE::z));
+    EXPECT_EQ(mesh.corners.size(), naive.elements.size());
+    for (std::size_t i = 0; i < mesh.corners.size(); ++i) {
+      EXPECT_EQ(NODES_OF(mesh, i), naive.elements[i].nodes) << i;
+    }
+    EXPECT_EQ(std::tuple(mesh.x_minimum, mesh.x_maximum, mesh.y_minimum, mesh.y_maximum),
+              extents(naive));
+    return console;
+  };
   const auto expect_naive = [&](Count cells) {
     MESH_TYPE mesh;
     std::string console =
@@ -155,6 +170,8 @@ TEST_P(LoadedMeshes, hold_what_the_text_states_whichever_way_they_are_read) {
   };
   const std::string console = expect_naive(cell_count);
   EXPECT_EQ(console, expect_naive(std::nullopt));
+  EXPECT_EQ(console, expect_geometry(cell_count));
+  EXPECT_EQ(console, expect_geometry(std::nullopt));
   EXPECT_EQ(console.find("Element:   10000\n") == std::string::npos, nine_nodes);
   EXPECT_TRUE(is_read_at_once(path, node_count, cell_count));
   EXPECT_TRUE(is_read_at_once(path, std::nullopt, std::nullopt));

@@ -18,25 +18,27 @@ namespace {
 
 using Elements = std::vector<std::vector<int>>;  // node ids: corners, mid-sides, centre
 
-MESH_TYPE make_mesh(const std::vector<MapPoint>& nodes, const Elements& elements) {
-  MESH_TYPE mesh;
-  mesh.nodes.grow(nodes.size());
+MESH_GEOMETRY_TYPE make_mesh(const std::vector<MapPoint>& nodes, const Elements& elements) {
+  MESH_GEOMETRY_TYPE mesh;
+  mesh.x.grow(nodes.size());
+  mesh.y.grow(nodes.size());
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const MapPoint& place = nodes[i];
-    mesh.nodes[i].x = place.x;
-    mesh.nodes[i].y = place.y;
+    mesh.x[i] = place.x;
+    mesh.y[i] = place.y;
     mesh.x_minimum = std::min(mesh.x_minimum, place.x);
     mesh.x_maximum = std::max(mesh.x_maximum, place.x);
     mesh.y_minimum = std::min(mesh.y_minimum, place.y);
     mesh.y_maximum = std::max(mesh.y_maximum, place.y);
   }
-  mesh.elements.grow(elements.size());
+  mesh.corners.grow(elements.size());
+  mesh.inner_nodes.grow(elements.size());
   for (std::size_t i = 0; i < elements.size(); ++i) {
     const std::vector<int>& ids = elements[i];
-    MESH_ELEMENT_TYPE& element = mesh.elements[i];
-    element.kind = static_cast<std::int32_t>(ids.size());
-    std::copy(ids.begin(), ids.end(), element.nodes.begin());
-    if (element.kind == 9) ++mesh.quad9_count;
+    const auto corners_end = ids.begin() + std::min<std::ptrdiff_t>(std::ssize(ids), 4);
+    std::copy(ids.begin(), corners_end, mesh.corners[i].begin());
+    std::copy(corners_end, ids.end(), mesh.inner_nodes[i].begin());
+    if (ids.size() == 9) ++mesh.quad9_count;
   }
   mesh.node_count = static_cast<std::int32_t>(nodes.size());
   mesh.element_count = static_cast<std::int32_t>(elements.size());

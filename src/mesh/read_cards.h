@@ -1,0 +1,124 @@
+// The one way through the lines of a .2dm file. Helpers, where there are any, read the blocks of a
+// large file ahead; what is found is put in its places, and told, in the order of the file, by the
+// caller's thread.
+//
+// What takes the cards has routines that return false when there is nothing more to read:
+//
+//   place(run, text)      takes the cards of a run and the text in which their lines stand
+//   take_part(line)       takes a mesh part
+//   refuse_quad9()        is told of a 9-node quadrilateral that is refused
+//   stop_at(line)         is told of a line whose values cannot be read, the last thing there is
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mesh/card_runs.h"
+#include "support/line_reader.h"
+#include "support/work_crew.h"
+
+namespace quillet {
+
+// Takes a line that no run can take.
+template <typename Cards, typename Tables>
+bool TAKE_LINE(const Cards& cards, std::string_view line, Tables& tables) {
+  const MeshCard card = CARD_OF(line);
+  if (card == MeshCard::other) return true;
+  if (card == MeshCard::part) return tables.take_part(line);
+  if (card == MeshCard::quad9 && cards.quad9() == Quad9Cards::are_refused) {
+    return tables.refuse_quad9();
+  }
+  return tables.stop_at(line);
+}
+
+// Takes what was read at the start of `text`, and goes past it.
+template <typename Cards, typename Tables>
+bool TAKE_RUN(const Cards& cards, const CardRun<Cards>& run, std::string_view& text,
+              Tables& tables) {
+  const std::string_view lines = text.substr(0, LENGTH_OF(run, text));
+  text.remove_prefix(lines.size());
+  return run.length > 0 ? tables.place(run, lines)
+                        : TAKE_LINE(cards, LINE_AT(lines, Cards::width), tables);
+}
+
+template <typename Cards, typename Tables>
+bool TAKE_LINES(const Cards& cards, std::string_view text, CardRun<Cards>& run, Tables& tables) {
+  while (!text.empty()) {
+    READ_RUN(cards, text, run);
+    if (!TAKE_RUN(cards, run, text, tables)) return false;
+  }
+  return true;
+}
+
+// A block of lines that is read ahead.
+template <typename Cards>
+class PieceOfLines {
+ public:
+  PieceOfLines() : runs(most_runs) {}
+
+  void start(const Cards& cards, std::string_view lines) {
+    text = lines;
+    job.start([this, &cards] { read(cards); });
+  }
+
+  template <typename Tables>
+  bool take(const Cards& cards, Tables& tables) {
+    job.finish();
+    std::string_view rest = text;
+    for (std::size_t i = 0; i < run_count; ++i) {
+      if (!TAKE_RUN(cards, runs[i], rest, tables)) return false;
+    }
+    return TAKE_LINES(cards, rest, runs.front(), tables);
+  }
+
+ private:
+  // Enough for a block of ordinary lines. What is beyond them, where nodes and elements alternate,
+  // is read when its turn comes.
+  static constexpr std::size_t most_runs = 40;
+
+  void read(const Cards& cards) {
+    std::string_view rest = text;
+    for (run_count = 0; run_count < most_runs && !rest.empty(); ++run_count) {
+      READ_RUN(cards, rest, runs[run_count]);
+      rest.remove_prefix(LENGTH_OF(runs[run_count], rest));
+    }
+  }
+
+  std::string text;
+  std::vector<CardRun<Cards>> runs;
+  std::size_t run_count = 0;
+  CrewJob job;  // last: it ends before what it works on
+};
+
+// Each thread has a piece to work on, and two wait.
+template <typename Cards, typename Tables>
+void READ_CARDS_AHEAD(LineReader& reader, const Cards& cards, Tables& tables) {
+  std::vector<PieceOfLines<Cards>> pieces(static_cast<std::size_t>(WORK_CREW().threads()) + 2);
+  std::size_t taken = 0;
+  std::size_t started = 0;
+  do {
+    std::string_view lines;
+    while (started - taken < pieces.size() && reader.next_lines(lines)) {
+      pieces[started++ % pieces.size()].start(cards, lines);
+    }
+  } while (taken < started && pieces[taken++ % pieces.size()].take(cards, tables));
+}
+
+// Throws std::bad_alloc.
+template <typename Cards, typename Tables>
+void READ_CARDS(LineReader& reader, const Cards& cards, Tables& tables) {
+  // A smaller file is read in the time that it takes to start a thread and wake it.
+  constexpr std::int64_t least_shared = std::int64_t{8} << 20;
+  if (WORK_CREW().has_helpers() && reader.bytes_left() >= least_shared) {
+    return READ_CARDS_AHEAD(reader, cards, tables);
+  }
+  CardRun<Cards> run;
+  for (std::string_view text; reader.next_lines(text);) {
+    if (!TAKE_LINES(cards, text, run, tables)) return;
+  }
+}
+
+}  // namespace quillet
