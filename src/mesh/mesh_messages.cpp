@@ -21,7 +21,7 @@ namespace {
 
 std::string SHOWN_LINE(std::string_view line) {
   std::string shown(line);
-  const auto is_control = [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; };
+  const auto is_control = [](unsigned char c) { return c < ' ' || c == 0x7F; };
   std::replace_if(shown.begin(), shown.end(), is_control, ' ');
   shown.resize(TRIMF(shown).size());
   return shown;
