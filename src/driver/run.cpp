@@ -19,6 +19,7 @@
 #include "support/progress_console.h"
 #include "support/run_tally.h"
 #include "support/standard_console.h"
+#include "support/system_crash.h"
 #include "support/terminal.h"
 #include "support/version.h"
 #include "support/work_crew.h"
@@ -144,6 +145,7 @@ int RUN_QUILLET(const std::vector<std::string>& arguments, Console& console) {
   RUN_TALLY() = {};
   WRITTEN_VALUES() = {};
   const EarlyOptions early = FIND_EARLY_OPTIONS(arguments);
+  END_CRASHES_IN_A_LINE({.waits_for_enter = !early.strict, .status = early.strict ? 1 : 0});
   UnattendedConsole unattended(console);
   Console& used = early.strict ? static_cast<Console&>(unattended) : console;
   const ConsoleInUse in_use(used);

@@ -133,7 +133,9 @@ ChildEnd Child::wait() {
   if (process->id.value == nullptr) return process->end;
   std::string said;
   const bool is_over = follow(process->id.value, process->letters.value, process->patience, said);
-  return {!is_over ? How::stuck : IS_DONE(said) ? How::done : How::died, {}};
+  if (!is_over) return {How::stuck, {}};
+  if (said.empty()) return {How::not_started, "it could not be set up"};
+  return {IS_DONE(said) ? How::done : How::died, {}};
 }
 
 bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTask& task,
@@ -144,7 +146,9 @@ bool IS_CHILD_OF_ITSELF(const std::vector<std::string>& arguments, const ChildTa
   }
   // A crash shows no window.
   ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+  ::HeapSetInformation(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
   constexpr SystemFile standard_output = 1;
+  WRITE_SOME(standard_output, &child_started, 1);
   ChildReport report(standard_output);
   task.perform(arguments[2], report);
   status = 0;

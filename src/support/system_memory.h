@@ -13,4 +13,7 @@ void FREE_ALIGNED_MEMORY(void* memory);
 // Asks for large pages behind this memory. A hint; the system may not have them.
 void PREFER_LARGE_PAGES(void* memory, std::size_t size);
 
+// False when something has written beyond its memory and the system can tell.
+bool HEAP_IS_SOUND();
+
 }  // namespace quillet

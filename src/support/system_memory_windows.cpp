@@ -1,4 +1,9 @@
+#include <windows.h>
+// windows.h comes first: the others need its types.
 #include <malloc.h>
+
+#include <algorithm>
+#include <array>
 
 #include "support/system_memory.h"
 
@@ -13,5 +18,13 @@ void FREE_ALIGNED_MEMORY(void* memory) {
 }
 
 void PREFER_LARGE_PAGES(void*, std::size_t) {}
+
+bool HEAP_IS_SOUND() {
+  std::array<HANDLE, 64> heaps{};
+  const DWORD found = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+  const std::size_t count = std::min<std::size_t>(found, heaps.size());
+  return std::all_of(heaps.begin(), heaps.begin() + count,
+                     [](HANDLE heap) { return ::HeapValidate(heap, 0, nullptr) != 0; });
+}
 
 }  // namespace quillet

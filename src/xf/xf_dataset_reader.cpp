@@ -18,6 +18,7 @@
 namespace quillet {
 
 struct XfGroupState {
+  std::string file_name;
   XfGroupHandle id;
   hsize_t file_size = 0;
   int descriptor = -1;            // of the file, as XfFileState has it
@@ -153,6 +154,7 @@ XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& g
   hsize_t size = 0;
   if (H5Fget_filesize(file.id.get(), &size) < 0) return XF_FAILURE("the file has no size");
   group.reset(new XfGroupState{});
+  group->file_name = file.opened_name;
   group->id = std::move(id);
   group->file_size = size;
   group->descriptor = file.descriptor;
@@ -163,22 +165,26 @@ XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& g
 }  // namespace
 
 void XfGroupCloser::operator()(XfGroupState* state) const {
+  const std::string file_name = state->file_name;
+  const FileAtRisk reading(file_name, xf_fatal_damage);
   delete state;
 }
 
 XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& group) {
-  return xf_guard_memory([&] { return open_group(*file, path, group); });
+  return xf_guard_reading(file->opened_name, [&] { return open_group(*file, path, group); });
 }
 
 XfStatus XF_CLOSE_GROUP(XfGroup& group) {
   if (!group) return {};
+  const std::string file_name = group->file_name;
+  const FileAtRisk reading(file_name, xf_fatal_damage);
   const bool closed = group->id.close();
   group.reset();
   return closed ? XfStatus{} : XF_FAILURE("the group cannot be closed");
 }
 
 XfStatus XF_GET_DATASET_NUMVALS(const XfGroup& group, std::int32_t& count) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = open_values(*group);
     if (status.ok()) count = static_cast<std::int32_t>(group->values->columns());
     return status;
@@ -187,7 +193,7 @@ XfStatus XF_GET_DATASET_NUMVALS(const XfGroup& group, std::int32_t& count) {
 
 XfStatus XF_GET_DATASET_NUMACTIVE(const XfGroup& group, std::int32_t& count) {
   count = 0;
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = open_activity(*group);
     if (group->activity) count = static_cast<std::int32_t>(group->activity->columns());
     return status;
@@ -195,6 +201,7 @@ XfStatus XF_GET_DATASET_NUMACTIVE(const XfGroup& group, std::int32_t& count) {
 }
 
 XfStatus XF_GET_DATASET_TIME_UNITS(const XfGroup& group, std::string& units) {
+  const FileAtRisk reading(group->file_name, xf_fatal_damage);
   const std::optional<std::string> text = xf_attribute_text(group->id.get(), "TimeUnits");
   if (!text) return XF_FAILURE("TimeUnits is missing or no text");
   units = *text;
@@ -202,7 +209,7 @@ XfStatus XF_GET_DATASET_TIME_UNITS(const XfGroup& group, std::string& units) {
 }
 
 XfStatus XF_GET_DATASET_NUM_TIMES(const XfGroup& group, std::int32_t& count) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = load_times(*group);
     if (status.ok()) count = static_cast<std::int32_t>(group->times->size());
     return status;
@@ -210,7 +217,7 @@ XfStatus XF_GET_DATASET_NUM_TIMES(const XfGroup& group, std::int32_t& count) {
 }
 
 XfStatus XF_GET_DATASET_TIMES(const XfGroup& group, std::vector<double>& times) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = load_times(*group);
     if (status.ok()) times = *group->times;
     return status;
@@ -219,7 +226,7 @@ XfStatus XF_GET_DATASET_TIMES(const XfGroup& group, std::vector<double>& times) 
 
 XfStatus XF_READ_SCALAR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> values) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = prepare_values(*group, scalar_rank, output_time, values.size());
     if (!status.ok()) return status;
     return read_row(*group, *group->values, output_time, values.data());
@@ -228,7 +235,7 @@ XfStatus XF_READ_SCALAR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
 
 XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> pairs) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = prepare_values(*group, vector_rank, output_time, pairs.size() / 2);
     if (!status.ok()) return status;
     return read_row(*group, *group->values, output_time, pairs.data());
@@ -237,7 +244,7 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
 
 XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                         std::span<float> x, std::span<float> y) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = prepare_values(*group, vector_rank, output_time, x.size());
     if (status.ok()) status = check_count("y components", x.size(), y.size());
     if (!status.ok()) return status;
@@ -247,19 +254,21 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
 
 XfStatus XF_READ_SCALAR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
                                          std::size_t value_count, const XfValueSink& sink) {
-  return xf_guard_memory(
-      [&] { return read_in_pieces(*group, scalar_rank, output_time, value_count, sink); });
+  return xf_guard_reading(group->file_name, [&] {
+    return read_in_pieces(*group, scalar_rank, output_time, value_count, sink);
+  });
 }
 
 XfStatus XF_READ_VECTOR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t output_time,
                                          std::size_t value_count, const XfValueSink& sink) {
-  return xf_guard_memory(
-      [&] { return read_in_pieces(*group, vector_rank, output_time, value_count, sink); });
+  return xf_guard_reading(group->file_name, [&] {
+    return read_in_pieces(*group, vector_rank, output_time, value_count, sink);
+  });
 }
 
 XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                    std::span<std::int8_t> flags) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(group->file_name, [&] {
     XfStatus status = open_activity(*group);
     // An Active without columns is as good as none.
     if (!group->activity || group->activity->columns() == 0) return status;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/file_at_risk.h"
 #include "xf/xf_status.h"
 
 namespace quillet {
@@ -39,6 +40,17 @@ XfStatus xf_guard_memory(Operation operation) {
   } catch (const std::length_error&) {
     return no_memory;
   }
+}
+
+// Of a file whose damage crashes HDF5.
+constexpr const char* xf_fatal_damage =
+    "expected intact HDF5 headers, found damage that HDF5 cannot cope with";
+
+// The same for what reads an open file.
+template <typename Operation>
+XfStatus xf_guard_reading(const std::string& file_name, Operation operation) {
+  const FileAtRisk reading(file_name, xf_fatal_damage);
+  return xf_guard_memory(operation);
 }
 
 }  // namespace quillet

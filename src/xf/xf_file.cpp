@@ -134,7 +134,7 @@ XfStatus list_once(XfFileState& file) {
 
 XfStatus get_paths(const XfFile& file, std::vector<std::string> XfDatasetPaths::*kind,
                    std::vector<std::string>& paths) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(file->opened_name, [&] {
     XfStatus status = list_once(*file);
     if (status.ok()) paths = (*file->paths).*kind;
     return status;
@@ -143,7 +143,7 @@ XfStatus get_paths(const XfFile& file, std::vector<std::string> XfDatasetPaths::
 
 XfStatus get_info(const XfFile& file, std::vector<std::string> XfDatasetPaths::*kind,
                   XfDatasetsInfo& info) {
-  return xf_guard_memory([&] {
+  return xf_guard_reading(file->opened_name, [&] {
     XfStatus status = list_once(*file);
     if (!status.ok()) return status;
     const std::vector<std::string>& paths = (*file->paths).*kind;
@@ -167,6 +167,7 @@ XfStatus open_file(const std::string& name, XfFile& file) {
   status = check_root(opened.get());
   if (!status.ok()) return status;
   file.reset(new XfFileState(std::move(opened), ""));
+  file->opened_name = name;
   file->descriptor = descriptor_of(file->id.get());
   file->opened_size = SYSTEM_FILE_SIZE(file->descriptor);
   return {};
@@ -188,6 +189,7 @@ XfStatus create_xmdf_file(const std::string& name, XfFile& file) {
 }  // namespace
 
 XfFileState::~XfFileState() {
+  const FileAtRisk reading(opened_name, xf_fatal_damage);
   id.close();
   if (!created_name.empty()) give_back_reserve(created_name);
 }
@@ -197,7 +199,7 @@ void XfFileCloser::operator()(XfFileState* state) const {
 }
 
 XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
-  return xf_guard_memory([&] { return open_file(name, file); });
+  return xf_guard_reading(name, [&] { return open_file(name, file); });
 }
 
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
@@ -223,6 +225,7 @@ XfStatus XF_CLOSE_FILE(XfFile& file) {
 }
 
 XfStatus XF_GET_LIBRARY_VERSION_FILE(const XfFile& file, float& version) {
+  const FileAtRisk reading(file->opened_name, xf_fatal_damage);
   const XfStatus missing = XF_FAILURE("File Version is missing or no number");
   const XfMember member = xf_open_member(file->id.get(), file_version_name, H5P_DEFAULT);
   const hid_t dataset = member.dataset.get();

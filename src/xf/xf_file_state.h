@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "xf/xf_handle.h"
@@ -22,6 +23,7 @@ struct XfFileState {
   XfFileHandle id;
   std::optional<XfDatasetPaths> paths;  // once they have been asked for
   std::filesystem::path created_name;   // of a file that is being written; else empty
+  std::string opened_name;              // of a file that is read; else empty
   // Of a file that is read: the system's handle, and the bytes when it was opened, or -1.
   int descriptor = -1;
   std::int64_t opened_size = -1;

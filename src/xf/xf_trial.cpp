@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "support/interrupt.h"
+#include "support/system_memory.h"
 #include "support/work_crew.h"
 #include "xf/xf_dataset_reader.h"
 #include "xf/xf_errors.h"
@@ -79,7 +80,7 @@ void try_item(const std::string& item, ChildReport& report) {
   if (errno == ENOMEM) return;
   // Memory that HDF5 has overwritten is noticed at the latest when it gives back what it kept.
   H5garbage_collect();
-  report.done();
+  if (HEAP_IS_SOUND()) report.done();
 }
 
 std::string seconds_of(std::chrono::milliseconds time) {
@@ -92,7 +93,7 @@ XfStatus status_of(const ChildEnd& end, std::chrono::milliseconds patience) {
     case ChildEnd::How::done:
       break;
     case ChildEnd::How::died:
-      return XF_FAILURE(expected + "damage that HDF5 cannot cope with");
+      return XF_FAILURE(xf_fatal_damage);
     case ChildEnd::How::stuck:
       return XF_FAILURE(expected + "no progress in reading them for " + seconds_of(patience) +
                         " s");
