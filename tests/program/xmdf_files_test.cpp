@@ -94,7 +94,9 @@ TEST(XmdfActivity, ThatIsMissingMakesEveryCellWet) {
 
 void expect_failure_line(const RunResult& run, const std::string& line) {
   const std::string end = "\n" + line + "\n\nPress Enter to Close\n";
-  ASSERT_GT(run.output.size(), end.size());
+  ASSERT_GT(run.output.size(), end.size())
+      << "exit status " << run.exit_status << ", signal " << run.signal << ", output:\n"
+      << run.output;
   EXPECT_EQ(run.output.substr(run.output.size() - end.size()), end) << run.output;
   EXPECT_TRUE(run.ended_well());
 }
