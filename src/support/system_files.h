@@ -20,6 +20,10 @@ std::string SYSTEM_REASON();
 // (a folder, a pipe, a device). Other programs may read, write, rename and remove it meanwhile.
 SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::string& reason);
 
+// The same open file once more, to be closed by itself: reading one moves no position of the other.
+// no_file when the system has none to give.
+SystemFile SECOND_SYSTEM_FILE(SystemFile file);
+
 // Opens a file for writing, made when it is not there and otherwise left as it is; no_file and the
 // reason also for a link and for anything but a regular file.
 SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason);

@@ -45,6 +45,11 @@ SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::s
   return file;
 }
 
+// Reads here tell the system their position.
+SystemFile SECOND_SYSTEM_FILE(SystemFile file) {
+  return ::fcntl(file, F_DUPFD_CLOEXEC, 0);
+}
+
 SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason) {
   constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
   struct stat status {};

@@ -173,6 +173,13 @@ SystemFile OPEN_REGULAR_FILE(const std::string& name, std::int64_t& size, std::s
   return file;
 }
 
+// Two descriptors of one handle would share its position.
+SystemFile SECOND_SYSTEM_FILE(SystemFile file) {
+  const HANDLE second = ::ReOpenFile(handle_of(file), GENERIC_READ, share_all, 0);
+  std::string reason;
+  return second == INVALID_HANDLE_VALUE ? no_file : descriptor_of(second, reason);
+}
+
 SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason) {
   return open_on_disk(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT,
                       reason);

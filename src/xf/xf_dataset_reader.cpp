@@ -20,9 +20,9 @@ namespace quillet {
 struct XfGroupState {
   std::string file_name;
   XfGroupHandle id;
-  hsize_t file_size = 0;
-  int descriptor = -1;            // of the file, as XfFileState has it
-  std::int64_t opened_size = -1;  // likewise
+  XfStoredFile file;
+  SystemFile descriptor = no_file;  // of the file, as XfFileState has it
+  std::int64_t opened_size = -1;    // likewise
   // Opened when first asked for.
   std::unique_ptr<XfRowReader> values;
   std::unique_ptr<XfRowReader> activity;
@@ -54,7 +54,7 @@ XfStatus with_size_checked(const XfGroupState& group, XfStatus status) {
 }
 
 XfStatus open_times(const XfGroupState& group, XfRowReader& reader) {
-  return reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file_size);
+  return reader.open_numbers(group.id.get(), "Times", 1, H5T_NATIVE_DOUBLE, group.file);
 }
 
 XfStatus load_times(XfGroupState& group) {
@@ -73,7 +73,7 @@ XfStatus open_values(XfGroupState& group) {
   if (group.values) return {};
   auto reader = std::make_unique<XfRowReader>();
   XfStatus status = reader->open_numbers(group.id.get(), "Values", xf_scalar_or_vector,
-                                         H5T_NATIVE_FLOAT, group.file_size);
+                                         H5T_NATIVE_FLOAT, group.file);
   if (status.ok()) group.values = std::move(reader);
   return status;
 }
@@ -84,7 +84,7 @@ XfStatus open_activity(XfGroupState& group) {
   if (group.activity) return {};
   if (xf_look_for_member(group.id.get(), "Active") == XfMember::State::absent) return {};
   auto reader = std::make_unique<XfRowReader>();
-  XfStatus status = reader->open_flags(group.id.get(), "Active", group.file_size);
+  XfStatus status = reader->open_flags(group.id.get(), "Active", group.file);
   if (status.ok()) group.activity = std::move(reader);
   return status;
 }
@@ -151,12 +151,10 @@ XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
 XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& group) {
   XfGroupHandle id(H5Gopen2(file.id.get(), path.c_str(), H5P_DEFAULT));
   if (!id.valid()) return XF_FAILURE("there is no group of this path");
-  hsize_t size = 0;
-  if (H5Fget_filesize(file.id.get(), &size) < 0) return XF_FAILURE("the file has no size");
   group.reset(new XfGroupState{});
   group->file_name = file.opened_name;
   group->id = std::move(id);
-  group->file_size = size;
+  group->file = file.stored;
   group->descriptor = file.descriptor;
   group->opened_size = file.opened_size;
   return {};

@@ -28,6 +28,23 @@ XfPropertiesHandle access_properties() {
   return properties;
 }
 
+// HDF5 keeps what it meets of headers and lists of chunks, in several times the memory that they
+// take in the file. It must not be more the more output times there are.
+XfPropertiesHandle properties_for_reading() {
+  constexpr std::size_t kept_bytes = std::size_t{256} << 10;
+  XfPropertiesHandle properties = access_properties();
+  H5AC_cache_config_t cache{};
+  cache.version = H5AC__CURR_CACHE_CONFIG_VERSION;
+  if (H5Pget_mdc_config(properties.get(), &cache) < 0) return properties;
+  cache.set_initial_size = true;
+  cache.initial_size = cache.min_size = cache.max_size = kept_bytes;
+  cache.incr_mode = H5C_incr__off;
+  cache.flash_incr_mode = H5C_flash_incr__off;
+  cache.decr_mode = H5C_decr__off;
+  H5Pset_mdc_config(properties.get(), &cache);
+  return properties;
+}
+
 // A pipe or a device is not opened, nor a file that another program holds locked because it is
 // writing it. No lock is kept: who wants to go on writing the file must not be refused.
 XfStatus check_input(const std::string& name) {
@@ -159,17 +176,20 @@ XfStatus open_file(const std::string& name, XfFile& file) {
   xf_prepare_hdf5();
   XfStatus status = check_input(name);
   if (!status.ok()) return status;
-  const XfPropertiesHandle access = access_properties();
+  const XfPropertiesHandle access = properties_for_reading();
   // Inflated chunks are kept only where a table asks for it.
   H5Pset_cache(access.get(), 0, 0, 0, H5D_CHUNK_CACHE_W0_DEFAULT);
   XfFileHandle opened(H5Fopen(name.c_str(), H5F_ACC_RDONLY, access.get()));
   if (!opened.valid()) return opening_failure(name, xf_last_error());
   status = check_root(opened.get());
   if (!status.ok()) return status;
+  hsize_t size = 0;
+  if (H5Fget_filesize(opened.get(), &size) < 0) return XF_FAILURE("the file has no size");
   file.reset(new XfFileState(std::move(opened), ""));
   file->opened_name = name;
   file->descriptor = descriptor_of(file->id.get());
   file->opened_size = SYSTEM_FILE_SIZE(file->descriptor);
+  file->stored = XfStoredFile(file->descriptor, size);
   return {};
 }
 

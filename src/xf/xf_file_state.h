@@ -7,8 +7,10 @@
 #include <string>
 #include <utility>
 
+#include "support/system_files.h"
 #include "xf/xf_handle.h"
 #include "xf/xf_paths.h"
+#include "xf/xf_stored_file.h"
 
 namespace quillet {
 
@@ -24,9 +26,10 @@ struct XfFileState {
   std::optional<XfDatasetPaths> paths;  // once they have been asked for
   std::filesystem::path created_name;   // of a file that is being written; else empty
   std::string opened_name;              // of a file that is read; else empty
-  // Of a file that is read: the system's handle, and the bytes when it was opened, or -1.
-  int descriptor = -1;
+  // Of a file that is read: HDF5's handle of the system's, and the bytes when it was opened, or -1.
+  SystemFile descriptor = no_file;
   std::int64_t opened_size = -1;
+  XfStoredFile stored;
 };
 
 }  // namespace quillet

@@ -8,8 +8,8 @@
 namespace quillet {
 
 XfStatus XfRowReader::open_numbers(hid_t group, const char* name, int rank, hid_t wanted_type,
-                                   hsize_t file_size) {
-  XfStatus status = xf_open_table(group, name, rank, file_size, table);
+                                   const XfStoredFile& file) {
+  XfStatus status = xf_open_table(group, name, rank, file, table);
   if (!status.ok()) return status;
   if (!xf_is_number(table.stored_type.get())) {
     return XF_FAILURE(std::string(name) + " holds no numbers");
@@ -18,8 +18,8 @@ XfStatus XfRowReader::open_numbers(hid_t group, const char* name, int rank, hid_
   return {};
 }
 
-XfStatus XfRowReader::open_flags(hid_t group, const char* name, hsize_t file_size) {
-  XfStatus status = xf_open_table(group, name, 2, file_size, table);
+XfStatus XfRowReader::open_flags(hid_t group, const char* name, const XfStoredFile& file) {
+  XfStatus status = xf_open_table(group, name, 2, file, table);
   if (!status.ok()) return status;
   const hid_t stored = table.stored_type.get();
   const H5T_class_t stored_class = H5Tget_class(stored);
@@ -39,24 +39,34 @@ void XfRowReader::use_memory_type(hid_t type) {
   memory_type = type;
   column_bytes = table.components * H5Tget_size(type);
   as_stored = H5Tequal(table.stored_type.get(), type) > 0;
+  plain_reader.reset();
   chunk_reader.reset();
-  if (XfChunkReader::suits(table)) chunk_reader.emplace(table);
+  if (XfPlainReader::suits(table)) {
+    plain_reader.emplace(table);
+  } else if (XfChunkReader::suits(table)) {
+    chunk_reader.emplace(table);
+  }
+}
+
+XfStatus XfRowReader::read_here(hsize_t row, std::byte* straight, const XfPieceSink& sink) {
+  return plain_reader ? plain_reader->read_row(row, straight, sink)
+                      : chunk_reader->read_row(row, straight, sink);
 }
 
 XfStatus XfRowReader::read_row(hsize_t row, std::byte* straight) {
   if (table.columns == 0) return {};
-  if (!chunk_reader) return read_by_hdf5(row, 0, table.columns, straight);
+  if (!reads_here()) return read_by_hdf5(row, 0, table.columns, straight);
   const auto copy = [&](std::size_t first, std::size_t count, const std::byte* elements) {
     std::memcpy(straight + first * column_bytes, elements, count * column_bytes);
   };
-  return as_stored ? chunk_reader->read_row(row, straight, copy) : read_and_convert(row, copy);
+  return as_stored ? read_here(row, straight, copy) : read_and_convert(row, copy);
 }
 
 XfStatus XfRowReader::read_and_convert(hsize_t row, const XfPieceSink& sink) {
   const std::size_t stored_bytes = table.components * table.stored_size;
   bool converted = true;
-  XfStatus status = chunk_reader->read_row(
-      row, nullptr, [&](std::size_t first, std::size_t count, const std::byte* elements) {
+  XfStatus status =
+      read_here(row, nullptr, [&](std::size_t first, std::size_t count, const std::byte* elements) {
         std::byte* const memory = block.room(count * std::max(stored_bytes, column_bytes));
         std::memcpy(memory, elements, count * stored_bytes);
         converted =
@@ -69,8 +79,8 @@ XfStatus XfRowReader::read_and_convert(hsize_t row, const XfPieceSink& sink) {
 
 XfStatus XfRowReader::read_row_in_pieces(hsize_t row, const XfPieceSink& sink) {
   if (table.columns == 0) return {};
-  if (chunk_reader) {
-    return as_stored ? chunk_reader->read_row(row, nullptr, sink) : read_and_convert(row, sink);
+  if (reads_here()) {
+    return as_stored ? read_here(row, nullptr, sink) : read_and_convert(row, sink);
   }
   // Filtered data at once, lest a chunk be inflated once per block.
   constexpr hsize_t block_columns = hsize_t{32} << 10;

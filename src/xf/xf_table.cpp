@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <limits>
 #include <utility>
 #include <vector>
 
+#include "xf/xf_chunk_list.h"
 #include "xf/xf_member.h"
 
 namespace quillet {
@@ -114,7 +116,35 @@ double claimed_bytes(const XfTable& table) {
          static_cast<double>(table.components * table.stored_size);
 }
 
+// What has no filters or just deflated, in elements side by side, is read without HDF5. But for
+// rows that lie in many small pieces it reads whole chunks and keeps them, which is faster.
+bool may_be_read_here(const XfTable& table) {
+  constexpr hsize_t small_piece = 1024;
+  const bool small_pieces = table.chunk_rows > 1 && xf_chunks_per_row(table) > 1 &&
+                            xf_chunk_bytes(table) / table.chunk_rows < small_piece;
+  return std::endian::native == std::endian::little && table.chunk_components == table.components &&
+         (table.deflated || (!table.filtered && !small_pieces));
+}
+
+// As far as the file lets find the places.
+void find_places(XfTable& table) {
+  if (table.chunked) {
+    if (may_be_read_here(table)) table.places = xf_list_chunks(table);
+    return;
+  }
+  const haddr_t address = H5Dget_offset(table.dataset.get());
+  table.chunk_rows = table.rows;
+  table.chunk_columns = table.columns;
+  table.chunk_components = table.components;
+  const bool is_here = address != HADDR_UNDEF && address <= table.file.size() &&
+                       claimed_bytes(table) <= static_cast<double>(table.file.size() - address);
+  if (is_here && may_be_read_here(table) && xf_has_plain_addresses(table)) {
+    table.places = {{.address = address}};
+  }
+}
+
 XfStatus check_every_chunk_written(const XfTable& table) {
+  if (!table.places.empty()) return {};
   hsize_t found = 0;
   const XfSpaceHandle all(H5Dget_space(table.dataset.get()));
   if (H5Dget_num_chunks(table.dataset.get(), all.get(), &found) < 0) {
@@ -125,10 +155,17 @@ XfStatus check_every_chunk_written(const XfTable& table) {
                     " of its chunks were written");
 }
 
+hsize_t stored_bytes(const XfTable& table) {
+  if (!table.chunked || table.places.empty()) return H5Dget_storage_size(table.dataset.get());
+  hsize_t bytes = 0;
+  for (const XfChunkPlace& place : table.places) bytes += place.size;
+  return bytes;
+}
+
 // Filters of other kinds may shrink what they are given to any size.
 XfStatus check_stored_bytes(const XfTable& table) {
   if (table.largest_ratio == 0) return {};
-  const hsize_t stored = std::min(H5Dget_storage_size(table.dataset.get()), table.file_size);
+  const hsize_t stored = std::min<hsize_t>(stored_bytes(table), table.file.size());
   const double claimed = claimed_bytes(table);
   const double warranted = static_cast<double>(stored) * static_cast<double>(table.largest_ratio) +
                            (table.filtered ? filter_overhead : 0);
@@ -139,8 +176,9 @@ XfStatus check_stored_bytes(const XfTable& table) {
 }
 
 // Where there are no rows nothing is stored that could bear out the columns, and nothing is read.
-XfStatus check_data(const XfTable& table) {
+XfStatus check_data(XfTable& table) {
   if (table.rows == 0 || table.columns == 0) return {};
+  find_places(table);
   if (table.chunked) {
     XfStatus status = check_every_chunk_written(table);
     if (!status.ok()) return status;
@@ -153,7 +191,7 @@ XfStatus check_data(const XfTable& table) {
 // are read; else a row of chunks, so that none is read twice on a walk through the output times.
 hsize_t cache_bytes(const XfTable& table) {
   constexpr hsize_t small_piece = hsize_t{32} << 10;
-  if (!table.chunked || table.deflated) return 0;
+  if (!table.chunked || table.deflated || !table.places.empty()) return 0;
   const bool small_pieces =
       table.chunk_rows > 1 && xf_chunk_bytes(table) / table.chunk_rows < small_piece;
   if (!table.filtered && !small_pieces) return 0;
@@ -200,14 +238,19 @@ hsize_t xf_chunks_per_row(const XfTable& table) {
          chunks_between(table.components, table.chunk_components);
 }
 
+hsize_t xf_chunk_count(const XfTable& table) {
+  return chunks_between(table.rows, table.chunk_rows) * xf_chunks_per_row(table);
+}
+
 hsize_t xf_chunk_bytes(const XfTable& table) {
   return table.chunk_rows * table.chunk_columns * table.chunk_components * table.stored_size;
 }
 
-XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_size, XfTable& table) {
+XfStatus xf_open_table(hid_t group, const char* name, int rank, const XfStoredFile& file,
+                       XfTable& table) {
   table = {};
   table.name = name;
-  table.file_size = file_size;
+  table.file = file;
   XfMember member = xf_open_member(group, name, H5P_DEFAULT);
   if (!member.is_present()) return member.status();
   table.dataset = std::move(member.dataset);

@@ -8,12 +8,22 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "xf/xf_handle.h"
 #include "xf/xf_status.h"
+#include "xf/xf_stored_file.h"
 
 namespace quillet {
+
+// Where a chunk lies in the file, as it is stored.
+struct XfChunkPlace {
+  std::uint64_t address = 0;
+  std::uint32_t size = 0;
+  std::uint32_t skipped_filters = 0;  // a bit for every filter that the writer left out
+};
 
 struct XfTable {
   std::string name;
@@ -32,15 +42,19 @@ struct XfTable {
   hsize_t largest_ratio = 1;  // how much the filters can shrink anything; 0: there is no limit
   bool deflated = false;      // every chunk, by deflate alone or by shuffle and then deflate
   bool shuffled = false;
-  hsize_t file_size = 0;  // bytes; bounds everything that is stored
+  XfStoredFile file;  // its size bounds everything that is stored
+
+  // Of every chunk, counted row by row: what is stored can be read without HDF5. Data that are not
+  // chunked are one chunk whose size is left out. Empty: HDF5 has to be asked.
+  std::vector<XfChunkPlace> places;
 };
 
 // For values: rank 2, or 3 with two components.
 constexpr int xf_scalar_or_vector = 0;
 
-// Opens the dataset `name` of a group: rank 1 (a series), 2, or 3 with two components. The file's
-// size bounds what it can hold.
-XfStatus xf_open_table(hid_t group, const char* name, int rank, hsize_t file_size, XfTable& table);
+// Opens the dataset `name` of a group: rank 1 (a series), 2, or 3 with two components.
+XfStatus xf_open_table(hid_t group, const char* name, int rank, const XfStoredFile& file,
+                       XfTable& table);
 
 // Reals and integers, of a size that is no damage: HDF5 would clear memory for the size claimed.
 bool xf_is_number(hid_t type);
@@ -48,8 +62,9 @@ bool xf_is_number(hid_t type);
 // The place of an element in the dataset's own coordinates.
 std::array<hsize_t, 3> xf_coordinates(const XfTable& table, hsize_t row, hsize_t column);
 
-// Chunks side by side in a row of chunks, and the bytes of one chunk.
+// Chunks side by side in a row of chunks, the number of all, and the bytes of one chunk.
 hsize_t xf_chunks_per_row(const XfTable& table);
+hsize_t xf_chunk_count(const XfTable& table);
 hsize_t xf_chunk_bytes(const XfTable& table);
 
 // A row of chunks larger than this is not kept in memory.
