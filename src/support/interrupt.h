@@ -11,6 +11,10 @@ void NOTE_INTERRUPTS();
 // True once an interrupt has come. Any thread may ask.
 bool INTERRUPTED();
 
+// Waits until standard input can be read, or is at its end. False when an interrupt comes first.
+// What the C library has read ahead does not count.
+bool AWAIT_INPUT();
+
 // Ends the process by the interrupt that came, so that a shell's loop ends with it. Does nothing
 // when none came.
 void DIE_OF_INTERRUPT();

@@ -1,4 +1,8 @@
+#include <poll.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 
 #include "support/interrupt.h"
@@ -34,6 +38,17 @@ void NOTE_INTERRUPTS() {
 
 bool INTERRUPTED() {
   return noted_signal != 0;
+}
+
+// An interrupt may come just before the system waits, or to another thread: that wakes nobody here.
+bool AWAIT_INPUT() {
+  constexpr int look_every = 100;  // milliseconds
+  pollfd wanted{STDIN_FILENO, POLLIN, 0};
+  while (!INTERRUPTED()) {
+    const int ready = ::poll(&wanted, 1, look_every);
+    if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
+  }
+  return false;
 }
 
 void DIE_OF_INTERRUPT() {

@@ -24,6 +24,11 @@ bool INTERRUPTED() {
   return is_noted;
 }
 
+// Reading from a console ends with an interrupt.
+bool AWAIT_INPUT() {
+  return !INTERRUPTED();
+}
+
 void DIE_OF_INTERRUPT() {
   constexpr UINT ended_by_control_c = 0xC000013A;
   if (INTERRUPTED()) ::ExitProcess(ended_by_control_c);

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "support/interrupt.h"
+
 namespace quillet {
 
 void StandardConsole::say(std::string_view line) {
@@ -11,7 +13,8 @@ void StandardConsole::say(std::string_view line) {
 }
 
 bool StandardConsole::wait_for_enter() {
-  for (int c = std::getchar(); c != EOF; c = std::getchar()) {
+  for (int c = 0; c != EOF && AWAIT_INPUT();) {
+    c = std::getchar();
     if (c == '\n') return true;
   }
   return false;

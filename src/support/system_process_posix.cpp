@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <initializer_list>
 
 #include "support/system_process.h"
@@ -22,6 +23,8 @@ void PREPARE_PROCESS() {
   open_standard_handles();
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  // Nothing is read ahead of what a wait for input looks at.
+  std::setvbuf(stdin, nullptr, _IONBF, 0);
 }
 
 }  // namespace quillet
