@@ -19,9 +19,10 @@ PartFile::~PartFile() {
 std::string PartFile::create(const std::string& name) {
   final_name = name;
   part_name = PART_NAME(name);
+  std::string reason;
   // Noticed now, not when all the work is done.
-  if (!MAY_BE_REPLACED(final_name)) return SYSTEM_REASON();
-  std::string reason = open_and_lock();
+  if (!MAY_BE_REPLACED(final_name, reason)) return reason;
+  reason = open_and_lock();
   // Emptied only under the lock: another run may be writing it.
   if (reason.empty() && !CUT_FILE(file, 0)) reason = SYSTEM_REASON();
   if (!reason.empty()) close();

@@ -28,7 +28,8 @@ SystemFile SECOND_SYSTEM_FILE(SystemFile file);
 // reason also for a link and for anything but a regular file.
 SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason);
 
-// Creates the file or empties the one that is there, for writing.
+// Creates the file or empties the one that is there, for writing; no_file and the reason also for
+// anything but a regular file.
 SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason);
 
 // Locks the file until it is closed. False when another process has locked it; a file system that
@@ -70,9 +71,10 @@ bool RESERVE_BEYOND_END(SystemFile file, std::int64_t size, std::int64_t bytes);
 // Cuts the file to `bytes` bytes and gives back what was reserved beyond.
 bool CUT_FILE(SystemFile file, std::int64_t bytes);
 
-// False when another file could not take the place of the one of this name: it is a folder or,
-// where the system minds, write-protected or open in another program. True when there is none.
-bool MAY_BE_REPLACED(const std::string& name);
+// False and the reason when another file must not take the place of what has this name: it is no
+// regular file or, where the system minds, write-protected or open in another program. True when
+// there is nothing.
+bool MAY_BE_REPLACED(const std::string& name, std::string& reason);
 
 // Gives the file its other name, in the place of the one that has it. It may be open here.
 bool RENAME_FILE(const std::string& from, const std::string& to);

@@ -13,6 +13,10 @@ namespace quillet {
 
 namespace {
 
+std::string reason_for_irregular(const struct stat& status) {
+  return S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "Not a regular file";
+}
+
 // The file when it is a regular one; else it is closed.
 SystemFile regular_only(int file, struct stat& status, std::string& reason) {
   if (file < 0 || ::fstat(file, &status) != 0) {
@@ -20,7 +24,7 @@ SystemFile regular_only(int file, struct stat& status, std::string& reason) {
   } else if (S_ISREG(status.st_mode)) {
     return file;
   } else {
-    reason = S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "Not a regular file";
+    reason = reason_for_irregular(status);
   }
   if (file >= 0) ::close(file);
   return no_file;
@@ -57,9 +61,10 @@ SystemFile OPEN_OUTPUT_FILE(const std::string& name, std::string& reason) {
 }
 
 SystemFile CREATE_OUTPUT_FILE(const std::string& name, std::string& reason) {
-  const int file = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (file < 0) reason = SYSTEM_REASON();
-  return file;
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK;
+  struct stat status {};
+  if (!MAY_BE_REPLACED(name, reason)) return no_file;
+  return regular_only(::open(name.c_str(), flags, 0666), status, reason);
 }
 
 bool LOCK_SYSTEM_FILE(SystemFile file) {
@@ -136,10 +141,10 @@ bool CUT_FILE(SystemFile file, std::int64_t bytes) {
   return ::ftruncate(file, bytes) == 0;
 }
 
-bool MAY_BE_REPLACED(const std::string& name) {
+bool MAY_BE_REPLACED(const std::string& name, std::string& reason) {
   struct stat status {};
-  if (::stat(name.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return true;
-  errno = EISDIR;
+  if (::stat(name.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return true;
+  reason = reason_for_irregular(status);
   return false;
 }
 

@@ -277,16 +277,18 @@ bool CUT_FILE(SystemFile file, std::int64_t bytes) {
          note_error(::GetLastError());
 }
 
-bool MAY_BE_REPLACED(const std::string& name) {
+bool MAY_BE_REPLACED(const std::string& name, std::string& reason) {
   const std::wstring wide_name = WIDE_TEXT(name);
   if (has_attribute(wide_name, FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) {
-    errno = is_folder(wide_name) ? EISDIR : EACCES;
+    reason = std::strerror(is_folder(wide_name) ? EISDIR : EACCES);
     return false;
   }
   const HANDLE handle =
       ::CreateFileW(wide_name.c_str(), DELETE, share_all, nullptr, OPEN_EXISTING, 0, nullptr);
   if (handle != INVALID_HANDLE_VALUE) return ::CloseHandle(handle);
-  return tells_absence(::GetLastError()) || note_error_of(wide_name);
+  if (tells_absence(::GetLastError()) || note_error_of(wide_name)) return true;
+  reason = SYSTEM_REASON();
+  return false;
 }
 
 bool RENAME_FILE(const std::string& from, const std::string& to) {

@@ -180,6 +180,7 @@ TEST(UnopenedFiles, EndTheRunWhenNobodyAnswers) {
            {"-max fifo_d.dat", "Not a regular file"},
            {"-max a_d.dat -out missing/r.dat", missing},
            {"-max a_d.dat -out folder_d.dat", is_folder},
+           {"-max a_d.dat -out fifo_d.dat", "Not a regular file"},
            {"-max a_d.dat -out r.dat", is_folder},
            {"-max a_d.dat -out s.dat", "Too many levels of symbolic links"},
            {"-max a_d.dat -out f.dat", "Not a regular file"}}) {
