@@ -238,7 +238,7 @@ TEST_F(EnsightExport, NamesHoldLettersDigitsUnderscoresAndPointsAlone) {
                       "scalar per node: Max___1_A_2 x-_C3A4___rMax.0001\n"),
             std::string::npos)
       << text;
-  EXPECT_EQ(folder.read("new (1)/x-_C3A4___qMax.0001").find("__1_a\npart\n"), 0);
+  EXPECT_EQ(folder.read("new (1)/x-_C3A4___qMax.0001").find("__1 a\npart\n"), 0);
 }
 
 TEST_F(EnsightExport, NoLineIsLongerThanReadersTake) {
