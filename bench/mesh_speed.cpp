@@ -4,7 +4,7 @@
 //     mesh_speed scanned FILE      LOAD_MESH without any, as where results do not tell them
 //     mesh_speed elevations FILE   READ_2DM_ELEVATIONS with the counts of the file
 //
-// Seconds and MB/s go to standard error.
+// A number of threads may follow; one unless it does. Seconds and MB/s go to standard error.
 
 #include <algorithm>
 #include <chrono>
@@ -17,6 +17,7 @@
 
 #include "mesh/load_mesh.h"
 #include "mesh/read_2dm_elevations.h"
+#include "support/work_crew.h"
 
 namespace {
 
@@ -60,8 +61,10 @@ void time_elevations(const std::string& name, const Counts& counts) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const std::string_view mode = count == 3 ? arguments[1] : "";
-  const std::string name = count == 3 ? arguments[2] : "";
+  const bool is_call = count == 3 || count == 4;
+  const std::string_view mode = is_call ? arguments[1] : "";
+  const std::string name = is_call ? arguments[2] : "";
+  if (count == 4) quillet::WORK_CREW().set_thread_count(std::max(std::atoi(arguments[3]), 1));
   if (mode == "full") {
     const Counts counts(name);
     time_loading(name, counts.nodes, counts.cells);
@@ -70,7 +73,7 @@ int main(int count, char** arguments) {
   } else if (mode == "elevations") {
     time_elevations(name, Counts(name));
   } else {
-    std::fputs("mesh_speed full|scanned|elevations FILE\n", stderr);
+    std::fputs("mesh_speed full|scanned|elevations FILE [THREADS]\n", stderr);
     return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

@@ -32,7 +32,7 @@ class QuickValues {
     Number number(value_start());
     if (!number.take_short_decimal()) {
       float ignored = 0;
-      return take_other(ignored);
+      return take_other(number, ignored);
     }
     at = number.place;
     return true;
@@ -159,34 +159,40 @@ class QuickValues {
   template <typename Real>
   [[gnu::always_inline]] bool take_real(Real& result) {
     Number number(value_start());
-    if (!number.take_short_decimal()) return take_other(result);
+    if (!number.take_short_decimal()) return take_other(number, result);
     const double size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
                         powers_of_ten[static_cast<std::size_t>(-number.exponent)];
-    if (std::is_same_v<Real, float> && is_midway(size)) return take_other(result);
+    if (std::is_same_v<Real, float> && is_midway(size)) return take_other(number, result);
     result = static_cast<Real>(number.is_negative ? -size : size);
     at = number.place;
     return true;
   }
 
-  // A number with many digits or with an exponent.
+  // A number with many digits or with an exponent, of which the digits have been taken.
   template <typename Real>
-  [[gnu::always_inline]] bool take_other(Real& result) {
+  [[gnu::always_inline]] bool take_other(const Number& number, Real& result) {
     Real value = 0;
-    const char* const stop = read_other(value_start(), value);
+    const char* const stop = read_other(value_start(), number.place, number.digits,
+                                        number.digit_count, number.exponent, value);
     if (stop == nullptr) return false;
     result = value;
     at = stop;
     return true;
   }
 
-  // Where the number ends; null when it cannot be read. A function of its own, so that the object
-  // need not stand in memory for it.
+  // Where the number that starts at `text` ends; null when it cannot be read. A function of its
+  // own, given what it needs in registers, so that the objects need not stand in memory for it.
   template <typename Real>
-  [[gnu::noinline]] static const char* read_other(const char* text, Real& value) {
+  [[gnu::noinline]] static const char* read_other(const char* text, const char* place,
+                                                  std::uint64_t digits, std::size_t digit_count,
+                                                  int exponent, Real& value) {
+    if (digit_count == 0) return nullptr;
     Number number(text);
-    number.take_decimal();
+    number.place = place;
+    number.digits = digits;
+    number.digit_count = digit_count;
+    number.exponent = exponent;
     number.take_exponent();
-    if (number.digit_count == 0) return nullptr;
     if (number.is_exact() && may_follow(*number.place)) {
       const double size = number.size();
       value = static_cast<Real>(number.is_negative ? -size : size);
@@ -211,10 +217,15 @@ class QuickValues {
     return (bits & 0x1FFFFFFF) == 0x10000000;
   }
 
-  // Where the next value starts, or something that is none: mostly after one blank.
+  // Where the next value starts, or something that is none: mostly after one separator.
   [[gnu::always_inline]] const char* value_start() const {
     const char* place = at;
-    place += *place == ' ' || *place == '\t' ? 1 : 0;
+    if (*place == ' ' || *place == '\t') {
+      ++place;
+    } else if (*place == ',' && place != first) {
+      ++place;
+      return *place <= ',' ? after_separators(place, false) : place;
+    }
     return *place <= ',' ? after_separators(place, at != first) : place;
   }
 
