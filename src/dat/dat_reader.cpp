@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 
+#include "dat/shared_values.h"
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/interleave.h"
@@ -18,9 +19,6 @@ namespace {
 constexpr std::int32_t most_cells_on_trust = 1'000'000;
 
 constexpr std::int64_t value_size = sizeof(float);
-
-// 256 KiB: a piece stays in the second cache of every processor until it has been looked at.
-constexpr std::int64_t values_per_piece = 64 * 1024;
 
 // Reading apart from its neighbours costs about as much as reading so many bytes more.
 constexpr std::int64_t cost_of_a_read = 16 * 1024;
@@ -53,6 +51,11 @@ std::string cut_short(std::int64_t expected, const char* what, std::int64_t foun
 }
 
 }  // namespace
+
+DatReader::DatReader(const std::string& file_name)
+    : file(file_name), shared_values(std::make_unique<SharedValues>()) {}
+
+DatReader::~DatReader() = default;
 
 void DatReader::read_header() {
   DatHeaderReader reader(file);
@@ -251,12 +254,21 @@ void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStr
 void DatReader::load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces) {
   piece.resize(values_per_piece);
   load_statuses_in_pieces(step, cell_count, pieces);
-  const std::int64_t components = step.is_vector ? 2 : 1;
-  const std::int64_t values = components * file_header.node_count;
-  for (std::int64_t first = 0; first < values; first += values_per_piece) {
-    const std::int64_t size = std::min(values_per_piece, values - first);
-    read_bytes(step.values_at + first * value_size, piece.data(), size * value_size, "node values");
-    pieces.take_values(first / components, std::span(piece).first(size));
+  const int components = step.is_vector ? 2 : 1;
+  const DatValues values{step.values_at, std::int64_t{components} * file_header.node_count,
+                         components};
+  shared_values->hand_on(file, values, pieces, [&](const DatStretch& stretch) {
+    load_values_in_pieces(values, stretch, pieces);
+  });
+}
+
+void DatReader::load_values_in_pieces(const DatValues& values, const DatStretch& stretch,
+                                      OutputPieces& pieces) {
+  const std::int64_t end = stretch.first + stretch.count;
+  for (std::int64_t first = stretch.first; first < end; first += values_per_piece) {
+    const std::int64_t size = std::min(values_per_piece, end - first);
+    read_bytes(values.at + first * value_size, piece.data(), size * value_size, "node values");
+    pieces.take_values(first / values.components, std::span(piece).first(size));
   }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,16 +24,26 @@ struct DatStep {
   std::int64_t values_at = 0;
 };
 
-// Neighbouring nodes or cells.
+// Neighbouring nodes, cells or values.
 struct DatStretch {
   std::int64_t first = 0;  // index, from 0
   std::int64_t count = 0;
 };
 
+// All values of an output time.
+struct DatValues {
+  std::int64_t at = 0;     // bytes from the start of the file
+  std::int64_t count = 0;  // 32-bit reals
+  int components = 1;      // of them per node
+};
+
+class SharedValues;
+
 class DatReader {
  public:
   // Opens the file (see InputUnit).
-  explicit DatReader(const std::string& file_name) : file(file_name) {}
+  explicit DatReader(const std::string& file_name);
+  ~DatReader();
 
   const std::string& name() const { return file.name(); }
   const DatHeader& header() const { return file_header; }
@@ -72,7 +83,8 @@ class DatReader {
   // the file has not stated are 1.
   void load(const DatStep& step, RES_TYPE& record);
 
-  // The same piece by piece, statuses first; `cell_count` is that of the run.
+  // The same piece by piece, statuses first; `cell_count` is that of the run. Helpers share the
+  // values where there are many.
   void load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces);
 
   // Only these nodes and cells (indices, ascending) of what is loaded from now on are needed. Where
@@ -112,6 +124,8 @@ class DatReader {
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
   void load_statuses_in_pieces(const DatStep& step, std::int32_t count, OutputPieces& pieces);
   void load_statuses(std::int64_t from, RES_TYPE& record);
+  void load_values_in_pieces(const DatValues& values, const DatStretch& stretch,
+                             OutputPieces& pieces);
   void load_values(const DatStep& step, RES_TYPE& record);
   void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStretch& stretch);
 
@@ -125,7 +139,8 @@ class DatReader {
   mutable std::optional<StepHead> next_head;  // what stands there, once it has been read
   mutable std::int64_t position = 0;          // just after that card
   std::int64_t statuses_in_force = 0;         // where they stand; 0 none so far
-  LargeArray<float> piece;                    // what has been read of the values or the statuses
+  std::unique_ptr<SharedValues> shared_values;
+  LargeArray<float> piece;  // what has been read of the values or the statuses
   std::optional<std::vector<DatStretch>> needed_nodes;  // not given: all
   std::optional<std::vector<DatStretch>> needed_cells;
 };

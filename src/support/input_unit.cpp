@@ -33,11 +33,18 @@ InputUnit::~InputUnit() {
 
 std::int64_t InputUnit::read_at(std::int64_t position, void* destination,
                                 std::int64_t count) const {
+  const std::int64_t done = try_to_read_at(position, destination, count);
+  if (done < 0) FAIL_READING(file_name, SYSTEM_REASON());
+  return done;
+}
+
+std::int64_t InputUnit::try_to_read_at(std::int64_t position, void* destination,
+                                       std::int64_t count) const {
   std::int64_t done = 0;
   while (done < count) {
     const std::int64_t got =
         READ_SOME_AT(file, position + done, static_cast<char*>(destination) + done, count - done);
-    if (got < 0) FAIL_READING(file_name, SYSTEM_REASON());
+    if (got < 0) return -1;
     if (got == 0) break;
     done += got;
   }

@@ -30,6 +30,9 @@ class InputUnit {
   // fewer only at the end of the file. An error of the system ends the run.
   std::int64_t read_at(std::int64_t position, void* destination, std::int64_t count) const;
 
+  // The same for a helper, who tells nothing: -1 for an error of the system.
+  std::int64_t try_to_read_at(std::int64_t position, void* destination, std::int64_t count) const;
+
   void close();
 
  private:
