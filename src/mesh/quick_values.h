@@ -30,7 +30,8 @@ class QuickValues {
   // Goes past what value(float&) would take, without working out what nobody wants to know.
   [[gnu::always_inline]] bool skip_real() {
     Number number(value_start());
-    if (!number.take_short_decimal()) {
+    number.take_decimal();
+    if (number.digit_count - 1 >= most_skipped_digits || !may_follow(*number.place)) {
       float ignored = 0;
       return take_other(number, ignored);
     }
@@ -74,6 +75,8 @@ class QuickValues {
   static constexpr std::size_t most_digits = 19;
   // So many digits make a whole number that a 64-bit real holds exactly.
   static constexpr std::size_t most_decimal_digits = 15;
+  // So many digits without an exponent are within a 32-bit real's range.
+  static constexpr std::size_t most_skipped_digits = 30;
   // A 64-bit real holds whole numbers up to this one, and these powers of ten, exactly.
   static constexpr std::uint64_t most_exact = std::uint64_t{1} << 53;
   static constexpr std::array<double, 23> powers_of_ten{
