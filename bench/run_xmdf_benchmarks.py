@@ -1,9 +1,10 @@
 #!/usr/bin/python3
-"""Times runs of quillet on XMDF files in pairs: against the same run on a .dat file, and against a
-good script (peer_xmdf.py) where HDF5 has to inflate.
+"""Times runs of quillet on XMDF files, with one thread and with all cores, against the same run on a
+.dat file, and against a good script (peer_xmdf.py) where HDF5 has to inflate.
 
-Uses the model of run_benchmarks.py and makes from its depths one XMDF file for each way of storing
-them. Exit status 1 when something does not run or two outputs differ; never because of slowness.
+Uses the model of run_benchmarks.py and makes from its depths and velocities one XMDF file for each
+way of storing them; noisy ones shrink as little as results of rough terrain do. Exit status 1 when
+something does not run or two outputs differ; never because of slowness.
 """
 
 import argparse
@@ -25,13 +26,25 @@ TRIMMED = ("Trim/Temporal/trim2",)
 @dataclasses.dataclass(frozen=True)
 class Storage:
     name: str
-    compression: int  # deflate level; 0 is none
-    times_per_chunk: int
+    compression: int = 0  # deflate level; 0 is none
+    times_per_chunk: int = 1
+    nodes_per_chunk: int = 0  # 0: all
+    filters: tuple = ()  # "shuffle", "fletcher32"
+    noise: float = 0.0  # metres; the standard deviation of what is added to every wet depth
+    vectors: bool = False
 
 
-PLAIN = Storage("plain.xmdf", 0, 1)
-DEFLATED = Storage("deflated.xmdf", 1, 1)
+PLAIN = Storage("plain.xmdf")
+PLAIN_VECTORS = Storage("plain_vectors.xmdf", vectors=True)
+DEFLATED = Storage("deflated.xmdf", 1)
 TOGETHER = Storage("together.xmdf", 1, 10)
+NOISY = Storage("noisy.xmdf", 1, noise=0.02)
+NOISY_TOGETHER = Storage("noisy_together.xmdf", 1, 10, noise=0.02)
+NOISY_PIECES = Storage("noisy_pieces.xmdf", 1, 1, 100_000, noise=0.02)
+NOISY_SHUFFLED = Storage("noisy_shuffled.xmdf", 1, 1, 0, ("shuffle",), 0.02)
+NOISY_CHECKED = Storage("noisy_checked.xmdf", 1, 1, 0, ("fletcher32",), 0.02)
+STORAGES = (PLAIN, PLAIN_VECTORS, DEFLATED, TOGETHER, NOISY, NOISY_TOGETHER, NOISY_PIECES,
+            NOISY_SHUFFLED, NOISY_CHECKED)
 
 
 @dataclasses.dataclass(frozen=True)
@@ -48,27 +61,31 @@ TRIM = ("quillet", "-trim2")
 TYPED = ("-typed",)
 COMPARISONS = (
     Comparison("max, .dat / .xmdf", (*MAX, D1, "a.dat"), (*MAX, *TYPED, PLAIN.name, "b.xmdf")),
+    Comparison("max vectors, .dat / .xmdf", (*MAX, V1, "a.dat"),
+               (*MAX, "-typeV", PLAIN_VECTORS.name, "b.xmdf")),
     Comparison("trim, to .dat / .xmdf", (*TRIM, D1, "a.dat"), (*TRIM, D1, "b.xmdf")),
     Comparison("trim vectors, to .dat / .xmdf", (*TRIM, V1, "a.dat"), (*TRIM, V1, "b.xmdf")),
     Comparison("trim, .dat / .xmdf", (*TRIM, D1, "a.dat"), (*TRIM, *TYPED, PLAIN.name, "b.xmdf")),
-    Comparison("max, script / deflated", ("max", DEFLATED.name, "a.xmdf"),
-               (*MAX, *TYPED, DEFLATED.name, "b.xmdf"), MAPS),
-    Comparison("max, script / 10 together", ("max", TOGETHER.name, "a.xmdf"),
-               (*MAX, *TYPED, TOGETHER.name, "b.xmdf"), MAPS),
-    Comparison("trim, script / deflated", ("trim", DEFLATED.name, "a.xmdf", "2"),
-               (*TRIM, *TYPED, DEFLATED.name, "b.xmdf"), TRIMMED),
-    Comparison("trim, script / 10 together", ("trim", TOGETHER.name, "a.xmdf", "2"),
-               (*TRIM, *TYPED, TOGETHER.name, "b.xmdf"), TRIMMED),
+    *(Comparison(f"max, script / {what}", ("max", storage.name, "a.xmdf"),
+                 (*MAX, *TYPED, storage.name, "b.xmdf"), MAPS)
+      for what, storage in (("deflated", DEFLATED), ("10 together", TOGETHER), ("noisy", NOISY),
+                            ("noisy, 10 together", NOISY_TOGETHER),
+                            ("noisy, 10 chunks", NOISY_PIECES),
+                            ("noisy, shuffled", NOISY_SHUFFLED),
+                            ("noisy, checksums", NOISY_CHECKED))),
+    *(Comparison(f"trim, script / {what}", ("trim", storage.name, "a.xmdf", "2"),
+                 (*TRIM, *TYPED, storage.name, "b.xmdf"), TRIMMED)
+      for what, storage in (("deflated", DEFLATED), ("10 together", TOGETHER), ("noisy", NOISY))),
 )
 
 
-def dat_times(name):
-    """Time, statuses and values of every ordinary output time of a scalar .dat file."""
+def dat_times(name, components):
+    """Time, statuses and values of every ordinary output time of a .dat file."""
     with open(name, "rb") as file:
         header = file.read(92)
         nodes, cells = (int.from_bytes(header[i:i + 4], "little") for i in (36, 44))
         block = np.dtype([("card", "<i4"), ("flag", "i1"), ("time", "<f4"), ("active", "u1", cells),
-                          ("values", "<f4", nodes)])
+                          ("values", "<f4", (nodes, components)[:components])])
         while True:
             time = np.frombuffer(file.read(block.itemsize), block, 1)[0]
             if time["time"] > 99998:
@@ -76,22 +93,45 @@ def dat_times(name):
             yield time
 
 
+def with_noise(values, noise, random):
+    """A flood over three times the area, on rough ground."""
+    third = len(values) // 3
+    depths = np.maximum.reduce([values, np.roll(values, third), np.roll(values, 2 * third)])
+    return np.where(depths > 0, depths + random.normal(0, noise, depths.shape), 0)
+
+
+def write_member(group, name, rows, storage):
+    """Rows as a member; how many of its bytes the file holds."""
+    shape = (len(rows), *rows[0].shape)
+    chunk = (storage.times_per_chunk, *rows[0].shape)
+    if storage.nodes_per_chunk:
+        chunk = (chunk[0], min(chunk[1], storage.nodes_per_chunk), *chunk[2:])
+    data = group.create_dataset(name, shape, rows[0].dtype, maxshape=(None, *shape[1:]),
+                                chunks=chunk, compression=storage.compression or None,
+                                **{name: True for name in storage.filters})
+    for first in range(0, len(rows), chunk[0]):
+        data[first:first + chunk[0]] = rows[first:first + chunk[0]]
+    return data.id.get_storage_size() / data.nbytes
+
+
 def write_xmdf(name, dat_name, storage):
-    steps = list(dat_times(dat_name))
-    rows = storage.times_per_chunk
+    random = np.random.default_rng(1)
+    steps = list(dat_times(dat_name, 2 if storage.vectors else 1))
+    values = [step["values"] for step in steps]
+    if storage.noise:
+        values = [with_noise(row, storage.noise, random).astype("f4") for row in values]
     with h5py.File(name, "w") as file:
         file["File Type"] = np.array(["Xmdf"], "S5")
         file["File Version"] = np.array([2.1], "f4")
-        group = file.create_group("run1/Temporal/Depth")
-        group.attrs["Grouptype"] = np.array(["DATASET SCALAR"], "S")
+        dataset, kind = (("Vector Velocity", "DATASET VECTOR") if storage.vectors else
+                         ("Depth", "DATASET SCALAR"))
+        group = file.create_group("run1/Temporal/" + dataset)
+        group.attrs["Grouptype"] = np.array([kind], "S")
         group.attrs["TimeUnits"] = np.array(["Hours"], "S")
         group["Times"] = np.array([step["time"] for step in steps], "f8")
-        for member, field, kind in (("Values", "values", "f4"), ("Active", "active", "u1")):
-            width = len(steps[0][field])
-            data = group.create_dataset(member, (len(steps), width), kind, maxshape=(None, width),
-                                        chunks=(rows, width), compression=storage.compression or None)
-            for first in range(0, len(steps), rows):
-                data[first:first + rows] = [step[field] for step in steps[first:first + rows]]
+        share = write_member(group, "Values", values, storage)
+        write_member(group, "Active", [step["active"] for step in steps], storage)
+    print(f"{storage.name}: values take {share:.0%} of their bytes", flush=True)
 
 
 class Bench:
@@ -105,7 +145,7 @@ class Bench:
         self.outputs = options.work / "xmdf_outputs"
         self.outputs.mkdir(exist_ok=True)
         self.pairs = options.pairs
-        for storage in (PLAIN, DEFLATED, TOGETHER):
+        for storage in STORAGES:
             self.make_input(storage)
         write_anew(self.inputs)
         write_anew(self.model)
@@ -116,10 +156,10 @@ class Bench:
             return
         print(f"Making {name} ...", flush=True)
         part = name.with_suffix(".part")
-        write_xmdf(part, self.model / D1, storage)
+        write_xmdf(part, self.model / (V1 if storage.vectors else D1), storage)
         part.rename(name)
 
-    def command(self, words):
+    def command(self, words, *options):
         """The command and its output: the last name is the output's, a limit may follow it."""
         program, *arguments = words
         names = [str(self.model / word) if word in (D1, V1) else str(self.inputs / word)
@@ -127,20 +167,24 @@ class Bench:
         place = next(i for i, word in enumerate(names) if word in ("a.dat", "a.xmdf", "b.xmdf"))
         output = self.outputs / names[place]
         if program == "quillet":
-            return [self.quillet, "-b", *names[:place], "-out", str(output)], output
+            return [self.quillet, "-b", *options, *names[:place], "-out", str(output)], output
         return [*PEER, program, *names[:place], str(output), *names[place + 1:]], output
 
     def compare(self, comparison):
-        commands = [self.command(words) for words in (comparison.first, comparison.second)]
-        for command, output in commands:
+        one = ("--threads=1",)
+        commands = [self.command(comparison.first, *one), self.command(comparison.second, *one),
+                    self.command(comparison.second)]
+        for command, output in commands[:2]:
             measured_write(command, output)
         for path in comparison.compared:
-            check_same(*(output for _, output in commands), path)
-        first, second = paired_runs(commands, self.pairs)
+            check_same(*(output for _, output in commands[:2]), path)
+        first, second, crew = paired_runs(commands, self.pairs)
         ratio = statistics.median(b.wall / a.wall for a, b in zip(first, second))
         cpu = median(second, "cpu") / median(first, "cpu")
-        return (f"{comparison.name:<31}{median(first, 'wall'):>9.3f}{median(second, 'wall'):>10.3f}"
-                f"{ratio:>8.2f}{1 / ratio:>8.2f}{cpu:>8.2f}")
+        gain = statistics.median(b.wall / c.wall for b, c in zip(second, crew))
+        walls = [median(runs, "wall") for runs in (first, second, crew)]
+        return (f"{comparison.name:<33}{walls[0]:>9.3f}{walls[1]:>10.3f}{ratio:>8.2f}"
+                f"{1 / ratio:>8.2f}{cpu:>8.2f}{walls[2]:>13.3f}{gain:>8.2f}")
 
 
 def check_same(first, second, path):
@@ -151,8 +195,8 @@ def check_same(first, second, path):
                     raise Failure(f"{path}/{member} differs")
 
 
-HEADING = (f"{'first / second':<31}{'first s':>9}{'second s':>10}{'ratio':>8}{'faster':>8}"
-           f"{'cpu':>8}")
+HEADING = (f"{'first / second':<33}{'first s':>9}{'second s':>10}{'ratio':>8}{'faster':>8}"
+           f"{'cpu':>8}{'all cores s':>13}{'gain':>8}")
 
 
 def read_options():
@@ -181,7 +225,7 @@ def main():
             print(bench.compare(comparison), flush=True)
         except (Failure, OSError) as failure:
             failed = True
-            print(f"{comparison.name:<31} {failure}", flush=True)
+            print(f"{comparison.name:<33} {failure}", flush=True)
     for output in bench.outputs.iterdir():
         output.unlink()
     return 1 if failed else 0

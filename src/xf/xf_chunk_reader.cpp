@@ -14,9 +14,6 @@ namespace {
 
 constexpr hsize_t most_chunks_ahead = 64;
 
-// Below this much data a thread takes longer to start than it saves.
-constexpr hsize_t smallest_shared_table = hsize_t{8} << 20;
-
 hsize_t table_bytes(const XfTable& table) {
   return table.rows * table.columns * table.components * table.stored_size;
 }
@@ -48,7 +45,8 @@ XfChunkReader::XfChunkReader(const XfTable& stored_table, const XfChunkMemory& a
       memory(allowed_memory),
       form{.bytes = xf_chunk_bytes(stored_table),
            .element_size = stored_table.stored_size,
-           .shuffled = stored_table.shuffled},
+           .shuffled = stored_table.shuffled,
+           .has_checksum = stored_table.has_checksums},
       chunks_per_row(xf_chunks_per_row(stored_table)) {
   for (const XfChunkPlace& place : table.places) {
     largest_stored = std::max(largest_stored, hsize_t{place.size});
@@ -76,7 +74,7 @@ XfStatus XfChunkReader::read_row(hsize_t row, std::byte* straight, const XfPiece
 // begins with the first row is likely to go on.
 hsize_t XfChunkReader::chunks_ahead(hsize_t row) const {
   const bool is_walk = row == (last_row ? *last_row + 1 : 0);
-  const bool is_large = table_bytes(table) >= smallest_shared_table;
+  const bool is_large = table_bytes(table) >= memory.smallest_shared_table;
   if (!WORK_CREW().has_helpers() || !is_walk || !is_large ||
       form.bytes > memory.largest_chunk_ahead) {
     return 0;

@@ -20,7 +20,7 @@
 
 namespace quillet {
 
-// How much inflated data may be in memory, in bytes.
+// How much inflated data may be in memory, and from what amount on threads share the work; bytes.
 struct XfChunkMemory {
   // Small chunks that wait for their turn, for each thread. More is of no use: they are asked for
   // as fast as they are inflated.
@@ -28,6 +28,8 @@ struct XfChunkMemory {
   // Of larger ones as many as there are threads, with so much for each thread; or one.
   hsize_t large_ahead_per_thread = hsize_t{64} << 20;
   hsize_t largest_chunk_ahead = hsize_t{128} << 20;
+  // In less data than this a thread takes longer to start than it saves.
+  hsize_t smallest_shared_table = hsize_t{8} << 20;
   // Chunks side by side, where they hold several rows; or one.
   hsize_t chunk_row = xf_largest_chunk_row;
 };

@@ -1,5 +1,6 @@
 #include "xf/xf_inflater.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -27,12 +28,56 @@ void unshuffle(const std::byte* planes, std::size_t size, std::size_t count, std
   }
 }
 
+// Fletcher's checksum of pairs of bytes; the odd last byte is half a pair. The sums are taken
+// together before they overflow.
+std::uint32_t checksum_of(const unsigned char* bytes, std::size_t size) {
+  constexpr std::size_t pairs_at_once = 360;
+  const auto fold = [](std::uint32_t sum) { return (sum & 0xFFFFU) + (sum >> 16U); };
+  std::uint32_t first = 0;
+  std::uint32_t second = 0;
+  const std::size_t pairs = size / 2;
+  for (std::size_t done = 0; done < pairs;) {
+    const std::size_t end = std::min(pairs, done + pairs_at_once);
+    for (; done < end; ++done) {
+      first += std::uint32_t{bytes[2 * done]} << 8U | bytes[2 * done + 1];
+      second += first;
+    }
+    first = fold(first);
+    second = fold(second);
+  }
+  if (size % 2 != 0) {
+    first += std::uint32_t{bytes[size - 1]} << 8U;
+    second += first;
+    first = fold(first);
+    second = fold(second);
+  }
+  return fold(second) << 16U | fold(first);
+}
+
+// As it is stored; some early releases of HDF5 swapped the bytes of either half.
+bool checksum_holds(const unsigned char* bytes, std::size_t size) {
+  const unsigned char* const end = bytes + size;
+  const std::uint32_t stored = std::uint32_t{end[0]} | std::uint32_t{end[1]} << 8U |
+                               std::uint32_t{end[2]} << 16U | std::uint32_t{end[3]} << 24U;
+  const std::uint32_t sum = checksum_of(bytes, size);
+  return sum == stored || ((sum & 0x00FF00FFU) << 8U | (sum & 0xFF00FF00U) >> 8U) == stored;
+}
+
 }  // namespace
 
 XfStatus XfInflater::inflate(const XfChunkForm& form, const std::byte* stored, std::size_t size,
                              std::uint32_t skipped_filters, std::byte* chunk) {
   const std::uint32_t shuffle_bit = form.shuffled ? 1U : 0U;
   const std::uint32_t deflate_bit = form.shuffled ? 2U : 1U;
+  const std::uint32_t checksum_bit = deflate_bit << 1U;
+  if (form.has_checksum && (skipped_filters & checksum_bit) == 0) {
+    constexpr std::size_t checksum_size = 4;
+    if (size < checksum_size) return XF_FAILURE("has a damaged size");
+    size -= checksum_size;
+    if (!checksum_holds(reinterpret_cast<const unsigned char*>(stored), size)) {
+      return XF_FAILURE("has damaged compressed bytes");
+    }
+  }
   const bool planes = form.shuffled && (skipped_filters & shuffle_bit) == 0;
   std::byte* const target = planes ? shuffled.room(form.bytes) : chunk;
   if ((skipped_filters & deflate_bit) != 0) {

@@ -15,7 +15,8 @@ namespace quillet {
 struct XfChunkForm {
   std::size_t bytes = 0;  // of the chunk as it was before the filters
   std::size_t element_size = 0;
-  bool shuffled = false;  // before it was deflated
+  bool shuffled = false;      // before it was deflated
+  bool has_checksum = false;  // behind the deflated bytes
 };
 
 // For one thread at a time.

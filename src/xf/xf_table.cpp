@@ -62,7 +62,8 @@ XfStatus read_filters(hid_t properties, XfTable& table) {
     }
   }
   table.filtered = !filters.empty();
-  table.shuffled = filters.size() == 2 && filters[0] == H5Z_FILTER_SHUFFLE;
+  table.shuffled = filters.size() > 1 && filters.front() == H5Z_FILTER_SHUFFLE;
+  table.has_checksums = filters.size() > 1 && filters.back() == H5Z_FILTER_FLETCHER32;
   // Chunks beyond the extents may have been left as they are, which nothing in them tells.
   const auto shrinks = [](H5Z_filter_t filter) {
     return filter != H5Z_FILTER_SHUFFLE && filter != H5Z_FILTER_FLETCHER32;
@@ -73,8 +74,9 @@ XfStatus read_filters(hid_t properties, XfTable& table) {
   unsigned options = 0;
   const bool all_alike = H5Pget_chunk_opts(properties, &options) >= 0 &&
                          (options & H5D_CHUNK_DONT_FILTER_PARTIAL_CHUNKS) == 0;
-  table.deflated =
-      all_alike && (filters.size() == 1 || table.shuffled) && filters.back() == H5Z_FILTER_DEFLATE;
+  const std::size_t others = (table.shuffled ? 1 : 0) + (table.has_checksums ? 1 : 0);
+  table.deflated = all_alike && filters.size() == others + 1 &&
+                   filters[table.shuffled ? 1 : 0] == H5Z_FILTER_DEFLATE;
   return {};
 }
 

@@ -40,9 +40,10 @@ struct XfTable {
   hsize_t chunk_components = 1;
   bool filtered = false;
   hsize_t largest_ratio = 1;  // how much the filters can shrink anything; 0: there is no limit
-  bool deflated = false;      // every chunk, by deflate alone or by shuffle and then deflate
+  bool deflated = false;      // every chunk: perhaps shuffled, deflated, perhaps with a checksum
   bool shuffled = false;
-  XfStoredFile file;  // its size bounds everything that is stored
+  bool has_checksums = false;  // behind the deflated bytes
+  XfStoredFile file;           // its size bounds everything that is stored
 
   // Of every chunk, counted row by row: what is stored can be read without HDF5. Data that are not
   // chunked are one chunk whose size is left out. Empty: HDF5 has to be asked.

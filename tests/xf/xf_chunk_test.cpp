@@ -4,6 +4,7 @@
 #include <numeric>
 #include <random>
 
+#include "in_crew_of.h"
 #include "xf/xf_chunk_reader.h"
 #include "xf_test_files.h"
 
@@ -137,6 +138,27 @@ TEST_F(XfChunkTest, OfOtherFormsAreLeftToHdf5) {
   }
 }
 
+TEST_F(XfChunkTest, AreDamagedWhereTheirChecksumDoesNotHold) {
+  const auto checked = [](hid_t properties) {
+    shuffle_and_deflate(properties);
+    H5Pset_fletcher32(properties);
+  };
+  // Of even and odd lengths.
+  for (hsize_t width = 997; width < 1003; ++width) {
+    open_values({{2, width}, {1, width}, checked});
+    XfChunkReader reader(table);
+    expect_row(reader, 0);
+    std::string bytes = folder.read("v.h5");
+    const std::size_t last = table.places[0].address + table.places[0].size - 1;
+    bytes[last] = static_cast<char>(bytes[last] ^ 1);
+    folder.write("v.h5", bytes);
+    std::vector<float> read;
+    expect_failure(read_row(reader, 0, read),
+                   "Values of output time 1 has damaged compressed bytes");
+    expect_row(reader, 1);
+  }
+}
+
 // Rows of chunks take 960 bytes; there is room for three output times.
 TEST_F(XfChunkTest, ThatAreTooLargeSideBySideAreInflatedOncePerWindow) {
   open_values({{20, 25}, {8, 10}, deflate});
@@ -148,6 +170,17 @@ TEST_F(XfChunkTest, ThatAreTooLargeSideBySideAreInflatedOncePerWindow) {
   for (const hsize_t row : {3, 4, 5}) expect_row(reader, row);
   EXPECT_FALSE(read_row(reader, 6, read).ok());
   EXPECT_FALSE(read_row(reader, 3, read).ok());
+}
+
+TEST_F(XfChunkTest, FillWindowsByACrewToo) {
+  open_values({{20, 25}, {8, 10}, shuffle_and_deflate});
+  for (const int threads : {2, 3, 8}) {
+    test::in_crew_of(threads, [&] {
+      XfChunkReader reader(table, {.smallest_shared_table = 0, .chunk_row = 350});
+      for (hsize_t row = 0; row < 20; ++row) expect_row(reader, row);
+      for (const hsize_t row : {3, 4, 5, 6, 17, 18, 19}) expect_row(reader, row);
+    });
+  }
 }
 
 TEST_F(XfChunkTest, StayAsLongAsTheyAreNeeded) {

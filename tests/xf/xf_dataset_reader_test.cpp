@@ -26,6 +26,11 @@ void deflate_and_checksum(hid_t properties) {
   H5Pset_fletcher32(properties);
 }
 
+void shuffle_deflate_and_checksum(hid_t properties) {
+  H5Pset_shuffle(properties);
+  deflate_and_checksum(properties);
+}
+
 // How Values and Active are stored; chunk extents of 0 nodes mean contiguous.
 struct Storage {
   const char* what;
@@ -86,6 +91,7 @@ std::vector<Storage> storages() {
           {"shuffle, split both", 2, 16, shuffle_and_deflate, real},
           {"deflate, not where chunks reach beyond the extents", 2, 16, deflate_whole_chunks, real},
           {"checksum", 2, 16, deflate_and_checksum, real},
+          {"shuffle and checksum", 1, node_count, shuffle_deflate_and_checksum, real},
           {"deflate 64-bit", 2, 16, deflate, H5T_IEEE_F64LE},
           {"deflate big-endian", 1, node_count, deflate, H5T_IEEE_F32BE},
           {"shuffled 16-bit integers", 3, 16, shuffle_and_deflate, H5T_STD_I16LE},
