@@ -26,6 +26,7 @@ struct XfGroupState {
   // Opened when first asked for.
   std::unique_ptr<XfRowReader> values;
   std::unique_ptr<XfRowReader> activity;
+  std::vector<std::int8_t> flags;  // some that are handed out
   std::optional<std::vector<double>> times;
 };
 
@@ -37,6 +38,12 @@ constexpr int vector_rank = 3;
 KERNEL_LOOP void make_zero_or_one(std::int8_t* flags, std::size_t count) {
 #pragma omp simd
   for (std::size_t i = 0; i < count; ++i) flags[i] = flags[i] != 0 ? 1 : 0;
+}
+
+KERNEL_LOOP void copy_as_zero_or_one(const std::int8_t* flags, std::size_t count,
+                                     std::int8_t* copy) {
+#pragma omp simd
+  for (std::size_t i = 0; i < count; ++i) copy[i] = flags[i] != 0 ? 1 : 0;
 }
 
 // Reading what is no longer there gives zeros; a file that grows is being written.
@@ -145,6 +152,32 @@ XfStatus read_vector(XfGroupState& group, hsize_t row, float* x, float* y) {
       row, [&](std::size_t first, std::size_t count, const std::byte* elements) {
         SEPARATE_COMPONENTS(reinterpret_cast<const float*>(elements),
                             static_cast<std::int64_t>(count), x + first, y + first);
+      });
+}
+
+// `has_flags` tells whether there are any to be read; an Active without columns is as good as none.
+XfStatus prepare_activity(XfGroupState& group, std::int32_t output_time, std::size_t flag_count,
+                          bool& has_flags) {
+  XfStatus status = open_activity(group);
+  if (!group.activity || group.activity->columns() == 0) return status;
+  status = check_output_time(group, "Active", *group.activity, output_time);
+  if (status.ok()) status = check_count("activity flags", flag_count, group.activity->columns());
+  has_flags = status.ok();
+  return status;
+}
+
+XfStatus read_flags_in_pieces(XfGroupState& group, std::int32_t output_time,
+                              const XfFlagSink& sink) {
+  constexpr std::size_t most_at_once = std::size_t{64} << 10;
+  group.flags.resize(most_at_once);
+  return group.activity->read_row_in_pieces(
+      output_time - 1, [&](std::size_t first, std::size_t count, const std::byte* elements) {
+        for (std::size_t done = 0; done < count; done += most_at_once) {
+          const std::size_t part = std::min(most_at_once, count - done);
+          Kernel<copy_as_zero_or_one>::run(reinterpret_cast<const std::int8_t*>(elements) + done,
+                                           part, group.flags.data());
+          sink(first + done, std::span(group.flags).first(part));
+        }
       });
 }
 
@@ -267,16 +300,22 @@ XfStatus XF_READ_VECTOR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t outp
 XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                    std::span<std::int8_t> flags) {
   return xf_guard_reading(group->file_name, [&] {
-    XfStatus status = open_activity(*group);
-    // An Active without columns is as good as none.
-    if (!group->activity || group->activity->columns() == 0) return status;
-    status = check_output_time(*group, "Active", *group->activity, output_time);
-    if (status.ok())
-      status = check_count("activity flags", flags.size(), group->activity->columns());
-    if (!status.ok()) return status;
+    bool has_flags = false;
+    XfStatus status = prepare_activity(*group, output_time, flags.size(), has_flags);
+    if (!has_flags) return status;
     status = read_row(*group, *group->activity, output_time, flags.data());
     Kernel<make_zero_or_one>::run(flags.data(), flags.size());
     return status;
+  });
+}
+
+XfStatus XF_READ_ACTIVITY_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                    std::size_t flag_count, const XfFlagSink& sink) {
+  return xf_guard_reading(group->file_name, [&] {
+    bool has_flags = false;
+    XfStatus status = prepare_activity(*group, output_time, flag_count, has_flags);
+    if (!has_flags) return status;
+    return with_size_checked(*group, read_flags_in_pieces(*group, output_time, sink));
   });
 }
 

@@ -67,4 +67,10 @@ XfStatus XF_READ_VECTOR_VALUES_IN_PIECES(const XfGroup& group, std::int32_t outp
 XfStatus XF_READ_ACTIVITY_TIMESTEP(const XfGroup& group, std::int32_t output_time,
                                    std::span<std::int8_t> flags);
 
+// The same piece by piece; `flag_count` is the length of the array above. Without activity the sink
+// is not called.
+using XfFlagSink = std::function<void(std::size_t first, std::span<const std::int8_t> flags)>;
+XfStatus XF_READ_ACTIVITY_IN_PIECES(const XfGroup& group, std::int32_t output_time,
+                                    std::size_t flag_count, const XfFlagSink& sink);
+
 }  // namespace quillet

@@ -62,24 +62,40 @@ void XmdfDatasetReader::read_in_pieces(std::int32_t output, std::string_view wha
                                  pieces.take_values(static_cast<std::int64_t>(first), values);
                                });
   if (!status.ok()) fail_on_values(what, status);
-  if (std::ssize(read_flags) != cell_count) SIZE_ARRAY(read_flags, cell_count);
-  read_statuses(output, read_flags);
-  pieces.take_statuses(0, read_flags);
+  check_statuses(read_activity_in_pieces(output, cell_count, pieces));
 }
 
 // Every cell of a dataset without activity counts as wet, whatever other datasets of the file have.
+XfStatus XmdfDatasetReader::count_flags() {
+  return flag_count ? XfStatus{} : XF_GET_DATASET_NUMACTIVE(group, flag_count.emplace());
+}
+
 XfStatus XmdfDatasetReader::read_activity(std::int32_t output, LargeArray<std::int8_t>& statuses) {
-  if (!flag_count) {
-    XfStatus status = XF_GET_DATASET_NUMACTIVE(group, flag_count.emplace());
-    if (!status.ok()) return status;
-  }
+  XfStatus status = count_flags();
+  if (!status.ok()) return status;
   if (*flag_count > 0) return XF_READ_ACTIVITY_TIMESTEP(group, output, statuses);
   std::fill(statuses.begin(), statuses.end(), std::int8_t{1});
   return {};
 }
 
-void XmdfDatasetReader::read_statuses(std::int32_t output, LargeArray<std::int8_t>& statuses) {
-  const XfStatus status = read_activity(output, statuses);
+XfStatus XmdfDatasetReader::read_activity_in_pieces(std::int32_t output, std::int32_t cell_count,
+                                                    OutputPieces& pieces) {
+  XfStatus status = count_flags();
+  if (!status.ok()) return status;
+  if (*flag_count > 0) {
+    return XF_READ_ACTIVITY_IN_PIECES(group, output, static_cast<std::size_t>(cell_count),
+                                      [&](std::size_t first, std::span<const std::int8_t> flags) {
+                                        pieces.take_statuses(static_cast<std::int64_t>(first),
+                                                             flags);
+                                      });
+  }
+  if (std::ssize(all_wet) != cell_count) SIZE_ARRAY(all_wet, cell_count);
+  std::fill(all_wet.begin(), all_wet.end(), std::int8_t{1});
+  pieces.take_statuses(0, all_wet);
+  return {};
+}
+
+void XmdfDatasetReader::check_statuses(const XfStatus& status) const {
   if (status.ok()) return;
   FAIL_XMDF("ERROR - Reading cell/wet dry flags [XF_READ_ACTIVITY_TIMESTEP] while reading ",
             header.file_name, opened_path, status);
@@ -87,7 +103,7 @@ void XmdfDatasetReader::read_statuses(std::int32_t output, LargeArray<std::int8_
 
 void XmdfDatasetReader::read(std::int32_t output, std::string_view what, RES_TYPE& record) {
   read_values(output, what, record);
-  read_statuses(output, record.cell.status);
+  check_statuses(read_activity(output, record.cell.status));
 }
 
 }  // namespace quillet

@@ -45,8 +45,11 @@ class XmdfDatasetReader {
 
  private:
   [[noreturn]] void fail_on_values(std::string_view what, const XfStatus& status) const;
-  void read_statuses(std::int32_t output, LargeArray<std::int8_t>& statuses);
+  void check_statuses(const XfStatus& status) const;
+  XfStatus count_flags();
   XfStatus read_activity(std::int32_t output, LargeArray<std::int8_t>& statuses);
+  XfStatus read_activity_in_pieces(std::int32_t output, std::int32_t cell_count,
+                                   OutputPieces& pieces);
 
   const XmdfFileHeader& header;
   std::string opened_path;
@@ -54,7 +57,7 @@ class XmdfDatasetReader {
   XfGroup group;
   std::vector<double> output_times;
   std::optional<std::int32_t> flag_count;  // of the activity, once it was asked for
-  LargeArray<std::int8_t> read_flags;      // where no record takes them
+  LargeArray<std::int8_t> all_wet;         // where there is no activity and no record
 };
 
 }  // namespace quillet
