@@ -36,17 +36,24 @@ MeshMap::MeshMap(const MeshMapJob& map_job) : job(map_job) {
 }
 
 void MeshMap::find_times() {
-  if (job.time) {
-    taken_times = {*job.time};
-    return;
-  }
+  seeks_times = job.time.has_value() || take_stored_alone();
+  if (job.time) taken_times = {*job.time};
   ResultSource& source = *job.inputs.sources.front();
-  if (source.at_end()) return;
+  if (seeks_times || source.at_end()) return;
   const std::vector<float> times = source.times_ahead();
   if (times.empty()) source.pass_next();  // which ends the run: the first one is cut short
   takes_special_times = std::none_of(times.begin(), times.end(), is_ordinary);
   std::copy_if(times.begin(), times.end(), std::back_inserter(taken_times),
                [&](float time) { return is_taken(time); });
+}
+
+// What a file keeps apart from the walk is all that there is in one without a walk.
+bool MeshMap::take_stored_alone() {
+  const ResultSource& source = *job.inputs.sources.front();
+  if (source.has_walk()) return false;
+  if (source.has_stored(Extreme::maximum)) taken_times.push_back(stored_maximum_time);
+  if (source.has_stored(Extreme::minimum)) taken_times.push_back(stored_minimum_time);
+  return !taken_times.empty();
 }
 
 bool MeshMap::is_taken(float time) const {
@@ -76,10 +83,12 @@ void MeshMap::load_mesh() {
 
 void MeshMap::read_each(const std::function<void(RES_TYPE& step)>& use) {
   ResultSource& source = *job.inputs.sources.front();
-  if (job.time) {
-    job.inputs.find_time(*job.time, job.tolerance);
-    source.read_at_time(*job.time, job.tolerance, job.step);
-    use(job.step);
+  if (seeks_times) {
+    for (const float time : taken_times) {
+      job.inputs.find_time(time, job.tolerance);
+      source.read_at_time(time, job.tolerance, job.step);
+      use(job.step);
+    }
     return;
   }
   while (!source.at_end()) {

@@ -48,12 +48,14 @@ class MeshMap {
  private:
   void load_mesh();
   void find_times();
+  bool take_stored_alone();
   bool is_taken(float time) const;
 
   MeshMapJob job;
   PartMesh part_mesh;
   bool values_per_element = false;
   bool takes_special_times = false;
+  bool seeks_times = false;  // each by itself, not on a walk
   std::vector<float> taken_times;
 };
 

@@ -32,6 +32,9 @@ class ResultSource {
   virtual void limit_to(const std::vector<std::int32_t>& nodes,
                         const std::vector<std::int32_t>& cells) = 0;
 
+  // Whether there is a walk over output times; to be asked where stored extremes alone would do.
+  virtual bool has_walk() const { return true; }
+
   // The walk over all output times, from the first to the last.
   virtual bool at_end() const = 0;
   virtual double next_time() = 0;  // not at the end

@@ -27,6 +27,7 @@ class XmdfSource : public ResultSource {
   // A chunk is read as a whole in any case.
   void limit_to(const std::vector<std::int32_t>&, const std::vector<std::int32_t>&) override {}
 
+  bool has_walk() const override { return header.datasets().temporal != 0; }
   bool at_end() const override;
   double next_time() override { return header.times[outputs_passed]; }
   bool has_short_times() const override;

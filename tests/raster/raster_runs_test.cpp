@@ -1,6 +1,7 @@
 // --grid and --points as whole runs: small files worked out by hand, and what is refused. Larger
 // rasters are compared by a foreign reader.
 #include <cmath>
+#include <filesystem>
 
 #include "program/file_runs.h"
 #include "xmdf_builder.h"
@@ -240,6 +241,24 @@ TEST(RasterRuns, xmdf_without_activity_is_wet_everywhere) {
   const RunResult run = RUN(folder, WORDS("-b --grid=1 -typed -out x.asc a.xmdf"));
   EXPECT_EQ(folder.read("x.asc"), grid_of("6.5 16.5 26.5 36.5\n5.5 15.5 25.5 35.5\n"))
       << run.output;
+}
+
+// As an engine leaves them that writes no other output times.
+TEST(RasterRuns, stored_extremes_are_taken_where_there_is_nothing_else) {
+  const Workspace folder;
+  folder.write("a.2dm", mesh);
+  folder.write("p.csv", "name,x,y\nA,0,0\n");
+  MAKE_XMDF(folder, "a.xmdf",
+            {{"a/Maximums/Depth", shape, {{99999, {}, plane}}},
+             {"a/Minimums/Depth", shape, {{-99999, {}, plane}}}});
+  const RunResult run = RUN(folder, WORDS("-b --points=p.csv -typed -out p_out.csv a.xmdf"));
+  EXPECT_EQ(folder.read("p_out.csv"), "time,A\n99999,0\n-99999,0\n") << run.output;
+  MAKE_XMDF(folder, "b.xmdf", {{"b/Maximums/Depth", shape, {{99999, {}, plane}}}});
+  for (const std::string time : {"", "-t99999 "}) {
+    RUN(folder, WORDS("-b --grid=1 -typed -2dm a.2dm " + time + "-out x.asc b.xmdf"));
+    EXPECT_EQ(folder.read("x.asc"), grid_of("6.5 16.5 26.5 36.5\n5.5 15.5 25.5 35.5\n")) << time;
+    std::filesystem::remove(folder.path("x.asc"));
+  }
 }
 
 TEST(RasterRuns, results_per_cell_are_constant_in_it) {
