@@ -20,6 +20,7 @@ namespace {
 // Tells of each file whether it may be opened, up to the first that may not.
 std::vector<XfStatus> try_files(const std::vector<XmdfFileHeader>& files) {
   std::vector<std::string> names;
+  names.reserve(files.size());
   for (const XmdfFileHeader& header : files) names.push_back(header.file_name);
   std::vector<XfStatus> tried = XF_TRY_FILES(names);
   END_IF_INTERRUPTED();
