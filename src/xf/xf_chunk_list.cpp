@@ -1,5 +1,6 @@
 #include "xf/xf_chunk_list.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -133,34 +134,43 @@ class ChunkTree {
 
  private:
   static constexpr int most_levels = 16;
+  static constexpr std::size_t head_size = 24;
+  static constexpr std::size_t usual_entries = 64;
 
   struct Node {
     int level = 0;  // 0: a leaf
     std::size_t count = 0;
-    Bytes entries;  // a key and an address each
+    Bytes bytes;  // a head, then entries of a key and an address each
   };
 
+  // Most files have room for 64 entries in a node: these are read with its head.
   std::optional<Node> read_node(std::uint64_t address) const {
-    constexpr std::size_t head_size = 24;
     constexpr std::array<char, 5> chunk_tree = {'T', 'R', 'E', 'E', 1};
-    const std::optional<Bytes> head = bytes_at(table.file, address, head_size);
-    if (!head || std::memcmp(head->data(), chunk_tree.data(), chunk_tree.size()) != 0) {
+    std::optional<Bytes> bytes = bytes_up_to(address, head_size + usual_entries * entry_size());
+    if (!bytes || std::memcmp(bytes->data(), chunk_tree.data(), chunk_tree.size()) != 0) {
       return std::nullopt;
     }
-    Node node{.level = number_at<std::uint8_t>(*head, 5),
-              .count = number_at<std::uint16_t>(*head, 6),
-              .entries = {}};
-    std::optional<Bytes> entries =
-        bytes_at(table.file, address + head_size, node.count * entry_size());
-    if (!entries) return std::nullopt;
-    node.entries = std::move(*entries);
+    Node node{.level = number_at<std::uint8_t>(*bytes, 5),
+              .count = number_at<std::uint16_t>(*bytes, 6),
+              .bytes = {}};
+    const std::size_t size = head_size + node.count * entry_size();
+    if (size > bytes->size()) bytes = bytes_at(table.file, address, size);
+    if (!bytes) return std::nullopt;
+    node.bytes = std::move(*bytes);
     return node;
+  }
+
+  // As many as the file has, but a head.
+  std::optional<Bytes> bytes_up_to(std::uint64_t address, std::uint64_t most) const {
+    const std::uint64_t end = table.file.size();
+    if (address > end || end - address < head_size) return std::nullopt;
+    return bytes_at(table.file, address, std::min(most, end - address));
   }
 
   bool list(const Node& node) {
     for (std::size_t i = 0; i < node.count; ++i) {
-      const std::size_t entry = i * entry_size();
-      const auto address = number_at<std::uint64_t>(node.entries, entry + key_size);
+      const std::size_t entry = head_size + i * entry_size();
+      const auto address = number_at<std::uint64_t>(node.bytes, entry + key_size);
       if (!(node.level == 0 ? add_chunk(node, entry, address) : list_below(node, address))) {
         return false;
       }
@@ -175,8 +185,8 @@ class ChunkTree {
 
   // The next one in order, whole, within the file.
   bool add_chunk(const Node& node, std::size_t key, std::uint64_t address) {
-    const XfChunkPlace place{address, number_at<std::uint32_t>(node.entries, key),
-                             number_at<std::uint32_t>(node.entries, key + 4)};
+    const XfChunkPlace place{address, number_at<std::uint32_t>(node.bytes, key),
+                             number_at<std::uint32_t>(node.bytes, key + 4)};
     const bool fits = place.size > 0 && address <= table.file.size() &&
                       place.size <= table.file.size() - address &&
                       (table.filtered || place.size == xf_chunk_bytes(table));
@@ -193,7 +203,7 @@ class ChunkTree {
     const auto rank = static_cast<std::size_t>(table.rank);
     for (std::size_t i = 0; i <= rank; ++i) {
       const std::uint64_t expected = i < rank ? first[i] : 0;
-      if (number_at<std::uint64_t>(node.entries, offsets + 8 * i) != expected) return false;
+      if (number_at<std::uint64_t>(node.bytes, offsets + 8 * i) != expected) return false;
     }
     return true;
   }
@@ -207,19 +217,8 @@ class ChunkTree {
 
 }  // namespace
 
-bool xf_has_plain_addresses(const XfTable& table) {
-  const XfFileHandle file(H5Iget_file_id(table.dataset.get()));
-  const XfPropertiesHandle creation(H5Fget_create_plist(file.get()));
-  hsize_t user_block = 0;
-  std::size_t addresses = 0;
-  std::size_t lengths = 0;
-  return table.file.is_readable() && H5Pget_userblock(creation.get(), &user_block) >= 0 &&
-         user_block == 0 && H5Pget_sizes(creation.get(), &addresses, &lengths) >= 0 &&
-         addresses == address_size && lengths == address_size;
-}
-
 std::vector<XfChunkPlace> xf_list_chunks(const XfTable& table) {
-  if (!xf_has_plain_addresses(table)) return {};
+  if (!table.file.is_readable()) return {};
   const std::optional<std::uint64_t> root = tree_address(table);
   ChunkTree tree(table);
   if (!root || !tree.list_all(*root)) return {};

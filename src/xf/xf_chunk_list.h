@@ -13,7 +13,4 @@ namespace quillet {
 // when the list contradicts what HDF5 has told about the table.
 std::vector<XfChunkPlace> xf_list_chunks(const XfTable& table);
 
-// Whether addresses are bytes from the file's beginning, of 64 bits, and the file can be read.
-bool xf_has_plain_addresses(const XfTable& table);
-
 }  // namespace quillet

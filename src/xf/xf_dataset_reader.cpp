@@ -89,10 +89,13 @@ XfStatus open_values(XfGroupState& group) {
 // damaged: that is not the same as a member that is not there.
 XfStatus open_activity(XfGroupState& group) {
   if (group.activity) return {};
-  if (xf_look_for_member(group.id.get(), "Active") == XfMember::State::absent) return {};
   auto reader = std::make_unique<XfRowReader>();
   XfStatus status = reader->open_flags(group.id.get(), "Active", group.file);
-  if (status.ok()) group.activity = std::move(reader);
+  if (status.ok()) {
+    group.activity = std::move(reader);
+  } else if (xf_look_for_member(group.id.get(), "Active") == XfMember::State::absent) {
+    return {};
+  }
   return status;
 }
 

@@ -111,14 +111,6 @@ XfFileHandle create_file(const std::string& name) {
   return XfFileHandle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access.get()));
 }
 
-// The system's handle behind HDF5's usual file driver; negative when there is none.
-SystemFile descriptor_of(hid_t file) {
-  void* descriptor = nullptr;
-  return H5Fget_vfd_handle(file, H5P_DEFAULT, &descriptor) >= 0
-             ? *static_cast<SystemFile*>(descriptor)
-             : no_file;
-}
-
 bool holds_numbers(hid_t dataset) {
   const XfTypeHandle type(H5Dget_type(dataset));
   return xf_is_number(type.get());
@@ -134,11 +126,12 @@ XfStatus write_what_is_left(const XfFileState& file) {
   return H5Fflush(file.id.get(), H5F_SCOPE_LOCAL) >= 0 ? XfStatus{} : incomplete();
 }
 
-// Cutting a file to the length that it has gives back the blocks beyond.
-void give_back_reserve(const std::filesystem::path& name) noexcept {
+// Cutting a file to the length that it has gives back the blocks beyond. Some file systems write
+// its end to the disk first, so it is not done when there are none.
+void give_back_beyond_end(const std::filesystem::path& name, std::uint64_t reserved_end) noexcept {
   std::error_code error;
   const auto size = std::filesystem::file_size(name, error);
-  if (!error) std::filesystem::resize_file(name, size, error);
+  if (!error && size < reserved_end) std::filesystem::resize_file(name, size, error);
 }
 
 XfStatus list_once(XfFileState& file) {
@@ -183,13 +176,11 @@ XfStatus open_file(const std::string& name, XfFile& file) {
   if (!opened.valid()) return opening_failure(name, xf_last_error());
   status = check_root(opened.get());
   if (!status.ok()) return status;
-  hsize_t size = 0;
-  if (H5Fget_filesize(opened.get(), &size) < 0) return XF_FAILURE("the file has no size");
   file.reset(new XfFileState(std::move(opened), ""));
   file->opened_name = name;
-  file->descriptor = descriptor_of(file->id.get());
+  file->descriptor = xf_system_file(file->id.get());
   file->opened_size = SYSTEM_FILE_SIZE(file->descriptor);
-  file->stored = XfStoredFile(file->descriptor, size);
+  file->stored = XfStoredFile(file->id.get());
   return {};
 }
 
@@ -211,7 +202,7 @@ XfStatus create_xmdf_file(const std::string& name, XfFile& file) {
 XfFileState::~XfFileState() {
   const FileAtRisk reading(opened_name, xf_fatal_damage);
   id.close();
-  if (!created_name.empty()) give_back_reserve(created_name);
+  if (!created_name.empty()) give_back_beyond_end(created_name, reserved_end);
 }
 
 void XfFileCloser::operator()(XfFileState* state) const {
@@ -228,12 +219,15 @@ XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {
 
 void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {
   hsize_t size = 0;
-  const SystemFile descriptor = descriptor_of(file->id.get());
+  const SystemFile descriptor = xf_system_file(file->id.get());
   if (bytes <= 0 || descriptor < 0 || H5Fget_filesize(file->id.get(), &size) < 0) return;
   // The file must not look longer than what HDF5 has written.
-  const bool reserved = RESERVE_BEYOND_END(descriptor, static_cast<std::int64_t>(size), bytes);
+  file->reserved_end =
+      std::max<std::uint64_t>(file->reserved_end, size + static_cast<hsize_t>(bytes));
   // What a full disk could give is given back: the guess may be too high.
-  if (!reserved) give_back_reserve(file->created_name);
+  if (!RESERVE_BEYOND_END(descriptor, static_cast<std::int64_t>(size), bytes)) {
+    give_back_beyond_end(file->created_name, file->reserved_end);
+  }
 }
 
 XfStatus XF_CLOSE_FILE(XfFile& file) {

@@ -25,6 +25,7 @@ struct XfFileState {
   XfFileHandle id;
   std::optional<XfDatasetPaths> paths;  // once they have been asked for
   std::filesystem::path created_name;   // of a file that is being written; else empty
+  std::uint64_t reserved_end = 0;       // of what was reserved for it
   std::string opened_name;              // of a file that is read; else empty
   // Of a file that is read: HDF5's handle of the system's, and the bytes when it was opened, or -1.
   SystemFile descriptor = no_file;

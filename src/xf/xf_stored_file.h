@@ -2,6 +2,8 @@
 // in any thread.
 #pragma once
 
+#include <hdf5.h>
+
 #include <cstdint>
 #include <memory>
 
@@ -12,11 +14,12 @@ namespace quillet {
 class XfStoredFile {
  public:
   XfStoredFile() = default;
-  // HDF5's own handle, which is left alone, and the bytes of the file as HDF5 found them.
-  XfStoredFile(SystemFile opened, std::uint64_t size);
+  // HDF5's file, whose own handle is left alone, with the bytes that HDF5 found there.
+  explicit XfStoredFile(hid_t file);
 
   std::uint64_t size() const { return byte_count; }
-  // False where the system gives no second handle.
+  // False where addresses are none of 64 bits from the file's beginning, and where the system gives
+  // no second handle.
   bool is_readable() const { return handle != nullptr; }
   // False unless all bytes could be read.
   bool read(std::uint64_t position, void* destination, std::uint64_t count) const;
@@ -25,5 +28,8 @@ class XfStoredFile {
   std::shared_ptr<const SystemFile> handle;  // of whatever is still read, too
   std::uint64_t byte_count = 0;
 };
+
+// The system's handle behind HDF5's usual file driver, or none.
+SystemFile xf_system_file(hid_t file);
 
 }  // namespace quillet

@@ -140,7 +140,7 @@ void find_places(XfTable& table) {
   table.chunk_components = table.components;
   const bool is_here = address != HADDR_UNDEF && address <= table.file.size() &&
                        claimed_bytes(table) <= static_cast<double>(table.file.size() - address);
-  if (is_here && may_be_read_here(table) && xf_has_plain_addresses(table)) {
+  if (is_here && may_be_read_here(table) && table.file.is_readable()) {
     table.places = {{.address = address}};
   }
 }

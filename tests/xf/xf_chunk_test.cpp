@@ -35,13 +35,8 @@ class XfChunkTest : public XfTest {
       make_member(created.get(), "Values", H5T_IEEE_F32LE, shape, H5T_NATIVE_FLOAT, values);
     }
     file = XfFileHandle(H5Fopen(path("v.h5").c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
-    void* descriptor = nullptr;
-    hsize_t size = 0;
-    ASSERT_GE(H5Fget_vfd_handle(file.get(), H5P_DEFAULT, &descriptor), 0);
-    ASSERT_GE(H5Fget_filesize(file.get(), &size), 0);
-    const XfStoredFile stored(*static_cast<SystemFile*>(descriptor), size);
-    ASSERT_OK(
-        xf_open_table(file.get(), "Values", static_cast<int>(shape.extents.size()), stored, table));
+    ASSERT_OK(xf_open_table(file.get(), "Values", static_cast<int>(shape.extents.size()),
+                            XfStoredFile(file.get()), table));
   }
 
   void expect_places_of_hdf5() {
