@@ -100,6 +100,15 @@ XfStatus check_root(hid_t file) {
   return status.ok() ? check_place_of_version(file) : status;
 }
 
+// Some file systems write a file that was emptied to the disk when it is next closed, by whoever
+// has opened it, and let the closer wait: that is now, not when it is full.
+void close_while_empty(const std::string& name) {
+  std::int64_t size = 0;
+  std::string reason;
+  const SystemFile file = OPEN_REGULAR_FILE(name, size, reason);
+  if (file != no_file) CLOSE_SYSTEM_FILE(file);
+}
+
 XfFileHandle create_file(const std::string& name) {
   const XfPropertiesHandle creation(H5Pcreate(H5P_FILE_CREATE));
   // Equal runs give equal bytes: no times in the file.
@@ -108,7 +117,9 @@ XfFileHandle create_file(const std::string& name) {
   // Old viewers read the earliest format only.
   H5Pset_libver_bounds(access.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18);
   H5Pset_fclose_degree(access.get(), H5F_CLOSE_SEMI);
-  return XfFileHandle(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access.get()));
+  XfFileHandle created(H5Fcreate(name.c_str(), H5F_ACC_TRUNC, creation.get(), access.get()));
+  close_while_empty(name);
+  return created;
 }
 
 bool holds_numbers(hid_t dataset) {
