@@ -36,7 +36,8 @@ struct CardRun {
   std::array<typename Cards::Element, most> elements;
   std::size_t node_count = 0;  // one of the counts is 0
   std::size_t element_count = 0;
-  std::size_t length = 0;  // of its lines
+  std::size_t length = 0;             // of its lines
+  std::array<DigitRuns, 4> digits{};  // of the last line of each card
 
   void clear() { node_count = element_count = length = 0; }
 
@@ -75,9 +76,11 @@ template <typename Cards, typename Values>
 // Takes the card of an ordinary line. Returns where its values end; null for any other line.
 template <typename Cards>
 [[gnu::always_inline]] inline const char* TAKE_QUICKLY(const Cards& cards, MeshCard card,
-                                                       const char* line, CardRun<Cards>& run) {
+                                                       const char* line, const char* text_end,
+                                                       CardRun<Cards>& run) {
   const bool is_node = card == MeshCard::node;
-  QuickValues values(line + (is_node ? node_values_start : element_values_start));
+  QuickValues values(line + (is_node ? node_values_start : element_values_start), text_end,
+                     run.digits[static_cast<std::size_t>(card)]);
   if (!TAKE_VALUES(cards, card, values, run)) return nullptr;
   const char* const end = values.end();
   return end != nullptr && end <= line + Cards::width ? end : nullptr;
@@ -108,7 +111,7 @@ void READ_RUN(const Cards& cards, std::string_view text, CardRun<Cards>& run) {
       if (*line == mesh_part_card[0]) break;
     } else if (card != MeshCard::quad9 || cards.quad9() == Quad9Cards::are_read) {
       if (!run.takes(card)) break;
-      place = TAKE_QUICKLY(cards, card, line, run);
+      place = TAKE_QUICKLY(cards, card, line, end, run);
       if (place == nullptr) {
         place = line;
         const std::string_view rest(line, static_cast<std::size_t>(end - line));

@@ -11,6 +11,8 @@
 #include <system_error>
 #include <type_traits>
 
+#include "mesh/digit_reader.h"
+
 namespace quillet {
 
 // Each value is what ListValues gives for it, to the last bit. False stands for anything that is
@@ -18,8 +20,9 @@ namespace quillet {
 // which decides.
 class QuickValues {
  public:
-  // The text must be followed by a line end.
-  explicit QuickValues(const char* text) : first(text), at(text) {}
+  // The text must be followed by a line end, before `text_end`. See DigitReader.
+  QuickValues(const char* text, const char* text_end, DigitRuns& expected)
+      : first(text), at(text), line_digits(text_end, expected) {}
 
   // Just after the last value taken; null when what follows shows that the line is not ordinary.
   const char* end() const { return is_separator(*at) ? at : nullptr; }
@@ -29,23 +32,37 @@ class QuickValues {
 
   // Goes past what value(float&) would take, without working out what nobody wants to know.
   [[gnu::always_inline]] bool skip_real() {
-    Number number(value_start());
-    number.take_decimal();
-    if (number.digit_count - 1 >= most_skipped_digits || !may_follow(*number.place)) {
-      float ignored = 0;
-      return take_other(number, ignored);
+    const char* place = value_start();
+    if (place == nullptr) return false;
+    if (*place == '-') [[unlikely]]
+      ++place;
+    std::size_t digit_count = line_digits.skip(runs++, place);
+    const std::size_t decimals = runs++;
+    if (*place == '.') {
+      ++place;
+      digit_count += line_digits.skip(decimals, place);
     }
-    at = number.place;
+    if (digit_count - 1 >= most_skipped_digits || !may_follow(*place)) {
+      place = end_of_other(value_start(), line_digits, decimals - 1);
+    }
+    if (place == nullptr) return false;
+    at = place;
     return true;
   }
 
   [[gnu::always_inline]] bool value(std::int32_t& result) {
-    Number number(value_start());
-    if (number.take_digits() - 1 >= most_integer_digits) return false;
-    const auto size = static_cast<std::int32_t>(number.digits);
-    result = number.is_negative ? -size : size;
-    at = number.place;
-    return may_follow(*at);
+    const std::size_t run = runs++;
+    const char* place = at + 1;
+    std::uint64_t number = 0;
+    if (is_at_one_separator() && line_digits.take_expected(run, place, number)) [[likely]] {
+      result = static_cast<std::int32_t>(number);
+      at = place;
+      return true;
+    }
+    place = read_integer(value_start(), line_digits, run, result);
+    if (place == nullptr) return false;
+    at = place;
+    return true;
   }
 
   [[gnu::always_inline]] bool value(std::int8_t& result) {
@@ -58,6 +75,7 @@ class QuickValues {
   // What is longer than two characters is not ordinary.
   [[gnu::always_inline]] bool code(std::array<char, 2>& result) {
     const char* const text = value_start();
+    if (text == nullptr) return false;
     const bool is_quoted = *text == '"' || *text == '\'';
     const char* place = text + (is_quoted ? 1 : 0);
     const auto ends = [&](char c) { return is_quoted ? c == *text : is_separator(c); };
@@ -86,38 +104,30 @@ class QuickValues {
   // A number being read. Its place in the text is its own, as a place in the object would be
   // written to memory with every character.
   struct Number {
-    [[gnu::always_inline]] explicit Number(const char* text)
-        : place(text), is_negative(*text == '-') {
-      place += is_negative ? 1 : 0;
+    [[gnu::always_inline]] explicit Number(const char* text) : place(text) {
+      if (*place != '-') return;
+      is_negative = true;
+      ++place;
     }
 
     // Appends the digits that follow and returns how many they were. Too many wrap around.
-    [[gnu::always_inline]] std::size_t take_digits() {
-      const char* digit_at = place;
-      std::uint64_t value = digits;
-      for (unsigned digit = 0; (digit = static_cast<unsigned char>(*digit_at) - unsigned{'0'}) < 10;
-           ++digit_at) {
-        value = value * 10 + digit;
-      }
-      const auto count = static_cast<std::size_t>(digit_at - place);
-      place = digit_at;
-      digits = value;
-      return count;
+    [[gnu::always_inline]] std::size_t take_digits(const DigitReader& reader, std::size_t run) {
+      return reader.take(run, place, digits);
     }
 
     // Digits with or without a decimal point.
-    [[gnu::always_inline]] void take_decimal() {
-      digit_count = take_digits();
+    [[gnu::always_inline]] void take_decimal(const DigitReader& reader, std::size_t run) {
+      digit_count = take_digits(reader, run);
       if (*place != '.') return;
       ++place;
-      const std::size_t decimals = take_digits();
+      const std::size_t decimals = take_digits(reader, run + 1);
       digit_count += decimals;
       exponent = -static_cast<int>(decimals);
     }
 
     // The same; false when there is more or less to the number than a few digits.
-    [[gnu::always_inline]] bool take_short_decimal() {
-      take_decimal();
+    [[gnu::always_inline]] bool take_short_decimal(const DigitReader& reader, std::size_t run) {
+      take_decimal(reader, run);
       return digit_count - 1 < most_decimal_digits && may_follow(*place);
     }
 
@@ -156,19 +166,43 @@ class QuickValues {
     std::uint64_t digits = 0;
     std::size_t digit_count = 0;
     int exponent = 0;  // the value is digits * 10^exponent
-    bool is_negative;
+    bool is_negative = false;
   };
 
   template <typename Real>
   [[gnu::always_inline]] bool take_real(Real& result) {
-    Number number(value_start());
-    if (!number.take_short_decimal()) return take_other(number, result);
+    const std::size_t run = runs;
+    runs += 2;
+    const char* const text = value_start();
+    if (text == nullptr) return false;
+    Number number(text);
+    if (!number.take_short_decimal(line_digits, run)) return take_other(number, result);
     const double size = static_cast<double>(static_cast<std::int64_t>(number.digits)) /
                         powers_of_ten[static_cast<std::size_t>(-number.exponent)];
     if (std::is_same_v<Real, float> && is_midway(size)) return take_other(number, result);
     result = static_cast<Real>(number.is_negative ? -size : size);
     at = number.place;
     return true;
+  }
+
+  [[gnu::noinline]] static const char* read_integer(const char* text, DigitReader reader,
+                                                    std::size_t run, std::int32_t& value) {
+    if (text == nullptr) return nullptr;
+    Number number(text);
+    if (number.take_digits(reader, run) - 1 >= most_integer_digits) return nullptr;
+    const auto size = static_cast<std::int32_t>(number.digits);
+    value = number.is_negative ? -size : size;
+    return number.place;
+  }
+
+  // Where a number that is not a plain one ends; null when it cannot be read.
+  [[gnu::noinline]] static const char* end_of_other(const char* text, DigitReader reader,
+                                                    std::size_t run) {
+    Number number(text);
+    number.take_decimal(reader, run);
+    float ignored = 0;
+    return read_other(text, number.place, number.digits, number.digit_count, number.exponent,
+                      ignored);
   }
 
   // A number with many digits or with an exponent, of which the digits have been taken.
@@ -220,21 +254,21 @@ class QuickValues {
     return (bits & 0x1FFFFFFF) == 0x10000000;
   }
 
-  // Where the next value starts, or something that is none: mostly after one separator.
-  [[gnu::always_inline]] const char* value_start() const {
-    const char* place = at;
-    if (*place == ' ' || *place == '\t') {
-      ++place;
-    } else if (*place == ',' && place != first) {
-      ++place;
-      return *place <= ',' ? after_separators(place, false) : place;
-    }
-    return *place <= ',' ? after_separators(place, at != first) : place;
+  // A comma before the first value would be a value that is not stated.
+  [[gnu::always_inline]] bool is_at_one_separator() const {
+    return *at == ' ' || *at == '\t' || (*at == ',' && at != first);
   }
 
-  [[gnu::noinline]] static const char* after_separators(const char* place, bool may_be_comma) {
+  // Where the next value starts, or something that is none: mostly after one separator. Null where
+  // the value before it has not ended.
+  [[gnu::always_inline]] const char* value_start() const {
+    return is_at_one_separator() && at[1] > ',' ? at + 1 : after_separators(at, at == first);
+  }
+
+  [[gnu::noinline]] static const char* after_separators(const char* place, bool is_first) {
+    if (!is_first && !may_follow(*place)) return nullptr;
     while (is_blank(*place)) ++place;
-    if (*place != ',' || !may_be_comma) return place;
+    if (*place != ',' || is_first) return place;
     ++place;
     while (is_blank(*place)) ++place;
     return place;
@@ -248,6 +282,8 @@ class QuickValues {
 
   const char* first;
   const char* at;
+  DigitReader line_digits;
+  std::size_t runs = 0;  // of digits, in the numbers before
 };
 
 }  // namespace quillet

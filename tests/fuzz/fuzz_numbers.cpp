@@ -17,8 +17,8 @@ namespace quillet {
 namespace {
 
 template <typename Value>
-void check_reading(const std::string& line) {
-  QuickValues quick(line.data());
+void compare_readings(const std::string& line, DigitRuns& of_line_before) {
+  QuickValues quick(line.data(), line.data() + line.size(), of_line_before);
   ListValues general(std::string_view(line).substr(0, line.size() - 1));
   for (;;) {
     Value value{}, expected{};
@@ -30,6 +30,14 @@ void check_reading(const std::string& line) {
     }
     if (std::memcmp(&value, &expected, sizeof value) != 0) std::abort();
   }
+}
+
+// The second time as a line like the one before it.
+template <typename Value>
+void check_reading(const std::string& line) {
+  DigitRuns of_line_before;
+  compare_readings<Value>(line, of_line_before);
+  compare_readings<Value>(line, of_line_before);
 }
 
 void check_writing(float value) {
