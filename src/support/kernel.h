@@ -1,6 +1,7 @@
 // Loops over nodes or cells, built for several kinds of processors. The form that runs is chosen
 // once, when the program starts. All forms give the same bits: contraction is off for the whole
-// build, and no form has operations that round differently.
+// build, and no form has operations that round differently. Only which NaN comes of two NaNs may
+// differ, which compilers do not promise.
 //
 //     KERNEL_LOOP void add_arrays(std::int64_t count, const float* a, const float* b, float* sum) {
 //     #pragma omp simd

@@ -61,8 +61,11 @@ class Results {
  public:
   template <typename Array>
   void add(const Array& values) {
-    const auto* const first = reinterpret_cast<const char*>(values.data());
-    bytes.append(first, values.size() * sizeof values[0]);
+    for (auto value : values) {
+      // Which of two NaNs a sum becomes is the compiler's choice.
+      if (value != value) value = std::numeric_limits<decltype(value)>::quiet_NaN();
+      bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
   }
   void add(const RES_TYPE& record) {
     add(record.nd.x);
