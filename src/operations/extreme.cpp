@@ -30,7 +30,6 @@ constexpr MapSet minimum_maps{{"", minimum_marker_time, minimum_marker_time},
 // The file's record for one input: over all output times, or at the time asked for.
 void read_file_extreme(Extreme extreme, OperationJob& job, ResultSource& source) {
   FileExtreme& file = job.work.file;
-  RESET_FILE_EXTREME(extreme, file);
   if (job.time) {
     source.read_at_time(*job.time, job.tolerance, file.record);
     if (file.record.is_vector != job.shape.is_vector) {
@@ -64,13 +63,20 @@ void size_unknown_cells(OperationJob& job, const MESH_GEOMETRY_TYPE& mesh) {
   SIZE_STATUSES(work.file.record, mesh.element_count);
 }
 
+void set_initial_statuses(Extreme extreme, RES_TYPE& record) {
+  std::fill(record.cell.status.begin(), record.cell.status.end(), INITIAL_STATUS(extreme));
+}
+
+// The work arrays are new: their values and times need not be reset for the first input.
 void fold_inputs(Extreme extreme, OperationJob& job,
                  const std::optional<MESH_GEOMETRY_TYPE>& mesh) {
   RES_TYPE& overall = job.work.result;
   std::vector<std::uint8_t> node_counts;
-  RESET_RECORD(overall, INITIAL_STATUS(extreme));
+  set_initial_statuses(extreme, overall);
+  set_initial_statuses(extreme, job.work.file.record);
   if (job.time) job.inputs.find_time(*job.time, job.tolerance);
   for (std::size_t input = 0; input < job.inputs.sources.size(); ++input) {
+    if (input > 0) RESET_FILE_EXTREME(extreme, job.work.file);
     read_file_extreme(extreme, job, *job.inputs.sources[input]);
     const bool restricted = mesh && job.inputs.types[input].is_water_level;
     if (restricted) {

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <type_traits>
 #include <utility>
 
-#include "support/zeroed_memory.h"
+#include "support/large_array.h"
 
 namespace quillet {
 
@@ -24,14 +26,14 @@ class ZeroedTable {
     swap(other);
     return *this;
   }
-  ~ZeroedTable() { FREE_ZEROED(memory); }
+  ~ZeroedTable() { FREE_LARGE(memory); }
 
   std::size_t size() const { return count; }
   std::size_t capacity() const { return room; }
   bool empty() const { return count == 0; }
 
-  Item* data() { return static_cast<Item*>(memory.start); }
-  const Item* data() const { return static_cast<const Item*>(memory.start); }
+  Item* data() { return static_cast<Item*>(memory); }
+  const Item* data() const { return static_cast<const Item*>(memory); }
   Item* begin() { return data(); }
   Item* end() { return data() + count; }
   const Item* begin() const { return data(); }
@@ -44,10 +46,11 @@ class ZeroedTable {
   void reserve(std::size_t wanted) {
     if (wanted <= room) return;
     ZeroedTable larger;
-    larger.memory = ALLOCATE_ZEROED(wanted, sizeof(Item));
+    if (wanted > SIZE_MAX / sizeof(Item)) throw std::bad_alloc();
+    larger.memory = ALLOCATE_LARGE(wanted * sizeof(Item));
     larger.room = wanted;
     larger.count = count;
-    if (count > 0) std::memcpy(larger.memory.start, memory.start, count * sizeof(Item));
+    if (count > 0) std::memcpy(larger.memory, memory, count * sizeof(Item));
     swap(larger);
   }
 
@@ -64,7 +67,7 @@ class ZeroedTable {
     std::swap(room, other.room);
   }
 
-  ZeroedMemory memory;
+  void* memory = nullptr;
   std::size_t count = 0;
   std::size_t room = 0;
 };
