@@ -49,10 +49,13 @@ class EnsightExport {
     read_mesh();
     const OlderExport older = READ_OLDER_EXPORT(plan.case_name());
     remove_older(plan.case_name());
-    WRITE_ENSIGHT_GEO_TEXT(mesh, plan.text_geometry_name());
-    WRITE_ENSIGHT_GEO_BINARY(mesh, plan.binary_geometry_name());
+    steps.emplace(bytes_of_values());
+    WRITE_ENSIGHT_GEO_TEXT(mesh, plan.text_geometry_name(), *steps);
+    WRITE_ENSIGHT_GEO_BINARY(mesh, plan.binary_geometry_name(), *steps);
     case_file.write(CASE_HEAD(NAME_IN_CASE_FILE(plan.text_geometry_name())));
+    files.emplace(mesh, place, request.node_count, *steps);
     for (const PlannedInput& input : plan.inputs) export_input(input, case_file);
+    steps->tell_all();
     write_constants_and_times(case_file);
     case_file.complete();
     remove_left_over(older);
@@ -81,8 +84,21 @@ class EnsightExport {
     SAY("Finished scanning geometry.");
   }
 
+  std::int64_t bytes_of_values() const {
+    std::int64_t bytes = 0;
+    const auto add = [&](const PlannedVariable& variable) {
+      bytes += std::ssize(variable.plan.outputs) *
+               VARIABLE_FILE_SIZE(mesh, place, variable.plan.dataset->is_vector());
+    };
+    for (const PlannedInput& input : plan.inputs) {
+      for (const PlannedVariable& variable : input.scalars) add(variable);
+      for (const PlannedVariable& variable : input.vectors) add(variable);
+    }
+    return bytes;
+  }
+
   void export_input(const PlannedInput& input, OutputUnit& case_file) {
-    SAY("Processing File: " + input.input->name);
+    steps->say("Processing File: " + input.input->name);
     export_datasets("scalar", input.scalars, case_file);
     export_datasets("vector", input.vectors, case_file);
   }
@@ -90,25 +106,25 @@ class EnsightExport {
   void export_datasets(const std::string& kind, const std::vector<PlannedVariable>& datasets,
                        OutputUnit& case_file) {
     if (datasets.empty()) return;
-    SAY("Processing all " + kind +
-        " datasets, total number: " + AINTEGER(static_cast<std::int64_t>(datasets.size())));
+    steps->say("Processing all " + kind +
+               " datasets, total number: " + AINTEGER(static_cast<std::int64_t>(datasets.size())));
     std::int64_t number = 0;
     for (const PlannedVariable& dataset : datasets) {
-      SAY("Processing " + kind + " datasets number " + AINTEGER(++number));
+      steps->say("Processing " + kind + " datasets number " + AINTEGER(++number));
       export_dataset(dataset, case_file);
     }
   }
 
   void export_dataset(const PlannedVariable& dataset, OutputUnit& case_file) {
-    SAY("Datasets Name: " + dataset.plan.title);
+    steps->say("Datasets Name: " + dataset.plan.title);
     if (dataset.plan.outputs.empty()) {
-      SAY(unexpected_time);
+      steps->say(std::string(unexpected_time));
       return;
     }
-    SAY("Output dataset name " + dataset.plan.output_name);
+    steps->say("Output dataset name " + dataset.plan.output_name);
     write_outputs(dataset);
     case_file.write(CASE_VARIABLE_LINE(case_variable(dataset)));
-    SAY("Finished Processing Dataset.");
+    steps->say("Finished Processing Dataset.");
   }
 
   CaseVariable case_variable(const PlannedVariable& dataset) const {
@@ -120,17 +136,16 @@ class EnsightExport {
 
   void write_outputs(const PlannedVariable& planned) {
     ResultDataset& dataset = *planned.plan.dataset;
-    VariableFiles files(mesh, place, planned.plan.description, request.node_count,
-                        dataset.is_vector(), std::ssize(planned.plan.outputs));
+    files->begin_dataset(planned.plan.description, dataset.is_vector());
     for (const PlannedOutput& output : planned.plan.outputs) {
-      dataset.read(output.output, files.next_record());
-      files.write(ENSIGHT_NUMBER_SUFFIX(planned.file_base, output.number));
+      dataset.read(output.output, files->next_record());
+      files->write(ENSIGHT_NUMBER_SUFFIX(planned.file_base, output.number));
     }
-    files.finish();
-    for (std::int64_t i = 0; i < planned.plan.unexpected_outputs; ++i) SAY(unexpected_time);
+    for (std::int64_t i = 0; i < planned.plan.unexpected_outputs; ++i)
+      steps->say(std::string(unexpected_time));
     if (planned.plan.has_too_many) {
-      SAY("ERROR - Ensight output name only support 9999 outputs, please contact " +
-          std::string(support_email));
+      steps->say("ERROR - Ensight output name only support 9999 outputs, please contact " +
+                 std::string(support_email));
     }
   }
 
@@ -175,6 +190,8 @@ class EnsightExport {
   const ExportPlan plan;
   EnsightMesh mesh;
   ValuePlace place = ValuePlace::nodes;
+  std::optional<ExportSteps> steps;
+  std::optional<VariableFiles> files;  // last: they end before what they are made from
 };
 
 }  // namespace

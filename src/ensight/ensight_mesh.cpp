@@ -1,5 +1,6 @@
 #include "ensight/ensight_mesh.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 
@@ -49,6 +50,19 @@ void take_elements(const MESH_GEOMETRY_TYPE& source, EnsightMesh& mesh) {
   }
 }
 
+// `bound` is what every coordinate lies within.
+template <typename Value>
+void determine(const ZeroedTable<Value>& values, Value bound, Value& minimum, Value& maximum) {
+  Value least = bound;
+  Value greatest = -bound;
+  for (const Value value : values) {
+    least = std::min(least, value);
+    greatest = std::max(greatest, value);
+  }
+  minimum = least;
+  maximum = greatest;
+}
+
 }  // namespace
 
 EnsightMesh MAKE_ENSIGHT_MESH(MESH_GEOMETRY_TYPE mesh) try {
@@ -60,6 +74,9 @@ EnsightMesh MAKE_ENSIGHT_MESH(MESH_GEOMETRY_TYPE mesh) try {
   result.x = std::move(mesh.x);
   result.y = std::move(mesh.y);
   result.z = std::move(mesh.z);
+  determine(result.x, 999999999.0, result.x_minimum, result.x_maximum);
+  determine(result.y, 999999999.0, result.y_minimum, result.y_maximum);
+  determine(result.z, 1.0e9F, result.z_minimum, result.z_maximum);
   take_elements(mesh, result);
   return result;
 } catch (const std::bad_alloc&) {

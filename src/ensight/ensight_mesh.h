@@ -37,7 +37,7 @@ struct EnsightMesh {
   ZeroedTable<double> x;           // map coordinates, m
   ZeroedTable<double> y;
   ZeroedTable<float> z;
-  // Found by the geometry writers.
+  // Over all nodes. Without nodes the minima lie above the maxima.
   double x_minimum = 0;
   double x_maximum = 0;
   double y_minimum = 0;

@@ -5,10 +5,8 @@
 #include <string_view>
 
 #include "ensight/geometry.h"
-#include "ensight/geometry_steps.h"
+#include "ensight/geometry_form.h"
 #include "ensight/item_writer.h"
-#include "support/console.h"
-#include "support/output_unit.h"
 
 namespace quillet {
 namespace {
@@ -24,28 +22,27 @@ char* store(Value value, char* at) {
   return at + sizeof value;
 }
 
-class BinaryGeometry {
+class BinaryGeometry : public GeometryForm {
  public:
-  BinaryGeometry(EnsightMesh& target, const std::string& file_name)
-      : mesh(target), out(file_name, OutputUnit::Replace::directly) {}
+  using GeometryForm::GeometryForm;
 
-  void write() {
-    out.expect_size(MESH_BODY_SIZE(mesh, size_of_node, sizeof(std::int32_t), sizeof(std::int32_t)));
+ private:
+  std::int64_t expected_size() const override {
+    return MESH_BODY_SIZE(mesh, size_of_node, sizeof(std::int32_t), sizeof(std::int32_t));
+  }
+
+  void write_head() override {
     text("Fortran Binary");
     text("Converted from ORVANE output");
     text(RESOLUTION_TEXT(mesh));
     text("node id given");
     text("element id given");
-    DETERMINE_EXTENTS(mesh);
-    WRITE_SHIFT_LOG(mesh, out.name());
     write_extents();
     text("part");
     text("ORVANE");
-    WRITE_MESH_BODY(mesh, *this);
-    out.complete();
   }
 
-  void write_coordinates() {
+  void write_coordinates() override {
     text("coordinates");
     number(mesh.node_count);
     WRITE_ITEMS(out, mesh.node_count, sizeof(std::int32_t), [](std::int64_t i, char* at) {
@@ -56,7 +53,7 @@ class BinaryGeometry {
     array(mesh.z);
   }
 
-  void write_block(const ElementBlock& block) {
+  void write_block(const ElementBlock& block) override {
     text(block.shape->name);
     number(block.count());
     array(block.ids);
@@ -67,7 +64,6 @@ class BinaryGeometry {
     }
   }
 
- private:
   void text(std::string_view item) {
     std::string padded(item);
     padded.resize(text_size, ' ');
@@ -114,16 +110,14 @@ class BinaryGeometry {
                   return store(value[i] - shift, at);
                 });
   }
-
-  EnsightMesh& mesh;
-  OutputUnit out;
 };
 
 }  // namespace
 
-void WRITE_ENSIGHT_GEO_BINARY(EnsightMesh& mesh, const std::string& file_name) {
-  SAY("Creating Ensight Gold Geometry File (Binary): " + file_name);
-  BinaryGeometry(mesh, file_name).write();
+void WRITE_ENSIGHT_GEO_BINARY(const EnsightMesh& mesh, const std::string& file_name,
+                              ExportSteps& steps) {
+  WRITE_GEOMETRY<BinaryGeometry>("Creating Ensight Gold Geometry File (Binary): ", mesh, file_name,
+                                 steps);
 }
 
 }  // namespace quillet

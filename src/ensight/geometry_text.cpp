@@ -3,10 +3,8 @@
 #include <string_view>
 
 #include "ensight/geometry.h"
-#include "ensight/geometry_steps.h"
+#include "ensight/geometry_form.h"
 #include "ensight/item_writer.h"
-#include "support/console.h"
-#include "support/output_unit.h"
 
 namespace quillet {
 namespace {
@@ -21,29 +19,28 @@ std::string_view output_text(const EnsightMesh& mesh) {
                               : "Cell Cornered Output (output == datv)";
 }
 
-class TextGeometry {
+class TextGeometry : public GeometryForm {
  public:
-  TextGeometry(EnsightMesh& target, const std::string& file_name)
-      : mesh(target), out(file_name, OutputUnit::Replace::directly) {}
+  using GeometryForm::GeometryForm;
 
-  void write() {
-    out.expect_size(
-        MESH_BODY_SIZE(mesh, i10_line_width + 3 * e12_5_line_width, i10_line_width + 1, i10_width));
+ private:
+  std::int64_t expected_size() const override {
+    return MESH_BODY_SIZE(mesh, i10_line_width + 3 * e12_5_line_width, i10_line_width + 1,
+                          i10_width);
+  }
+
+  void write_head() override {
     line(source_text(mesh));
     line(output_text(mesh));
     line("node id given");
     line("element id given");
-    DETERMINE_EXTENTS(mesh);
-    WRITE_SHIFT_LOG(mesh, out.name());
     write_extents();
     line("part");
     line(I10_TEXT(1));
     line("2D ORVANE Elements");
-    WRITE_MESH_BODY(mesh, *this);
-    out.complete();
   }
 
-  void write_coordinates() {
+  void write_coordinates() override {
     line("coordinates");
     line(I10_TEXT(mesh.node_count));
     WRITE_LINES(out, mesh.node_count, i10_line_width, [](std::int64_t i, char* at) {
@@ -55,7 +52,7 @@ class TextGeometry {
                 [z = mesh.z.data()](std::int64_t i, char* at) { return WRITE_E12_5(z[i], at); });
   }
 
-  void write_block(const ElementBlock& block) {
+  void write_block(const ElementBlock& block) override {
     line(block.shape->name);
     line(I10_TEXT(block.count()));
     WRITE_LINES(
@@ -69,7 +66,6 @@ class TextGeometry {
                 });
   }
 
- private:
   void line(std::string_view text) {
     out.write(text);
     out.write("\n");
@@ -94,16 +90,13 @@ class TextGeometry {
                   return WRITE_COORDINATE(value[i] - shift, at);
                 });
   }
-
-  EnsightMesh& mesh;
-  OutputUnit out;
 };
 
 }  // namespace
 
-void WRITE_ENSIGHT_GEO_TEXT(EnsightMesh& mesh, const std::string& file_name) {
-  SAY("Creating Ensight Gold Geometry File: " + file_name);
-  TextGeometry(mesh, file_name).write();
+void WRITE_ENSIGHT_GEO_TEXT(const EnsightMesh& mesh, const std::string& file_name,
+                            ExportSteps& steps) {
+  WRITE_GEOMETRY<TextGeometry>("Creating Ensight Gold Geometry File: ", mesh, file_name, steps);
 }
 
 }  // namespace quillet

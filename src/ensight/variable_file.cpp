@@ -6,9 +6,7 @@
 #include <string_view>
 
 #include "ensight/item_writer.h"
-#include "results/written_values.h"
 #include "support/large_array.h"
-#include "support/run_tally.h"
 #include "support/vector_magnitude.h"
 
 namespace quillet {
@@ -193,10 +191,9 @@ std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool 
   return values * (is_vector ? 3 : 1) * e12_5_line_width;
 }
 
-void NOTE_VARIABLE_WRITTEN(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record) {
-  NOTE_TIME_WRITTEN();
-  WrittenValues& written = WRITTEN_VALUES();
-  if (!written.are_wanted) return;
+WrittenValues VALUES_OF_VARIABLE(const EnsightMesh& mesh, ValuePlace place,
+                                 const RES_TYPE& record) {
+  WrittenValues written;
   written.take_statuses(record);
   written.are_of_cells = place != ValuePlace::nodes;
   if (written.are_of_cells) {
@@ -204,6 +201,7 @@ void NOTE_VARIABLE_WRITTEN(const EnsightMesh& mesh, ValuePlace place, const RES_
   } else {
     note_node_values(mesh, record, written);
   }
+  return written;
 }
 
 }  // namespace quillet

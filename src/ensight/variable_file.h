@@ -5,6 +5,7 @@
 
 #include "ensight/ensight_mesh.h"
 #include "results/results_record.h"
+#include "results/written_values.h"
 #include "support/output_unit.h"
 
 namespace quillet {
@@ -33,9 +34,8 @@ ValuePlace PLACE_OF_VALUES(const EnsightMesh& mesh, bool is_finite_volume,
 void WRITE_VARIABLE_VALUES(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record,
                            const std::string& description, OutputUnit& out);
 
-// What is told of it in the end, by the main thread: the values as they stand in the file, but for
-// their rounding.
-void NOTE_VARIABLE_WRITTEN(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record);
+// What is told of it in the end: the values as they stand in the file, but for their rounding.
+WrittenValues VALUES_OF_VARIABLE(const EnsightMesh& mesh, ValuePlace place, const RES_TYPE& record);
 
 // How many bytes that takes, but for a few lines.
 std::int64_t VARIABLE_FILE_SIZE(const EnsightMesh& mesh, ValuePlace place, bool is_vector);

@@ -37,6 +37,14 @@ void WrittenValues::take_statuses(const RES_TYPE& record) {
   cell_count = record.cell_count;
 }
 
+void WrittenValues::take(const WrittenValues& later) {
+  smallest = std::min(smallest, later.smallest);
+  take_value(later.largest_time, later.largest_place, later.largest);
+  most_wet_cells = std::max(most_wet_cells, later.most_wet_cells);
+  cell_count = later.cell_count;
+  are_of_cells = later.are_of_cells;
+}
+
 void NOTE_WRITTEN(float time, const RES_TYPE& record) {
   NOTE_TIME_WRITTEN();
   WrittenValues& written = WRITTEN_VALUES();

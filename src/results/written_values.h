@@ -22,6 +22,8 @@ struct WrittenValues {
 
   void take_value(float time, std::int64_t place, float value);
   void take_statuses(const RES_TYPE& record);
+  // Those of output times after these.
+  void take(const WrittenValues& later);
 };
 
 WrittenValues& WRITTEN_VALUES();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "support/console.h"
+#include "support/interrupt.h"
 #include "support/system_memory.h"
 #include "support/work_crew.h"
 
@@ -115,7 +116,11 @@ void OutputUnit::flush() {
 }
 
 void OutputUnit::write_out(const char* data, std::size_t size) {
-  if (!keeps_failure) END_IF_INTERRUPTED();
+  if (!keeps_failure) {
+    END_IF_INTERRUPTED();
+  } else if (INTERRUPTED()) {
+    take_failure("Interrupted");
+  }
   const auto count = static_cast<std::int64_t>(size);
   std::int64_t done = 0;
   while (done < count && failure.empty()) {
@@ -142,17 +147,23 @@ void OutputUnit::take_failure(const std::string& reason) {
   failure = reason;
 }
 
-void OutputUnit::complete() {
+void OutputUnit::end_writing() {
   flush();
-  if (!failure.empty()) FAIL_WRITING(file_name, failure);
-  if (reserved > written && !CUT_FILE(file, written)) FAIL_WRITING(file_name, SYSTEM_REASON());
-  const SystemFile closing = std::exchange(file, no_file);
-  std::string reason;
-  if (!is_direct) {
-    reason = part.complete();
-  } else if (!CLOSE_SYSTEM_FILE(closing)) {
-    reason = SYSTEM_REASON();
+  if (has_failed()) return;
+  if (reserved > written && !CUT_FILE(file, written)) {
+    take_failure(SYSTEM_REASON());
+  } else if (is_direct && !CLOSE_SYSTEM_FILE(std::exchange(file, no_file))) {
+    take_failure(SYSTEM_REASON());
   }
+  buffer.reset();
+}
+
+void OutputUnit::complete() {
+  if (buffer) end_writing();
+  if (has_failed()) FAIL_WRITING(file_name, failure);
+  if (is_direct) return;
+  file = no_file;
+  const std::string reason = part.complete();
   if (!reason.empty()) FAIL_WRITING(file_name, reason);
 }
 

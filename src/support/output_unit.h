@@ -58,6 +58,13 @@ class OutputUnit {
   char* room(std::size_t size);
   void keep(std::size_t size) { buffered += size; }
 
+  // Whether the system has refused what was written so far, where that is told when complete.
+  bool has_failed() const { return !failure.empty(); }
+
+  // What complete() does with a file that is written directly, but for telling a failure: a helper
+  // may do it. Nothing is written after it.
+  void end_writing();
+
   // Writes what is left, closes, and gives the file its final name.
   void complete();
 

@@ -19,6 +19,10 @@ void CrewJob::take_back() {
   WORK_CREW().take_back(*this);
 }
 
+bool CrewJob::is_under_way() const {
+  return WORK_CREW().is_under_way(*this);
+}
+
 WorkCrew::~WorkCrew() {
   dismiss_helpers();
 }
@@ -81,7 +85,7 @@ void WorkCrew::do_first(std::unique_lock<std::mutex>& lock) {
 
 void WorkCrew::finish(CrewJob& job) {
   std::unique_lock lock(mutex);
-  while (job.state == CrewJob::State::waiting || job.state == CrewJob::State::running) {
+  while (job.is_unfinished()) {
     if (waiting.empty()) {
       job_done.wait(lock);
     } else {
@@ -96,6 +100,11 @@ void WorkCrew::take_back(CrewJob& job) {
   if (job.state == CrewJob::State::waiting) std::erase(waiting, &job);
   job_done.wait(lock, [&] { return job.state != CrewJob::State::running; });
   job.state = CrewJob::State::idle;
+}
+
+bool WorkCrew::is_under_way(const CrewJob& job) {
+  const std::lock_guard lock(mutex);
+  return job.is_unfinished();
 }
 
 WorkCrew& WORK_CREW() {

@@ -35,9 +35,14 @@ class CrewJob {
 
   void take_back();
 
+  // Whether finish() would have to wait or to work.
+  bool is_under_way() const;
+
  private:
   friend class WorkCrew;
   enum class State { idle, waiting, running, done };
+
+  bool is_unfinished() const { return state == State::waiting || state == State::running; }
 
   std::function<void()> work;
   State state = State::idle;  // guarded by the crew's mutex
@@ -63,6 +68,7 @@ class WorkCrew {
   void add(CrewJob& job);
   void finish(CrewJob& job);
   void take_back(CrewJob& job);
+  bool is_under_way(const CrewJob& job);
   void start_helpers();
   void dismiss_helpers();
   void help();

@@ -22,9 +22,10 @@ EnsightMesh loaded(const std::string& text) {
 }
 
 std::string written(const std::string& mesh_text, const Workspace& folder,
-                    void (*write)(EnsightMesh&, const std::string&)) {
-  EnsightMesh mesh = loaded(mesh_text);
-  return test::console_of_returning([&] { write(mesh, folder.path("g.geo").string()); });
+                    void (*write)(const EnsightMesh&, const std::string&, ExportSteps&)) {
+  const EnsightMesh mesh = loaded(mesh_text);
+  ExportSteps steps(0);
+  return test::console_of_returning([&] { write(mesh, folder.path("g.geo").string(), steps); });
 }
 
 TEST(EnsightGeometry, TextFileConsoleAndLog) {

@@ -46,13 +46,14 @@ TEST_P(FilesOfCrews, EndWithTheFirstThatCannotBeWritten) {
   test::in_crew_of(GetParam(), [&] {
     const FullDisk disk(100000);
     console = test::console_of([&] {
-      const std::string name = "Depth";
-      VariableFiles files(mesh, ValuePlace::nodes, name, node_count, false, 100);
+      ExportSteps steps(1 << 30);
+      VariableFiles files(mesh, ValuePlace::nodes, node_count, steps);
+      files.begin_dataset("Depth", false);
       for (int i = 1; i <= 100; ++i) {
         files.next_record().nd.x.assign(node_count, 1.5F);
         files.write(base + std::to_string(i));
       }
-      files.finish();
+      steps.tell_all();
     });
   });
   EXPECT_EQ(console, "Opening outfile: " + base + "1\n\nERROR - Writing file \"" + base +

@@ -128,9 +128,10 @@ TEST_P(Crew, OfAnySizeDoesTheSame) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, Crew,
-    ::testing::Values(CrewRun{"Ensight", "-ensight -2dm m.2dm s.dat v.dat -out e", ""},
-                      CrewRun{"EnsightThatFails", "-ensight -2dm m.2dm s.dat v.dat -out e",
-                              "e_s_s.0057"}),
+    ::testing::Values(
+        CrewRun{"Ensight", "-ensight -2dm m.2dm s.dat v.dat -out e", ""},
+        CrewRun{"EnsightThatFails", "-ensight -2dm m.2dm s.dat v.dat -out e", "e_s_s.0057"},
+        CrewRun{"EnsightWithoutLog", "-ensight -2dm m.2dm s.dat v.dat -out e", "e_binary.geo.log"}),
     NameOfCase());
 
 }  // namespace
