@@ -231,7 +231,8 @@ void DatReader::load_values(const DatStep& step, RES_TYPE& record) {
   const std::int64_t reals = step.is_vector ? 2 : 1;
   for (const DatStretch& stretch : needed_nodes.value_or(all)) {
     if (step.is_vector && !record.holds_pairs) {
-      load_vectors(step.values_at, record.nd, stretch);
+      load_vectors(step.values_at, stretch, record.nd.x.data() + stretch.first,
+                   record.nd.y.data() + stretch.first);
       continue;
     }
     const std::int64_t first = reals * stretch.first;
@@ -240,14 +241,23 @@ void DatReader::load_values(const DatStep& step, RES_TYPE& record) {
   }
 }
 
-void DatReader::load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStretch& stretch) {
+void DatReader::read_values(const DatStep& step, const DatStretch& nodes, float* values) {
+  if (step.is_vector) {
+    LargeArray<float> y(static_cast<std::size_t>(nodes.count));
+    return load_vectors(step.values_at, nodes, values, y.data());
+  }
+  read_bytes(step.values_at + nodes.first * value_size, values, nodes.count * value_size,
+             "node values");
+}
+
+void DatReader::load_vectors(std::int64_t from, const DatStretch& stretch, float* x, float* y) {
   constexpr std::int64_t pairs_per_piece = values_per_piece / 2;
   piece.resize(values_per_piece);
-  const std::int64_t end = stretch.first + stretch.count;
-  for (std::int64_t first = stretch.first; first < end; first += pairs_per_piece) {
-    const std::int64_t size = std::min(pairs_per_piece, end - first);
-    read_bytes(from + first * 2 * value_size, piece.data(), size * 2 * value_size, "node values");
-    SEPARATE_COMPONENTS(piece.data(), size, nodes.x.data() + first, nodes.y.data() + first);
+  for (std::int64_t done = 0; done < stretch.count; done += pairs_per_piece) {
+    const std::int64_t size = std::min(pairs_per_piece, stretch.count - done);
+    read_bytes(from + (stretch.first + done) * 2 * value_size, piece.data(), size * 2 * value_size,
+               "node values");
+    SEPARATE_COMPONENTS(piece.data(), size, x + done, y + done);
   }
 }
 
@@ -258,18 +268,12 @@ void DatReader::load_in_pieces(const DatStep& step, std::int32_t cell_count, Out
   const DatValues values{step.values_at, std::int64_t{components} * file_header.node_count,
                          components};
   shared_values->hand_on(file, values, pieces, [&](const DatStretch& stretch) {
-    load_values_in_pieces(values, stretch, pieces);
+    HAND_ON_STRETCH(values, stretch, piece, pieces,
+                    [&](std::int64_t from, float* to, std::int64_t bytes) {
+                      read_bytes(from, to, bytes, "node values");
+                      return true;
+                    });
   });
-}
-
-void DatReader::load_values_in_pieces(const DatValues& values, const DatStretch& stretch,
-                                      OutputPieces& pieces) {
-  const std::int64_t end = stretch.first + stretch.count;
-  for (std::int64_t first = stretch.first; first < end; first += values_per_piece) {
-    const std::int64_t size = std::min(values_per_piece, end - first);
-    read_bytes(values.at + first * value_size, piece.data(), size * value_size, "node values");
-    pieces.take_values(first / values.components, std::span(piece).first(size));
-  }
 }
 
 void DatReader::load_statuses_in_pieces(const DatStep& step, std::int32_t count,

@@ -83,7 +83,10 @@ class DatReader {
   // the file has not stated are 1.
   void load(const DatStep& step, RES_TYPE& record);
 
-  // The same piece by piece, statuses first; `cell_count` is that of the run. Helpers share the
+  // The values of some nodes, of vectors the x components.
+  void read_values(const DatStep& step, const DatStretch& nodes, float* values);
+
+  // All of it piece by piece, statuses first; `cell_count` is that of the run. Helpers share the
   // values where there are many.
   void load_in_pieces(const DatStep& step, std::int32_t cell_count, OutputPieces& pieces);
 
@@ -124,10 +127,8 @@ class DatReader {
   void read_bytes(std::int64_t from, void* destination, std::int64_t count, const char* what);
   void load_statuses_in_pieces(const DatStep& step, std::int32_t count, OutputPieces& pieces);
   void load_statuses(std::int64_t from, RES_TYPE& record);
-  void load_values_in_pieces(const DatValues& values, const DatStretch& stretch,
-                             OutputPieces& pieces);
   void load_values(const DatStep& step, RES_TYPE& record);
-  void load_vectors(std::int64_t from, ND_RES_TYPE& nodes, const DatStretch& stretch);
+  void load_vectors(std::int64_t from, const DatStretch& stretch, float* x, float* y);
 
   InputUnit file;
   DatHeader file_header;

@@ -55,11 +55,10 @@ void DatWaterLevels::open(const ResultShape& data) {
              QUOTED(data_file));
     END_WITH_PAUSE();
   }
-  SIZE_RECORD(step, header.node_count, header.cell_count, header.is_vector);
 }
 
 void DatWaterLevels::read_next(const RES_TYPE& data) {
-  load(find(wanted_meaning(data.time, HOLDS_MINIMA(data_file)), time_pairing_tolerance));
+  take(find(wanted_meaning(data.time, HOLDS_MINIMA(data_file)), time_pairing_tolerance));
 }
 
 // A wide tolerance must not pass by the level of the very time.
@@ -67,7 +66,7 @@ void DatWaterLevels::read_at_time(float, float tolerance, const RES_TYPE& data) 
   const float meaning = wanted_meaning(data.time, HOLDS_MINIMA(data_file));
   auto place = find(meaning, time_pairing_tolerance);
   if (!place) place = find(meaning, tolerance);
-  load(place);
+  take(place);
 }
 
 // Onward from the output time last read, then from the start of the file.
@@ -95,22 +94,24 @@ bool DatWaterLevels::walk_to(std::size_t place) {
   return true;
 }
 
-void DatWaterLevels::load(std::optional<std::size_t> place) {
+void DatWaterLevels::take(std::optional<std::size_t> place) {
   has_levels = place.has_value();
   if (!place) return;
   SAY("Reading data for time " + AREALD(steps[*place].time, 3));
-  reader->load(steps[*place], step);
   SAY("Done.");
   next = *place + 1;
   if (next == steps.size() && reader->at_end()) SAY("End of .dat file.");
 }
 
-const float* DatWaterLevels::levels(const RES_TYPE& data) const {
+const float* DatWaterLevels::levels(const RES_TYPE& data, std::int64_t first_node,
+                                    std::int64_t count) {
   if (!has_levels) {
     FAIL_RUN("ERROR - No water levels at time " + AREAL(data.time) + " in " +
              QUOTED(reader->name()) + ". Use -nowetdry to compare without the wet/dry test.");
   }
-  return step.nd.x.data();
+  piece.resize(static_cast<std::size_t>(count));
+  reader->read_values(steps[next - 1], {first_node, count}, piece.data());
+  return piece.data();
 }
 
 }  // namespace quillet

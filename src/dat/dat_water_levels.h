@@ -23,21 +23,21 @@ class DatWaterLevels : public WaterLevels {
   void open(const ResultShape& data) override;
   void read_next(const RES_TYPE& data) override;
   void read_at_time(float time, float tolerance, const RES_TYPE& data) override;
-  const float* levels(const RES_TYPE& data) const override;
+  const float* levels(const RES_TYPE& data, std::int64_t first_node, std::int64_t count) override;
 
  private:
   std::string choose_file() const;
   std::optional<std::size_t> find(float meaning, float tolerance);
   bool is_at(std::size_t place, float meaning, float tolerance);
   bool walk_to(std::size_t place);
-  void load(std::optional<std::size_t> place);
+  void take(std::optional<std::size_t> place);
 
   std::string data_file;
   std::optional<DatReader> reader;
   std::vector<DatStep> steps;  // as far as the file was walked through
-  std::size_t next = 0;        // after the output time last read
-  bool has_levels = false;     // of the output time of the data
-  RES_TYPE step;
+  std::size_t next = 0;        // after the output time last taken
+  bool has_levels = false;     // of the output time of the data, the one last taken
+  LargeArray<float> piece;     // levels are read when they are asked for
 };
 
 }  // namespace quillet

@@ -14,20 +14,6 @@ std::int64_t share_count_of(std::int64_t values) {
   return std::min<std::int64_t>(values / least_values_per_share, 2 * WORK_CREW().threads());
 }
 
-// False when not all of it could be read.
-bool hand_on_stretch(const InputUnit& file, const DatValues& values, const DatStretch& stretch,
-                     LargeArray<float>& piece, OutputPieces& pieces) {
-  const std::int64_t end = stretch.first + stretch.count;
-  for (std::int64_t first = stretch.first; first < end; first += values_per_piece) {
-    const std::int64_t size = std::min(values_per_piece, end - first);
-    const std::int64_t bytes = size * std::int64_t{sizeof(float)};
-    const std::int64_t from = values.at + first * std::int64_t{sizeof(float)};
-    if (file.try_to_read_at(from, piece.data(), bytes) < bytes) return false;
-    pieces.take_values(first / values.components, std::span(piece).first(size));
-  }
-  return true;
-}
-
 }  // namespace
 
 void SharedValues::hand_on(const InputUnit& file, const DatValues& values, OutputPieces& pieces,
@@ -42,8 +28,12 @@ void SharedValues::hand_on(const InputUnit& file, const DatValues& values, Outpu
   const std::unique_ptr<SharedValues, decltype(take_back)> ending(this, take_back);
   for (std::size_t i = 1; i < shares.size(); ++i) {
     Share& share = *shares[i];
-    share.job.start(
-        [&] { share.is_read = hand_on_stretch(file, values, share.stretch, share.piece, pieces); });
+    share.job.start([&] {
+      share.is_read = HAND_ON_STRETCH(values, share.stretch, share.piece, pieces,
+                                      [&](std::int64_t from, float* to, std::int64_t bytes) {
+                                        return file.try_to_read_at(from, to, bytes) == bytes;
+                                      });
+    });
   }
   finish(read_own);
 }

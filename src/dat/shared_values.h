@@ -2,9 +2,11 @@
 // whoever has time for it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "dat/dat_reader.h"
@@ -15,6 +17,22 @@ namespace quillet {
 
 // 256 KiB: a piece stays in the second cache of every processor until it has been looked at.
 constexpr std::int64_t values_per_piece = 64 * 1024;
+
+// Reads a stretch of values piece by piece and hands each piece on. `read(from, to, bytes)` reads
+// what stands at a place in the file; where it returns false, nothing more is handed on and this is
+// false too.
+template <typename Read>
+bool HAND_ON_STRETCH(const DatValues& values, const DatStretch& stretch, LargeArray<float>& piece,
+                     OutputPieces& pieces, const Read& read) {
+  constexpr std::int64_t value_size = sizeof(float);
+  const std::int64_t end = stretch.first + stretch.count;
+  for (std::int64_t first = stretch.first; first < end; first += values_per_piece) {
+    const std::int64_t size = std::min(values_per_piece, end - first);
+    if (!read(values.at + first * value_size, piece.data(), size * value_size)) return false;
+    pieces.take_values(first / values.components, std::span(piece).first(size));
+  }
+  return true;
+}
 
 class SharedValues {
  public:

@@ -159,10 +159,7 @@ constexpr std::array operations{
         .name_output = name_difference,
         .dataset_by_time = true,
         .needs_water_levels = true,
-        .arrays = {.step = StepForm::components,
-                   .second_step = true,
-                   .bed = true,
-                   .result = ResultForm::scalar},
+        .arrays = {.step = StepForm::components, .second_step = true, .bed = true},
         .perform = over_times<RUN_DIFFERENCE>,
     },
     OperationRow{

@@ -63,19 +63,24 @@ struct Comparison {
     }
   }
 
+  // Of the nodes of the records, as they were read.
+  WetDryArrays wet_dry_arrays(std::int64_t first_node, std::int64_t count) {
+    const auto& bed = job.work.bed;
+    return {first.levels->levels(first.record, first_node, count),
+            second.levels->levels(second.record, first_node, count), bed[0].data() + first_node,
+            bed[1].data() + first_node};
+  }
+
+  // The difference takes the place of the first record.
   void write_difference() {
-    WorkArrays& work = job.work;
     tell_of_records();
     if (job.wet_dry_test) {
-      DIFFERENCE_WHERE_WET(
-          first.record, second.record,
-          {first.levels->levels(first.record), second.levels->levels(second.record),
-           work.bed[0].data(), work.bed[1].data()},
-          work.result);
+      const auto pieces = [&](auto node, auto count) { return wet_dry_arrays(node, count); };
+      DIFFERENCE_WHERE_WET(first.record, second.record, pieces, first.record);
     } else {
-      DIFFERENCE(first.record, second.record, work.result);
+      DIFFERENCE(first.record, second.record, first.record);
     }
-    job.output.write_time(work.result);
+    job.output.write_time(first.record);
   }
 
   // Moves one input on. When the second run's time is the smaller it is the first input, the one
@@ -167,8 +172,9 @@ void RUN_DIFFERENCE(OperationJob& job) {
     read_bed_elevations(job);
     open_water_levels(job);
   }
-  job.output.prepare(SHAPE_OF(job.work.result),
-                     job.time ? 1 : job.inputs.sources[0]->likely_time_count());
+  ResultShape written = SHAPE_OF(job.work.step);
+  written.is_vector = false;
+  job.output.prepare(written, job.time ? 1 : job.inputs.sources[0]->likely_time_count());
 
   Comparison comparison{job, compared_input(job, 0, "first", job.work.step),
                         compared_input(job, 1, "second", job.work.second_step)};

@@ -1,5 +1,7 @@
 #include "operations/difference_kernel.h"
 
+#include <algorithm>
+
 #include "support/kernel.h"
 #include "support/vector_magnitude.h"
 
@@ -10,6 +12,9 @@ namespace {
 constexpr float wet_depth = 0.001F;
 constexpr float only_first_wet = 99.0F;
 constexpr float only_second_wet = -99.0F;
+
+// Levels that are read for a piece stay in the second cache until they are compared.
+constexpr std::int64_t nodes_per_piece = 32 * 1024;
 
 KERNEL_LOOP void subtract(std::int64_t count, const float* v1, const float* v2, float* result) {
 #pragma omp simd
@@ -52,11 +57,12 @@ void use_magnitudes(RES_TYPE& record) {
 
 // What both forms begin with.
 void begin(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
+  if (first.is_vector) {
+    use_magnitudes(first);
+    use_magnitudes(second);
+  }
   result.is_vector = false;
   result.time = first.time;
-  if (!first.is_vector) return;
-  use_magnitudes(first);
-  use_magnitudes(second);
 }
 
 }  // namespace
@@ -69,12 +75,16 @@ void DIFFERENCE(RES_TYPE& first, RES_TYPE& second, RES_TYPE& result) {
                               second.cell.status.data(), result.cell.status.data());
 }
 
-void DIFFERENCE_WHERE_WET(RES_TYPE& first, RES_TYPE& second, const WetDryArrays& arrays,
+void DIFFERENCE_WHERE_WET(RES_TYPE& first, RES_TYPE& second, const WetDryPieces& pieces,
                           RES_TYPE& result) {
   begin(first, second, result);
-  Kernel<subtract_where_wet>::run(result.node_count, first.nd.x.data(), second.nd.x.data(),
-                                  arrays.level1, arrays.level2, arrays.bed1, arrays.bed2,
-                                  result.nd.x.data());
+  for (std::int64_t node = 0; node < result.node_count; node += nodes_per_piece) {
+    const std::int64_t count = std::min(nodes_per_piece, result.node_count - node);
+    const WetDryArrays arrays = pieces(node, count);
+    Kernel<subtract_where_wet>::run(count, first.nd.x.data() + node, second.nd.x.data() + node,
+                                    arrays.level1, arrays.level2, arrays.bed1, arrays.bed2,
+                                    result.nd.x.data() + node);
+  }
   Kernel<active_in_either>::run(result.cell_count, first.cell.status.data(),
                                 second.cell.status.data(), result.cell.status.data());
 }

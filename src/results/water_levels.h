@@ -1,7 +1,7 @@
 // The water levels of one input, for telling wet nodes from dry ones.
 #pragma once
 
-#include <vector>
+#include <cstdint>
 
 #include "results/results_record.h"
 
@@ -23,8 +23,10 @@ class WaterLevels {
   // Reads the levels of the output time that was asked for, to go with what `data` holds.
   virtual void read_at_time(float time, float tolerance, const RES_TYPE& data) = 0;
 
-  // One level per node; `data` is the record that the levels were read for. None ends the run.
-  virtual const float* levels(const RES_TYPE& data) const = 0;
+  // The levels of `count` nodes from `first_node` (from 0) on, which stay until the next call;
+  // `data` is the record that the levels were read for. None ends the run.
+  virtual const float* levels(const RES_TYPE& data, std::int64_t first_node,
+                              std::int64_t count) = 0;
 };
 
 // For inputs that are water levels themselves.
@@ -33,7 +35,9 @@ class OwnWaterLevels : public WaterLevels {
   void open(const ResultShape&) override {}
   void read_next(const RES_TYPE&) override {}
   void read_at_time(float, float, const RES_TYPE&) override {}
-  const float* levels(const RES_TYPE& data) const override { return data.nd.x.data(); }
+  const float* levels(const RES_TYPE& data, std::int64_t first_node, std::int64_t) override {
+    return data.nd.x.data() + first_node;
+  }
 };
 
 }  // namespace quillet

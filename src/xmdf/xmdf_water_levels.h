@@ -18,7 +18,9 @@ class XmdfWaterLevels : public WaterLevels {
   void open(const ResultShape& data) override;
   void read_next(const RES_TYPE& data) override { read_at_time(data.time, tolerance, data); }
   void read_at_time(float time, float tolerance, const RES_TYPE&) override;
-  const float* levels(const RES_TYPE&) const override { return step.nd.x.data(); }
+  const float* levels(const RES_TYPE&, std::int64_t first_node, std::int64_t) override {
+    return step.nd.x.data() + first_node;
+  }
 
  private:
   void FindWaterLevel();

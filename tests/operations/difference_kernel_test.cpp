@@ -16,7 +16,7 @@ namespace {
 using test::console_of;
 using test::console_of_returning;
 
-constexpr std::int32_t node_count = 20003;
+constexpr std::int32_t node_count = 70003;
 constexpr std::int32_t cell_count = 9001;
 
 struct RandomRuns {
@@ -58,9 +58,10 @@ TEST_P(DifferenceKernel, AgreesWithTheNaiveLoop) {
   RandomRuns wet = before;
   console_of_returning([&] {
     DIFFERENCE(dry.first, dry.second, dry.result);
-    DIFFERENCE_WHERE_WET(wet.first, wet.second,
-                         {wet.level1.data(), wet.level2.data(), wet.bed1.data(), wet.bed2.data()},
-                         wet.result);
+    const auto pieces = [&](auto i, auto) {
+      return WetDryArrays{&wet.level1[i], &wet.level2[i], &wet.bed1[i], &wet.bed2[i]};
+    };
+    DIFFERENCE_WHERE_WET(wet.first, wet.second, pieces, wet.result);
   });
   for (int i = 0; i < node_count; ++i) {
     const float v1 = naive_value(before.first, i);

@@ -119,7 +119,9 @@ void difference(std::int32_t count, Values& values, Results& results) {
       results.add(result);
       results.add(a);
       a.is_vector = false;
-      DIFFERENCE_WHERE_WET(a, b, {level1.data(), level2.data(), bed1.data(), bed2.data()}, result);
+      const WetDryArrays arrays{level1.data(), level2.data(), bed1.data(), bed2.data()};
+      DIFFERENCE_WHERE_WET(
+          a, b, [&](auto, auto) { return arrays; }, result);
       results.add(result);
     }
   });
