@@ -76,25 +76,27 @@ class DigitReader {
   // nothing else; it becomes what this line is like.
   DigitReader(const char* text_end, DigitRuns& expected) : limit(text_end), line(expected) {}
 
-  // Appends the digits at `place` to a number and goes past them, where they are as many as those
-  // of run `index` of the line before.
-  [[gnu::always_inline]] bool take_expected(std::size_t index, const char*& place,
-                                            std::uint64_t& number) const {
-    const DigitRun& run = line[index];
+  // Appends the digits at `place` to a number and goes past them, where they are 1 to 7. `index`
+  // tells the runs of a line apart.
+  [[gnu::always_inline]] bool take_few(std::size_t index, const char*& place,
+                                       std::uint64_t& number) const {
     if (limit - place < EightCharacters::size) return false;
     const EightCharacters text(place);
-    if (!text.begin_with(run)) return false;
+    DigitRun run = line[index];
+    if (!text.begin_with(run)) [[unlikely]] {
+      if (!learn(text, index)) return false;
+      run = line[index];
+    }
     number = number * powers_of_ten[run.count] + text.number(run);
     place += run.count;
     return true;
   }
 
-  [[gnu::always_inline]] bool skip_expected(std::size_t index, const char*& place) const {
-    const DigitRun& run = line[index];
-    if (limit - place < EightCharacters::size || !EightCharacters(place).begin_with(run)) {
-      return false;
-    }
-    place += run.count;
+  [[gnu::always_inline]] bool skip_few(std::size_t index, const char*& place) const {
+    if (limit - place < EightCharacters::size) return false;
+    const EightCharacters text(place);
+    if (!text.begin_with(line[index]) && !learn(text, index)) return false;
+    place += line[index].count;
     return true;
   }
 
@@ -103,9 +105,9 @@ class DigitReader {
   [[gnu::always_inline]] std::size_t take(std::size_t index, const char*& place,
                                           std::uint64_t& number) const {
     const char* const start = place;
-    if (take_expected(index, place, number)) [[likely]]
+    if (take_few(index, place, number)) [[likely]]
       return line[index].count;
-    const Taken taken = take_others(place, limit, number, line[index]);
+    const Taken taken = take_many(place, limit, number);
     place = taken.end;
     number = taken.number;
     return static_cast<std::size_t>(place - start);
@@ -113,9 +115,9 @@ class DigitReader {
 
   [[gnu::always_inline]] std::size_t skip(std::size_t index, const char*& place) const {
     const char* const start = place;
-    if (skip_expected(index, place)) [[likely]]
+    if (skip_few(index, place)) [[likely]]
       return line[index].count;
-    place = take_others(place, limit, 0, line[index]).end;
+    place = take_many(place, limit, 0).end;
     return static_cast<std::size_t>(place - start);
   }
 
@@ -128,10 +130,16 @@ class DigitReader {
   static constexpr std::array<std::uint64_t, 9> powers_of_ten{
       1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
+  [[gnu::always_inline]] bool learn(const EightCharacters& text, std::size_t index) const {
+    const std::size_t count = text.digit_count();
+    if (count == 0 || count == EightCharacters::size) return false;
+    line[index].set(count);
+    return true;
+  }
+
   // Given what it needs in registers, so that nothing need stand in memory for it.
-  [[gnu::noinline]] static Taken take_others(const char* place, const char* limit,
-                                             std::uint64_t number, DigitRun& expected) {
-    const char* const start = place;
+  [[gnu::noinline]] static Taken take_many(const char* place, const char* limit,
+                                           std::uint64_t number) {
     while (limit - place >= EightCharacters::size) {
       const EightCharacters text(place);
       const std::size_t count = text.digit_count();
@@ -143,7 +151,6 @@ class DigitReader {
       }
       DigitRun run;
       run.set(count);
-      if (place == start) expected = run;
       return {place + count, number * powers_of_ten[count] + text.number(run)};
     }
     for (unsigned digit = 0; (digit = static_cast<unsigned char>(*place) - unsigned{'0'}) < 10;

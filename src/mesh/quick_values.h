@@ -36,14 +36,17 @@ class QuickValues {
     if (place == nullptr) return false;
     if (*place == '-') [[unlikely]]
       ++place;
-    std::size_t digit_count = line_digits.skip(runs++, place);
-    const std::size_t decimals = runs++;
+    const std::size_t run = runs;
+    runs += 2;
+    std::size_t digit_count = line_digits.skip(run, place);
+    std::size_t decimals = 0;
     if (*place == '.') {
       ++place;
-      digit_count += line_digits.skip(decimals, place);
+      decimals = line_digits.skip(run + 1, place);
+      digit_count += decimals;
     }
     if (digit_count - 1 >= most_skipped_digits || !may_follow(*place)) {
-      place = end_of_other(value_start(), line_digits, decimals - 1);
+      place = end_of_other(value_start(), place, digit_count, static_cast<int>(decimals));
     }
     if (place == nullptr) return false;
     at = place;
@@ -52,14 +55,15 @@ class QuickValues {
 
   [[gnu::always_inline]] bool value(std::int32_t& result) {
     const std::size_t run = runs++;
-    const char* place = at + 1;
+    const char* place = value_start();
+    if (place == nullptr) return false;
     std::uint64_t number = 0;
-    if (is_at_one_separator() && line_digits.take_expected(run, place, number)) [[likely]] {
+    if (line_digits.take_few(run, place, number)) [[likely]] {
       result = static_cast<std::int32_t>(number);
       at = place;
       return true;
     }
-    place = read_integer(value_start(), line_digits, run, result);
+    place = read_integer(place, line_digits, run, result);
     if (place == nullptr) return false;
     at = place;
     return true;
@@ -95,6 +99,8 @@ class QuickValues {
   static constexpr std::size_t most_decimal_digits = 15;
   // So many digits without an exponent are within a 32-bit real's range.
   static constexpr std::size_t most_skipped_digits = 30;
+  // And with one, as far as these powers of ten.
+  static constexpr int most_skipped_exponent = 30;
   // A 64-bit real holds whole numbers up to this one, and these powers of ten, exactly.
   static constexpr std::uint64_t most_exact = std::uint64_t{1} << 53;
   static constexpr std::array<double, 23> powers_of_ten{
@@ -187,7 +193,6 @@ class QuickValues {
 
   [[gnu::noinline]] static const char* read_integer(const char* text, DigitReader reader,
                                                     std::size_t run, std::int32_t& value) {
-    if (text == nullptr) return nullptr;
     Number number(text);
     if (number.take_digits(reader, run) - 1 >= most_integer_digits) return nullptr;
     const auto size = static_cast<std::int32_t>(number.digits);
@@ -195,14 +200,21 @@ class QuickValues {
     return number.place;
   }
 
-  // Where a number that is not a plain one ends; null when it cannot be read.
-  [[gnu::noinline]] static const char* end_of_other(const char* text, DigitReader reader,
-                                                    std::size_t run) {
+  // Where a number ends of which the digits do not tell enough; null when it cannot be read.
+  [[gnu::noinline]] static const char* end_of_other(const char* text, const char* place,
+                                                    std::size_t digit_count, int decimals) {
+    if (digit_count == 0) return nullptr;
     Number number(text);
-    number.take_decimal(reader, run);
+    number.place = place;
+    number.exponent = -decimals;
+    number.take_exponent();
+    const int highest = number.exponent + static_cast<int>(digit_count);
+    if (digit_count - 1 < most_skipped_digits && may_follow(*number.place) &&
+        number.exponent >= -most_skipped_exponent && highest <= most_skipped_exponent) {
+      return number.place;
+    }
     float ignored = 0;
-    return read_other(text, number.place, number.digits, number.digit_count, number.exponent,
-                      ignored);
+    return read_by_library(text, ignored);
   }
 
   // A number with many digits or with an exponent, of which the digits have been taken.
@@ -267,6 +279,7 @@ class QuickValues {
 
   [[gnu::noinline]] static const char* after_separators(const char* place, bool is_first) {
     if (!is_first && !may_follow(*place)) return nullptr;
+    while (*place == ' ') ++place;
     while (is_blank(*place)) ++place;
     if (*place != ',' || is_first) return place;
     ++place;
