@@ -110,7 +110,7 @@ void fold_files(State& state, bool is_vector, bool only_some_nodes) {
   quillet::SIZE_SOURCES(overall);
   const std::vector<std::uint8_t> counts(static_cast<std::size_t>(state.range(0)), 1);
   for ([[maybe_unused]] auto _ : state) {
-    quillet::FOLD_FILE(Extreme::maximum, file, 1, only_some_nodes ? &counts : nullptr, overall);
+    quillet::FOLD_FILE(Extreme::maximum, file, 2, only_some_nodes ? &counts : nullptr, overall);
     benchmark::ClobberMemory();
   }
   count_items(state);

@@ -133,6 +133,29 @@ KERNEL_LOOP void keep_winning_counted_scalars(std::int64_t count, const float* v
   }
 }
 
+// Values of the first file where they stand: those that do not win against 0 become 0.
+template <typename Wins>
+KERNEL_LOOP void keep_first_scalars(std::int64_t count, float* values, std::int32_t* source) {
+#pragma omp simd
+  for (std::int64_t i = 0; i < count; ++i) {
+    const bool wins = Wins{}(values[i], 0.0F);
+    values[i] = SELECT(wins, values[i], 0.0F);
+    source[i] = wins ? 1 : 0;
+  }
+}
+
+template <typename Wins>
+KERNEL_LOOP void keep_first_vectors(std::int64_t count, const float* magnitude, float* pairs,
+                                    std::int32_t* source) {
+#pragma omp simd
+  for (std::int64_t i = 0; i < count; ++i) {
+    const bool wins = Wins{}(magnitude[i], 0.0F);
+    const std::uint64_t word = pair_at(pairs, i) & -static_cast<std::uint64_t>(wins);
+    std::memcpy(pairs + 2 * i, &word, sizeof word);
+    source[i] = wins ? 1 : 0;
+  }
+}
+
 // Signed bytes throughout: -128 stays what it is.
 KERNEL_LOOP std::int8_t absolute(std::int8_t status) {
   return static_cast<std::int8_t>(status < 0 ? -status : status);
@@ -157,6 +180,8 @@ struct Kernels {
   static constexpr auto statuses = Kernel<keep_winning_statuses<Wins>>::run;
   static constexpr auto file_scalars = Kernel<keep_winning_scalars<Wins, std::int32_t>>::run;
   static constexpr auto counted_scalars = Kernel<keep_winning_counted_scalars<Wins>>::run;
+  static constexpr auto first_scalars = Kernel<keep_first_scalars<Wins>>::run;
+  static constexpr auto first_vectors = Kernel<keep_first_vectors<Wins>>::run;
   static constexpr auto file_vectors = Kernel<keep_winning_file_vectors<Wins>>::run;
 };
 
@@ -219,16 +244,23 @@ void ADOPT_STORED_EXTREME(float time, FileExtreme& file) {
   std::fill(file.time.begin(), file.time.end(), time);
 }
 
-void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_number,
+void FOLD_FILE(Extreme extreme, FileExtreme& file, std::int32_t file_number,
                const std::vector<std::uint8_t>* node_counts, RES_TYPE& overall) {
   FOLD_STATUSES(extreme, file.record.cell.status, overall.cell.status);
+  const bool is_first = file_number == 1 && node_counts == nullptr;
+  if (is_first) overall.nd.x.swap(file.record.nd.x);
   const float* const values = file.record.nd.x.data();
+  const float* const magnitudes = file.magnitude.data();
   float* const running = overall.nd.x.data();
   std::int32_t* const source = overall.nd.source.data();
   const std::int64_t nodes = overall.node_count;
   with_kernels_of(extreme, [&](auto kernels) {
-    if (overall.is_vector) {
-      kernels.file_vectors(nodes, values, file.magnitude.data(), file_number, running, source);
+    if (is_first && overall.is_vector) {
+      kernels.first_vectors(nodes, magnitudes, running, source);
+    } else if (is_first) {
+      kernels.first_scalars(nodes, running, source);
+    } else if (overall.is_vector) {
+      kernels.file_vectors(nodes, values, magnitudes, file_number, running, source);
     } else if (node_counts != nullptr) {
       kernels.counted_scalars(nodes, values, node_counts->data(), file_number, running, source);
     } else {

@@ -45,8 +45,9 @@ void ADOPT_STORED_EXTREME(float time, FileExtreme& file);
 
 // Folds one file into the record over all files, which has vectors as pairs too; nodes that it wins
 // get its number as source. With `node_counts` (one byte per node, or null for all) only nodes with
-// a 1 take part; scalars only.
-void FOLD_FILE(Extreme extreme, const FileExtreme& file, std::int32_t file_number,
+// a 1 take part; scalars only. File 1 comes first, finds that record new and may leave its values
+// to it.
+void FOLD_FILE(Extreme extreme, FileExtreme& file, std::int32_t file_number,
                const std::vector<std::uint8_t>* node_counts, RES_TYPE& overall);
 
 }  // namespace quillet

@@ -138,7 +138,7 @@ TEST_P(Kernels, FoldOutputTimesAndFilesAsASlowLoopDoes) {
 
     std::vector<std::uint8_t> counts(static_cast<std::size_t>(nodes));
     for (std::uint8_t& count : counts) count = random.flag();
-    const bool restricted = !is_vector && file_number != 2;
+    const bool restricted = !is_vector && file_number == 2;
     FOLD_FILE(extreme, file, file_number, restricted ? &counts : nullptr, overall);
     const auto won = fold_naively(expected, restricted ? &counts : nullptr, expected_overall);
     for (std::size_t node = 0; node < won.size(); ++node) {

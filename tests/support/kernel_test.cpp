@@ -99,6 +99,7 @@ void fold_extremes(std::int32_t count, Values& values, Results& results) {
       std::vector<std::uint8_t> counts(static_cast<std::size_t>(count), 1);
       for (std::size_t i = 0; i < counts.size(); i += 3) counts[i] = 0;
       if (!is_vector) FOLD_FILE(extreme, file, 4, &counts, overall);
+      FOLD_FILE(extreme, file, 1, nullptr, overall);
       results.add(file.record);
       results.add(file.time);
       results.add(file.magnitude);
