@@ -115,6 +115,8 @@ void OutputUnit::flush() {
   buffered = 0;
 }
 
+// No more than the buffer's size at once: what one call writes the system keeps in stretches of
+// memory up to 2 MiB long, and those are slow to come by where memory has been in use for a while.
 void OutputUnit::write_out(const char* data, std::size_t size) {
   if (!keeps_failure) {
     END_IF_INTERRUPTED();
@@ -124,7 +126,8 @@ void OutputUnit::write_out(const char* data, std::size_t size) {
   const auto count = static_cast<std::int64_t>(size);
   std::int64_t done = 0;
   while (done < count && failure.empty()) {
-    const std::int64_t put = WRITE_SOME(file, data + done, count - done);
+    const auto size_of_call = std::min<std::int64_t>(count - done, buffer_size);
+    const std::int64_t put = WRITE_SOME(file, data + done, size_of_call);
     if (put < 0) {
       take_failure(SYSTEM_REASON());
     } else {
