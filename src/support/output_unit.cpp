@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 #include "support/console.h"
 #include "support/interrupt.h"
@@ -16,10 +18,41 @@ void OutputUnit::Freer::operator()(char* memory) const {
   FREE_ALIGNED_MEMORY(memory);
 }
 
+// Of files that are complete, for those that follow: getting the memory anew for each of hundreds
+// of files takes up to a tenth of an export. As many as may be in use at once.
+struct OutputUnit::Spares {
+  std::mutex mutex;
+  std::vector<Buffer> buffers;
+};
+
+OutputUnit::Spares& OutputUnit::spare_buffers() {
+  static Spares spares;
+  return spares;
+}
+
+OutputUnit::Buffer OutputUnit::take_buffer() {
+  constexpr std::size_t page = 4096;
+  Spares& spares = spare_buffers();
+  const std::lock_guard lock(spares.mutex);
+  if (spares.buffers.empty()) {
+    return Buffer(static_cast<char*>(ALIGNED_MEMORY(page, buffer_size)));
+  }
+  Buffer buffer = std::move(spares.buffers.back());
+  spares.buffers.pop_back();
+  return buffer;
+}
+
+void OutputUnit::give_back(Buffer buffer) {
+  Spares& spares = spare_buffers();
+  const std::lock_guard lock(spares.mutex);
+  if (std::ssize(spares.buffers) <= WORK_CREW().threads()) {
+    spares.buffers.push_back(std::move(buffer));
+  }
+}
+
 OutputUnit::OutputUnit(const std::string& name, Replace replace)
     : file_name(name), is_direct(replace == Replace::directly) {
-  constexpr std::size_t page = 4096;
-  buffer.reset(static_cast<char*>(ALIGNED_MEMORY(page, buffer_size)));
+  buffer = take_buffer();
   if (!buffer) FAIL_ALLOCATION();
   for (std::string reason = create(); !reason.empty(); reason = create()) {
     ASK_TO_TRY_AGAIN(file_name, reason);
@@ -158,7 +191,7 @@ void OutputUnit::end_writing() {
   } else if (is_direct && !CLOSE_SYSTEM_FILE(std::exchange(file, no_file))) {
     take_failure(SYSTEM_REASON());
   }
-  buffer.reset();
+  give_back(std::move(buffer));
 }
 
 void OutputUnit::complete() {

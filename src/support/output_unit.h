@@ -78,12 +78,18 @@ class OutputUnit {
   struct Freer {
     void operator()(char* memory) const;
   };
+  using Buffer = std::unique_ptr<char, Freer>;
+  struct Spares;
+
+  static Spares& spare_buffers();
+  static Buffer take_buffer();
+  static void give_back(Buffer buffer);
 
   std::string file_name;
   bool is_direct = false;
   PartFile part;
   SystemFile file = no_file;  // of the part file or, written directly, of its own
-  std::unique_ptr<char, Freer> buffer;
+  Buffer buffer;
   std::size_t buffered = 0;
   std::int64_t written = 0;
   std::int64_t reserved = 0;

@@ -6,6 +6,17 @@
 #include <string>
 
 namespace quillet {
+namespace {
+
+// Bytes inflate in a fraction of the time of the values beside them: no more of them wait than
+// small chunks take. Memory that is touched for the first time costs as much as inflating into it.
+XfChunkMemory memory_for(const XfTable& table) {
+  XfChunkMemory memory;
+  if (table.stored_size == 1) memory.large_ahead_per_thread = memory.ahead_per_thread;
+  return memory;
+}
+
+}  // namespace
 
 XfStatus XfRowReader::open_numbers(hid_t group, const char* name, int rank, hid_t wanted_type,
                                    const XfStoredFile& file) {
@@ -44,7 +55,7 @@ void XfRowReader::use_memory_type(hid_t type) {
   if (XfPlainReader::suits(table)) {
     plain_reader.emplace(table);
   } else if (XfChunkReader::suits(table)) {
-    chunk_reader.emplace(table);
+    chunk_reader.emplace(table, memory_for(table));
   }
 }
 
