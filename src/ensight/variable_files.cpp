@@ -27,10 +27,10 @@ std::int64_t memory_of_file(const EnsightMesh& mesh, std::int32_t value_count, b
 struct VariableFiles::File {
   explicit File(const std::string& name) : file(name) {}
 
-  void write(const EnsightMesh& mesh, ValuePlace place, const std::string& first_line) {
-    file.out().expect_size(VARIABLE_FILE_SIZE(mesh, place, record->is_vector));
-    WRITE_VARIABLE_VALUES(mesh, place, *record, first_line, file.out());
-    if (WRITTEN_VALUES().are_wanted) values = VALUES_OF_VARIABLE(mesh, place, *record);
+  void write(const EnsightMesh& of_mesh, ValuePlace at, const std::string& first_line) {
+    file.out().expect_size(VARIABLE_FILE_SIZE(of_mesh, at, record->is_vector));
+    WRITE_VARIABLE_VALUES(of_mesh, at, *record, first_line, file.out());
+    if (WRITTEN_VALUES().are_wanted) values = VALUES_OF_VARIABLE(of_mesh, at, *record);
   }
 
   std::unique_ptr<RES_TYPE> record;
