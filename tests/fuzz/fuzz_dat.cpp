@@ -10,6 +10,9 @@
 namespace quillet {
 namespace {
 
+// Statuses that are not in the file are not worth the time that they take.
+constexpr std::int32_t most_cells = 1 << 14;
+
 template <typename Array>
 std::size_t hash_of(const Array& values) {
   const auto* const bytes = reinterpret_cast<const char*>(values.data());
@@ -23,6 +26,7 @@ std::size_t walk(DatReader& reader) {
   reader.check_counts();
   if (reader.at_end()) return 0;
   const DatHeader& header = reader.header();
+  if (header.cell_count > most_cells) return 0;
   RES_TYPE record;
   SIZE_RECORD(record, header.node_count, header.cell_count, header.is_vector);
   std::size_t hash = 0;
