@@ -186,17 +186,18 @@ void OutputUnit::take_failure(const std::string& reason) {
 void OutputUnit::end_writing() {
   flush();
   if (has_failed()) return;
-  if (reserved > written && !CUT_FILE(file, written)) {
-    take_failure(SYSTEM_REASON());
-  } else if (is_direct && !CLOSE_SYSTEM_FILE(std::exchange(file, no_file))) {
-    take_failure(SYSTEM_REASON());
-  }
+  const bool is_cut = reserved <= written || CUT_FILE(file, written);
+  const bool is_ended = is_cut && (!is_direct || CLOSE_SYSTEM_FILE(std::exchange(file, no_file)));
+  if (!is_ended) take_failure(SYSTEM_REASON());
   give_back(std::move(buffer));
 }
 
 void OutputUnit::complete() {
   if (buffer) end_writing();
-  if (has_failed()) FAIL_WRITING(file_name, failure);
+  if (has_failed()) {
+    END_IF_INTERRUPTED();
+    FAIL_WRITING(file_name, failure);
+  }
   if (is_direct) return;
   file = no_file;
   const std::string reason = part.complete();
