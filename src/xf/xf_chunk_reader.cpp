@@ -82,7 +82,7 @@ hsize_t XfChunkReader::chunks_ahead(hsize_t row) const {
   const auto threads = static_cast<hsize_t>(WORK_CREW().threads());
   const hsize_t small_ones = memory.ahead_per_thread * threads / form.bytes;
   const hsize_t large_ones = memory.large_ahead_per_thread * threads / form.bytes;
-  return std::clamp(std::max(small_ones, std::min(large_ones, threads)), hsize_t{1},
+  return std::clamp(std::max(small_ones, std::min(large_ones, threads - 1)), hsize_t{1},
                     most_chunks_ahead);
 }
 

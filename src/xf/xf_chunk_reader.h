@@ -25,7 +25,8 @@ struct XfChunkMemory {
   // Small chunks that wait for their turn, for each thread. More is of no use: they are asked for
   // as fast as they are inflated.
   hsize_t ahead_per_thread = hsize_t{8} << 20;
-  // Of larger ones as many as there are threads, with so much for each thread; or one.
+  // Of larger ones one less than there are threads, with so much for each thread; at least one.
+  // Getting memory for one more takes longer than a thread waits for want of it.
   hsize_t large_ahead_per_thread = hsize_t{64} << 20;
   hsize_t largest_chunk_ahead = hsize_t{128} << 20;
   // In less data than this a thread takes longer to start than it saves.
