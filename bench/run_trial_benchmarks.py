@@ -53,16 +53,16 @@ def main():
     options = parser.parse_args()
     folder = options.work / "trial"
     folder.mkdir(parents=True, exist_ok=True)
-    print("| datasets | output times | stored | 1 thread, ms | 2 threads, ms | 4 threads, ms |")
+    print("| datasets | output times | stored | one type, ms | all, 1 thread, ms | 2 threads, ms |")
     print("|---|---|---|---|---|---|")
     for (datasets, times), deflate in itertools.product(FORMS, (None, 1)):
         name = folder / f"{datasets}_{times}_{deflate or 'plain'}.xmdf"
         if not name.exists():
             make_file(name.with_suffix(".part"), datasets, times, deflate)
             name.with_suffix(".part").rename(name)
-        took = [subprocess.run([options.build / "bin" / "trial_speed", str(threads), name],
+        took = [subprocess.run([options.build / "bin" / "trial_speed", threads, word, name],
                                check=True, capture_output=True, text=True).stdout.strip()
-                for threads in (1, 2, 4)]
+                for threads, word in (("1", "Data 0"), ("1", "all"), ("2", "all"))]
         stored = "deflated" if deflate else "plain"
         print(f"| {datasets} | {times} | {stored} | {' | '.join(took)} |", flush=True)
 

@@ -51,6 +51,18 @@ void search(RunSetup& setup) {
   ask_peaks_for_time_zero(setup);
 }
 
+// What stands in the paths of all that the run will open; nothing where that is not known yet.
+std::vector<std::string> words_of_wanted(const RunSetup& setup) {
+  const RunOptions& options = setup.options;
+  const bool is_known = options.type_name.find('\0') == std::string::npos;
+  const bool looks_for_type = setup.operation.selection != XmdfSelection::none &&
+                              options.type_given && !options.selects_by_itself();
+  if (!looks_for_type || !is_known) return {};
+  std::vector<std::string> words{options.type_name};
+  if (setup.operation.needs_water_levels && setup.wet_dry_test) words.emplace_back("Water Level");
+  return words;
+}
+
 void read_times(RunSetup& setup) {
   for (XmdfFileHeader& header : setup.xmdf_files) {
     ReadXmdfTimeCount(header);
@@ -67,7 +79,7 @@ void OPEN_XMDF_INPUTS(RunSetup& setup) {
     setup.xmdf_files.emplace_back().file_name = setup.input_names[input];
   }
   if (setup.xmdf_files.empty()) return;
-  ReadXmdfHeaders(setup.xmdf_files);
+  ReadXmdfHeaders(setup.xmdf_files, words_of_wanted(setup));
   setup.inputs.choose_output_time = [&files = setup.xmdf_files](float time, float tolerance) {
     FindXmdfTime(files, time, tolerance);
   };

@@ -14,6 +14,7 @@
 #include "xf/xf_member.h"
 #include "xf/xf_row_reader.h"
 #include "xf/xf_text.h"
+#include "xf/xf_trial.h"
 
 namespace quillet {
 
@@ -184,6 +185,21 @@ XfStatus read_flags_in_pieces(XfGroupState& group, std::int32_t output_time,
       });
 }
 
+bool is_first(const XfFileState& file, const std::string& path) {
+  if (!file.paths) return false;
+  const auto begins_with = [&](const std::vector<std::string>& paths) {
+    return !paths.empty() && paths.front() == path;
+  };
+  return begins_with(file.paths->scalars) || begins_with(file.paths->vectors);
+}
+
+XfStatus try_if_left_out(XfFileState& file, const std::string& path) {
+  if (file.tried.holds(path) || is_first(file, path)) return {};
+  XfStatus status = XF_TRY_FILE(file.opened_name);
+  if (status.ok()) file.tried = {};
+  return status;
+}
+
 XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& group) {
   XfGroupHandle id(H5Gopen2(file.id.get(), path.c_str(), H5P_DEFAULT));
   if (!id.valid()) return XF_FAILURE("there is no group of this path");
@@ -205,6 +221,8 @@ void XfGroupCloser::operator()(XfGroupState* state) const {
 }
 
 XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& group) {
+  XfStatus status = try_if_left_out(*file, path);
+  if (!status.ok()) return status;
   return xf_guard_reading(file->opened_name, [&] { return open_group(*file, path, group); });
 }
 

@@ -220,8 +220,12 @@ void XfFileCloser::operator()(XfFileState* state) const {
   delete state;
 }
 
-XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file) {
-  return xf_guard_reading(name, [&] { return open_file(name, file); });
+XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file, const XfTrialScope& tried) {
+  return xf_guard_reading(name, [&] {
+    XfStatus status = open_file(name, file);
+    if (status.ok()) file->tried = tried;
+    return status;
+  });
 }
 
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "xf/xf_status.h"
+#include "xf/xf_trial_scope.h"
 
 namespace quillet {
 
@@ -19,8 +20,8 @@ using XfFile = std::unique_ptr<XfFileState, XfFileCloser>;
 
 // Opens for reading; without locks where the file system knows none. Fails when the file cannot be
 // opened, is no HDF5 file, is cut short, is damaged, or is HDF5 but not XMDF: the reason says
-// which.
-XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file);
+// which. What a trial of the file left out of its scope is tried when it is opened.
+XfStatus XF_OPEN_FILE(const std::string& name, XfFile& file, const XfTrialScope& tried = {});
 
 // Creates the file, replacing one of the same name.
 XfStatus XF_CREATE_FILE(const std::string& name, XfFile& file);

@@ -11,6 +11,7 @@
 #include "xf/xf_handle.h"
 #include "xf/xf_paths.h"
 #include "xf/xf_stored_file.h"
+#include "xf/xf_trial_scope.h"
 
 namespace quillet {
 
@@ -31,6 +32,7 @@ struct XfFileState {
   SystemFile descriptor = no_file;
   std::int64_t opened_size = -1;
   XfStoredFile stored;
+  XfTrialScope tried;  // of a file that is read
 };
 
 }  // namespace quillet

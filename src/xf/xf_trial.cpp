@@ -9,6 +9,7 @@
 
 #include "support/interrupt.h"
 #include "support/system_memory.h"
+#include "support/text.h"
 #include "support/work_crew.h"
 #include "xf/xf_dataset_reader.h"
 #include "xf/xf_errors.h"
@@ -22,24 +23,32 @@ namespace {
 // A sound file takes a few megabytes.
 constexpr std::size_t most_memory = std::size_t{1} << 30;
 
-// What one child tries of a file: the lists, and every so manyth dataset.
+// What one child tries of a file: the lists, and every so manyth dataset of those in the scope.
 struct Part {
   std::size_t first = 0;
   std::size_t step = 1;
+  XfTrialScope scope;
   std::string name;  // of the file
 };
 
-// The same as an item of a child's: "0 2 a.xmdf".
+// The same as an item of a child's: "0 2 Depth|Water Level|/a.xmdf".
 std::string item_of(const Part& part) {
-  return std::to_string(part.first) + " " + std::to_string(part.step) + " " + part.name;
+  std::string item = std::to_string(part.first) + " " + std::to_string(part.step) + " ";
+  for (const std::string& word : part.scope.words) item += word + "|";
+  return item + "/" + part.name;
 }
 
 Part part_of(const std::string& item) {
   Part part;
   const char* const end = item.data() + item.size();
   const char* const blank = std::from_chars(item.data(), end, part.first).ptr;
-  const char* const second = std::from_chars(blank + 1, end, part.step).ptr;
-  part.name.assign(second + 1, end);
+  const char* place = std::from_chars(blank + 1, end, part.step).ptr + 1;
+  while (*place != '/') {
+    const char* const word_end = std::find(place, end, '|');
+    part.scope.words.emplace_back(place, word_end);
+    place = word_end + 1;
+  }
+  part.name.assign(place + 1, end);
   return part;
 }
 
@@ -55,6 +64,13 @@ void keep_little(const XfFileState& file) {
   H5Fset_mdc_config(file.id.get(), &config);
 }
 
+void keep_those_in(const XfTrialScope& scope, std::vector<std::string>& paths) {
+  if (paths.empty()) return;
+  paths.erase(std::remove_if(paths.begin() + 1, paths.end(),
+                             [&](const std::string& path) { return !scope.holds(path); }),
+              paths.end());
+}
+
 // What the program asks of a file, in its order.
 void try_part(const Part& part, ChildReport& report) {
   XfFile file;
@@ -65,6 +81,8 @@ void try_part(const Part& part, ChildReport& report) {
   std::vector<std::string> paths, vectors;
   if (!XF_GET_SCALAR_DATASET_PATHS(file, paths).ok()) return;
   std::ignore = XF_GET_VECTOR_DATASET_PATHS(file, vectors);
+  keep_those_in(part.scope, paths);
+  keep_those_in(part.scope, vectors);
   paths.insert(paths.end(), vectors.begin(), vectors.end());
   for (std::size_t i = part.first; i < paths.size(); i += part.step) {
     XfGroup group;
@@ -103,23 +121,24 @@ XfStatus status_of(const ChildEnd& end, std::chrono::milliseconds patience) {
   return {};
 }
 
-// A small file takes little more than the start of a child.
-bool is_small(const std::string& name) {
+// Then it takes little more than the start of a child.
+bool is_small(const std::string& name, const XfTrialScope& scope) {
   constexpr std::uintmax_t small_file = std::uintmax_t{1} << 20;
+  if (!scope.is_all()) return true;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(name, error);
   return error || size < small_file;
 }
 
 // As many as can be tried side by side.
-std::vector<Part> parts_of(const std::vector<std::string>& names) {
+std::vector<Part> parts_of(const std::vector<std::string>& names, const XfTrialScope& scope) {
   constexpr std::size_t most_parts = 4;
   const auto threads = static_cast<std::size_t>(WORK_CREW().threads());
   std::vector<Part> parts;
   for (const std::string& name : names) {
     const std::size_t count =
-        is_small(name) ? 1 : std::clamp(threads / names.size(), std::size_t{1}, most_parts);
-    for (std::size_t i = 0; i < count; ++i) parts.push_back({i, count, name});
+        is_small(name, scope) ? 1 : std::clamp(threads / names.size(), std::size_t{1}, most_parts);
+    for (std::size_t i = 0; i < count; ++i) parts.push_back({i, count, scope, name});
   }
   return parts;
 }
@@ -128,11 +147,16 @@ std::vector<Part> parts_of(const std::vector<std::string>& names) {
 
 const ChildTask xf_trial_task{.name = "try-xmdf-file", .perform = try_item};
 
-std::vector<XfStatus> XF_TRY_FILES(const std::vector<std::string>& names,
+bool XfTrialScope::holds(const std::string& path) const {
+  return is_all() || std::any_of(words.begin(), words.end(),
+                                 [&](const std::string& word) { return FLAGEXISTS(path, word); });
+}
+
+std::vector<XfStatus> XF_TRY_FILES(const std::vector<std::string>& names, const XfTrialScope& scope,
                                    std::chrono::milliseconds patience) {
   xf_prepare_hdf5();  // once, not in every child
   const auto threads = static_cast<std::size_t>(WORK_CREW().threads());
-  const std::vector<Part> parts = parts_of(names);
+  const std::vector<Part> parts = parts_of(names, scope);
   std::vector<XfStatus> tried;
   std::deque<Child> children;
   std::size_t begun = 0;
@@ -151,8 +175,9 @@ std::vector<XfStatus> XF_TRY_FILES(const std::vector<std::string>& names,
   return tried;
 }
 
-XfStatus XF_TRY_FILE(const std::string& name, std::chrono::milliseconds patience) {
-  return XF_TRY_FILES({name}, patience).front();
+XfStatus XF_TRY_FILE(const std::string& name, const XfTrialScope& scope,
+                     std::chrono::milliseconds patience) {
+  return XF_TRY_FILES({name}, scope, patience).front();
 }
 
 }  // namespace quillet

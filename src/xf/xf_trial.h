@@ -7,6 +7,7 @@
 
 #include "support/system_child.h"
 #include "xf/xf_status.h"
+#include "xf/xf_trial_scope.h"
 
 namespace quillet {
 
@@ -19,12 +20,15 @@ constexpr std::chrono::seconds XF_PATIENCE_WITH_TRIALS{60};
 // cannot be opened. Fails when a child does not get through, or makes no progress for the time
 // given, or when there can be no child.
 //
-// One status for each file, up to the first failure or interrupt. As many children as the crew has
-// threads work side by side, several on one large file. To be called before any file is opened: a
-// child is a copy of the process, which grows with what is open.
+// Of every file so much is tried as the scope says: opening a dataset takes HDF5 a while, and a
+// file may hold many that nobody asks for. One status for each file, up to the first failure or
+// interrupt. As many children as the crew has threads work side by side, several on one large file.
+// To be called before any file is opened: a child is a copy of the process, which grows with what
+// is open.
 std::vector<XfStatus> XF_TRY_FILES(const std::vector<std::string>& names,
+                                   const XfTrialScope& scope = {},
                                    std::chrono::milliseconds patience = XF_PATIENCE_WITH_TRIALS);
-XfStatus XF_TRY_FILE(const std::string& name,
+XfStatus XF_TRY_FILE(const std::string& name, const XfTrialScope& scope = {},
                      std::chrono::milliseconds patience = XF_PATIENCE_WITH_TRIALS);
 
 // What those children do.

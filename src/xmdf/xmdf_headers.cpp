@@ -18,19 +18,20 @@ namespace quillet {
 namespace {
 
 // Tells of each file whether it may be opened, up to the first that may not.
-std::vector<XfStatus> try_files(const std::vector<XmdfFileHeader>& files) {
+std::vector<XfStatus> try_files(const std::vector<XmdfFileHeader>& files,
+                                const XfTrialScope& scope) {
   std::vector<std::string> names;
   names.reserve(files.size());
   for (const XmdfFileHeader& header : files) names.push_back(header.file_name);
-  std::vector<XfStatus> tried = XF_TRY_FILES(names);
+  std::vector<XfStatus> tried = XF_TRY_FILES(names, scope);
   END_IF_INTERRUPTED();
   return tried;
 }
 
-void open_file(XmdfFileHeader& header, const XfStatus& tried) {
+void open_file(XmdfFileHeader& header, const XfStatus& tried, const XfTrialScope& scope) {
   SAY("Opening XMDF file " + QUOTED(header.file_name));
   if (!tried.ok()) FAIL_READING(header.file_name, tried.reason);
-  const XfStatus status = XF_OPEN_FILE(header.file_name, header.file);
+  const XfStatus status = XF_OPEN_FILE(header.file_name, header.file, scope);
   if (!status.ok()) {
     FAIL_XMDF("ERROR - Could not open XMDF file " + QUOTED(header.file_name), header.file_name, "",
               status, CLOSE_NAMES_QUESTION(header.file_name));
@@ -187,12 +188,13 @@ std::vector<std::string> paths_to_read(const XmdfFileHeader& header) {
 
 }  // namespace
 
-void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files) {
+void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files, const std::vector<std::string>& words) {
   SAY("Opening all .xmdf files to extract header information.");
-  const std::vector<XfStatus> tried = try_files(files);
+  const XfTrialScope scope{words};
+  const std::vector<XfStatus> tried = try_files(files, scope);
   for (std::size_t i = 0; i < files.size(); ++i) {
     XmdfFileHeader& header = files[i];
-    open_file(header, tried[i]);
+    open_file(header, tried[i], scope);
     read_version(header);
     SAY("Extracting filepath information for array allocation...");
     read_counts(header, "scalar", XF_GET_SCALAR_DATASETS_INFO, header.scalars);

@@ -10,8 +10,9 @@ namespace quillet {
 
 // All print what they find. Whatever cannot be opened or read ends the run.
 
-// Opens every file and reads its version and its numbers of datasets. The file names are set.
-void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files);
+// Opens every file and reads its version and its numbers of datasets. The file names are set. The
+// words are parts of the paths of what the run will open, as far as is known; none: everything.
+void ReadXmdfHeaders(std::vector<XmdfFileHeader>& files, const std::vector<std::string>& words);
 
 // Lists the paths of the datasets and the special outputs of the folder Times.
 void ReadXmdfDatasetNames(std::vector<XmdfFileHeader>& files);

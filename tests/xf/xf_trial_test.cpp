@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <thread>
 
@@ -134,6 +135,24 @@ TEST_F(XfTrialTest, FailsWhereHdf5DoesNotSurvive) {
   expect_failure(XF_TRY_FILE(path("heap.xmdf")), "found damage that HDF5 cannot cope with");
 }
 
+// Of a file with a damaged group those that are in the scope can be opened, and the damage is found
+// by whoever comes to it.
+void expect_found_when_opened(const std::string& name, const std::string& damaged) {
+  const XfTrialScope scope{{"C", "no path"}};
+  const std::string found = "found damage that HDF5 cannot cope with";
+  const XfStatus tried = XF_TRY_FILE(name, scope);
+  if (damaged == "root" || damaged == "a" || damaged == "c") return expect_failure(tried, found);
+  EXPECT_OK(tried);
+  XfFile file;
+  XfGroup group;
+  std::vector<std::string> paths;
+  EXPECT_OK(XF_OPEN_FILE(name, file, scope));
+  EXPECT_OK(XF_GET_SCALAR_DATASET_PATHS(file, paths));
+  EXPECT_OK(XF_OPEN_GROUP(file, "a", group));
+  EXPECT_OK(XF_OPEN_GROUP(file, "c", group));
+  expect_failure(XF_OPEN_GROUP(file, damaged, group), found);
+}
+
 // The same of every group, in a file that is large enough to be tried by several children.
 TEST_F(XfTrialTest, TriesEveryDatasetOfEveryFile) {
   make_file(path("large.xmdf"), [](hid_t file) {
@@ -145,7 +164,7 @@ TEST_F(XfTrialTest, TriesEveryDatasetOfEveryFile) {
   });
   const std::string sound = folder.read("large.xmdf");
   const std::vector<std::string> names{path("sound.xmdf"), path("heap.xmdf"), path("sound.xmdf")};
-  int heaps = 0;
+  std::size_t heaps = 0;
   for (auto heap = sound.find("HEAP"); heap != std::string::npos;
        heap = sound.find("HEAP", heap + 1)) {
     folder.write("heap.xmdf", std::string(sound).replace(heap + 8, 8, 8, '\xff'));
@@ -157,9 +176,11 @@ TEST_F(XfTrialTest, TriesEveryDatasetOfEveryFile) {
         expect_failure(tried[1], "found damage that HDF5 cannot cope with");
       });
     }
+    const std::array groups{"root", "a", "b", "c", "d", "e"};
+    expect_found_when_opened(names[1], groups.at(heaps));
     ++heaps;
   }
-  EXPECT_EQ(heaps, 6);
+  EXPECT_EQ(heaps, 6U);
 }
 
 }  // namespace
