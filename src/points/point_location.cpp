@@ -57,8 +57,9 @@ class PointBoxes {
 
  private:
   double boxes_per_m(double low, double high) const { return high > low ? side / (high - low) : 0; }
+  // Also of what is no number: an extent may be larger than the largest one.
   int place(double boxes_from_start) const {
-    return static_cast<int>(std::clamp(boxes_from_start, 0.0, side - 1.0));
+    return boxes_from_start > 0 ? static_cast<int>(std::min(boxes_from_start, side - 1.0)) : 0;
   }
   int column(double x) const { return place((x - extent.x_low) * columns_per_m); }
   int row(double y) const { return place((y - extent.y_low) * rows_per_m); }

@@ -149,9 +149,9 @@ INSTANTIATE_TEST_SUITE_P(
                "\xEF\xBB\xBFY, remark ,NAME,X\r\n1,,\"A, \"\"b\"\"\",1\r\n\r\n", one_time)
             .gives("time,\"A, \"\"b\"\"\"\n1,11\n", "a_d(points).csv"),
         points("points outside and on dry land are named",
-               "name,x,y\nfar,100,1\ndry,1,1\nwet,3,1\n",
+               "name,x,y\nfar,1e308,1\ndry,1,1\nwet,3,1\nwest,-1e308,1\n",
                {{"a.2dm", mesh}, {"a_d.dat", depths({at_2})}})
-            .gives("time,far,dry,wet\n2,,,1\n", "a_d(points).csv")
+            .gives("time,far,dry,wet,west\n2,,,1,\n", "a_d(points).csv")
             .says("WARNING - Point is outside the mesh: \"far\"")
             .says("WARNING - Point is dry at all times: \"dry\""),
         points("a file without output times", "name,x,y\nA,1,1\n",
