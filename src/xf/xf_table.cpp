@@ -80,10 +80,21 @@ XfStatus read_filters(hid_t properties, XfTable& table) {
   return {};
 }
 
+// A chunk has 32 bits for its bytes in the file.
+bool are_sound(const std::array<hsize_t, 3>& chunk, std::size_t element_size) {
+  constexpr hsize_t most_bytes = std::numeric_limits<std::uint32_t>::max();
+  hsize_t most = most_bytes / element_size;
+  for (const hsize_t extent : chunk) {
+    if (extent == 0) return false;
+    most /= extent;
+  }
+  return most > 0;
+}
+
 XfStatus read_chunking(hid_t properties, int rank, XfTable& table) {
   std::array<hsize_t, 3> chunk{1, 1, 1};
   if (H5Pget_chunk(properties, rank, chunk.data()) != rank ||
-      std::find(chunk.begin(), chunk.end(), 0) != chunk.end()) {
+      !are_sound(chunk, table.stored_size)) {
     return XF_FAILURE(table.name + " has damaged chunk extents");
   }
   make_series_a_row(rank, chunk);

@@ -1,4 +1,5 @@
 // Damaged files: nothing crashes, and damaged compressed values are never taken for good ones.
+#include <array>
 #include <cstdint>
 #include <random>
 
@@ -130,6 +131,22 @@ TEST_P(XfDamageTest, DamagedCompressedBytesAreNoticed) {
     damaged[address + i] = static_cast<char>(damaged[address + i] ^ 1);
     EXPECT_EQ(count_readable_in(damaged), time_count - static_cast<int>(times_per_chunk)) << i;
   }
+}
+
+// Their product overflows to nothing.
+TEST_P(XfDamageTest, ChunkExtentsThatNoFileHasAreRefused) {
+  const auto text_of = [](std::array<std::uint32_t, 2> extents) {
+    return std::string(reinterpret_cast<const char*>(extents.data()), sizeof extents);
+  };
+  const std::size_t place = bytes.find(text_of({static_cast<std::uint32_t>(times_per_chunk), 100}));
+  ASSERT_NE(place, std::string::npos);
+  folder.write("damaged.xmdf", bytes.replace(place, 8, text_of({1U << 31U, 1U << 31U})));
+  XfFile file;
+  XfGroup group;
+  std::int32_t nodes = 0;
+  ASSERT_TRUE(XF_OPEN_FILE(path("damaged.xmdf"), file).ok());
+  ASSERT_TRUE(XF_OPEN_GROUP(file, "run/Temporal/Depth", group).ok());
+  EXPECT_EQ(XF_GET_DATASET_NUMVALS(group, nodes).reason, "Values has damaged chunk extents");
 }
 
 std::string name_of_chunks(const ::testing::TestParamInfo<std::tuple<bool, hsize_t>>& param_info) {
