@@ -328,12 +328,4 @@ char* WRITE_I10(std::int32_t value, char* out) {
   return write_i10(value, out);
 }
 
-char* WRITE_I10_LINES(const std::int32_t* values, std::int64_t count, char* out) {
-  for (std::int64_t i = 0; i < count; ++i) {
-    out = write_i10(values[i], out);
-    *out++ = '\n';
-  }
-  return out;
-}
-
 }  // namespace quillet

@@ -31,7 +31,4 @@ char* WRITE_E12_5_LINES(const float* values, std::int64_t count, char* out);
 // I10: 10 characters, right-aligned; ten asterisks below -999999999, which do not fit.
 char* WRITE_I10(std::int32_t value, char* out);
 
-// The same, one value to a line: 11 bytes per value.
-char* WRITE_I10_LINES(const std::int32_t* values, std::int64_t count, char* out);
-
 }  // namespace quillet

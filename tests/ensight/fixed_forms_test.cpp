@@ -156,11 +156,6 @@ TEST(FixedForms, Integers) {
       {-999999999, "-999999999"}, {-1000000000, "**********"}, {least, "**********"}};
   // clang-format on
   for (const auto& [value, text] : examples) EXPECT_EQ(i10(value), text);
-
-  const std::vector<std::int32_t> ids = {1, 20, 123456789, -5};
-  std::string lines(44, '#');
-  EXPECT_EQ(WRITE_I10_LINES(ids.data(), 4, lines.data()), lines.data() + 44);
-  EXPECT_EQ(lines, "         1\n        20\n 123456789\n        -5\n");
 }
 
 }  // namespace
