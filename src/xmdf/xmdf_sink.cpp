@@ -48,9 +48,9 @@ XmdfSink::XmdfSink(std::string output_name, const DatasetNames& dataset_names)
   SAY("Output XMDF File: " + file_name);
   std::string reason = part.create(file_name);
   if (reason.empty()) reason = XF_CREATE_FILE(part.name(), file).reason;
-  if (!reason.empty()) {
-    FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name, reason);
-  }
+  if (reason.empty()) return;
+  if (part.is_open()) part.remove();
+  FAIL_RUN("ERROR - Creating file [XF_CREATE_FILE] " + file_name, reason);
 }
 
 // What was written stays under its temporary name; a file without a dataset is removed.
