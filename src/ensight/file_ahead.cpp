@@ -8,24 +8,21 @@
 
 namespace quillet {
 
-FileAhead::FileAhead(const std::string& file_name) {
-  unit.emplace(file_name, OutputUnit::Replace::directly);
-}
+FileAhead::FileAhead(const std::string& file_name)
+    : unit(file_name, OutputUnit::Replace::directly) {}
 
 FileAhead::~FileAhead() {
   job.take_back();
-  const std::string name = unit->name();
-  unit.reset();
-  if (!has_turn) REMOVE_FILE(name);
+  if (!has_turn) REMOVE_FILE(unit.name());
 }
 
 void FileAhead::write_ahead(std::function<void()> write) {
   is_handed_out = true;
-  unit->tell_failures_when_complete();
+  unit.tell_failures_when_complete();
   job.start([this, write = std::move(write)] {
     try {
       write();
-      unit->end_writing();
+      unit.end_writing();
     } catch (const std::bad_alloc&) {
       has_memory = false;
     }

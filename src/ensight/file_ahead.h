@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "support/output_unit.h"
@@ -20,7 +19,7 @@ class FileAhead {
   // Removes the file when its turn has not come.
   ~FileAhead();
 
-  OutputUnit& out() { return *unit; }
+  OutputUnit& out() { return unit; }
 
   // Hands the writing to the crew, all of it. It may throw std::bad_alloc.
   void write_ahead(std::function<void()> write);
@@ -35,10 +34,10 @@ class FileAhead {
   void take_turn();
 
   // After its turn: the file is complete. Ends the run when it is not.
-  void complete() { unit->complete(); }
+  void complete() { unit.complete(); }
 
  private:
-  std::optional<OutputUnit> unit;
+  OutputUnit unit;
   bool is_handed_out = false;
   bool has_turn = false;
   bool has_memory = true;

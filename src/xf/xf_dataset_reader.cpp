@@ -212,10 +212,15 @@ XfStatus open_group(const XfFileState& file, const std::string& path, XfGroup& g
   return {};
 }
 
+bool close_id(XfGroupState& group) {
+  const FileAtRisk reading(group.file_name, xf_fatal_damage);
+  return group.id.close();
+}
+
 }  // namespace
 
 void XfGroupCloser::operator()(XfGroupState* state) const {
-  const std::string file_name = state->file_name;
+  const std::string file_name = std::move(state->file_name);
   const FileAtRisk reading(file_name, xf_fatal_damage);
   delete state;
 }
@@ -228,9 +233,7 @@ XfStatus XF_OPEN_GROUP(const XfFile& file, const std::string& path, XfGroup& gro
 
 XfStatus XF_CLOSE_GROUP(XfGroup& group) {
   if (!group) return {};
-  const std::string file_name = group->file_name;
-  const FileAtRisk reading(file_name, xf_fatal_damage);
-  const bool closed = group->id.close();
+  const bool closed = close_id(*group);
   group.reset();
   return closed ? XfStatus{} : XF_FAILURE("the group cannot be closed");
 }

@@ -29,16 +29,16 @@ void xf_prepare_hdf5();
 // The system's words for the call that has just failed, else the given ones.
 XfStatus xf_hdf5_failure(const std::string& otherwise);
 
-// Runs an operation that sizes arrays.
+// Runs an operation that sizes arrays. The reason for a failure is short enough to take no memory.
 template <typename Operation>
 XfStatus xf_guard_memory(Operation operation) {
-  const XfStatus no_memory{XfStatus::Kind::no_memory, "not enough memory (RAM)"};
+  constexpr const char* no_memory = "out of memory";
   try {
     return operation();
   } catch (const std::bad_alloc&) {
-    return no_memory;
+    return {XfStatus::Kind::no_memory, no_memory};
   } catch (const std::length_error&) {
-    return no_memory;
+    return {XfStatus::Kind::no_memory, no_memory};
   }
 }
 

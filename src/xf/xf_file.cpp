@@ -137,6 +137,11 @@ XfStatus write_what_is_left(const XfFileState& file) {
   return H5Fflush(file.id.get(), H5F_SCOPE_LOCAL) >= 0 ? XfStatus{} : incomplete();
 }
 
+bool close_id(XfFileState& file) {
+  const FileAtRisk reading(file.opened_name, xf_fatal_damage);
+  return file.id.close();
+}
+
 // Cutting a file to the length that it has gives back the blocks beyond. Some file systems write
 // its end to the disk first, so it is not done when there are none.
 void give_back_beyond_end(const std::filesystem::path& name, std::uint64_t reserved_end) noexcept {
@@ -211,8 +216,7 @@ XfStatus create_xmdf_file(const std::string& name, XfFile& file) {
 }  // namespace
 
 XfFileState::~XfFileState() {
-  const FileAtRisk reading(opened_name, xf_fatal_damage);
-  id.close();
+  close_id(*this);
   if (!created_name.empty()) give_back_beyond_end(created_name, reserved_end);
 }
 
@@ -248,7 +252,7 @@ void XF_EXPECT_SIZE(const XfFile& file, std::int64_t bytes) {
 XfStatus XF_CLOSE_FILE(XfFile& file) {
   if (!file) return {};
   XfStatus status = file->created_name.empty() ? XfStatus{} : write_what_is_left(*file);
-  if (!file->id.close() && status.ok()) status = incomplete();
+  if (!close_id(*file) && status.ok()) status = incomplete();
   file.reset();
   return status;
 }
