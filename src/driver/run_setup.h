@@ -31,10 +31,11 @@ struct RunSetup {
   float tolerance = 0;          // hours
   std::optional<float> time{};  // hours; the output time asked for
 
+  std::vector<XmdfFileHeader> xmdf_files{};  // of the inputs that are XMDF files, in order: before
+                                             // the inputs, which keep groups of them open
   RunInputs inputs{};
-  std::vector<DatSource*> dat_sources{};     // those of the inputs that are .dat files, in order
-  std::vector<XmdfFileHeader> xmdf_files{};  // those that are XMDF files, in order
-  std::unique_ptr<ResultSink> output{};      // none for operations that open theirs themselves
+  std::vector<DatSource*> dat_sources{};  // those that are .dat files, in order
+  std::unique_ptr<ResultSink> output{};   // none for operations that open theirs themselves
   WorkArrays work{};
 
   ResultShape shape{};  // of all inputs; with cells when any of them tells their number
