@@ -104,7 +104,7 @@ bool DatReader::states_statuses_later() {
   return false;
 }
 
-std::int64_t DatReader::time_count_bound() const {
+std::int64_t DatReader::likely_time_count() const {
   look_for_step();
   const Extent extent = extent_of({.states_statuses = true, .time = 0});
   const std::int64_t block = dat_card_size + dat_step_head_size + extent.statuses + extent.values;

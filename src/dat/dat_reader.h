@@ -58,8 +58,8 @@ class DatReader {
 
   void close() { file.close(); }
 
-  // Most output times that the rest of the file can hold.
-  std::int64_t time_count_bound() const;
+  // How many output times the rest of the file holds if all of them state statuses.
+  std::int64_t likely_time_count() const;
 
   bool at_end() const {
     look_for_step();

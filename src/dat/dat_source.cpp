@@ -63,7 +63,7 @@ void DatSource::read_at_time(float time, float tolerance, RES_TYPE& record) {
     if (tolerance > std::fabs(step.time - time)) {
       reader.load(step, record);
       NOTE_TIME_READ(BYTES_OF(SHAPE_OF(record)));
-      NOTE_TIMES_PASSED(reader.time_count_bound());  // those behind it are not looked at
+      NOTE_TIMES_PASSED(reader.likely_time_count());  // those behind it are not looked at
       SAY("...Found time " + AREAL(time) + " in dat file.");
       return;
     }

@@ -26,7 +26,7 @@ class DatSource : public ResultSource {
 
   const std::string& name() const override { return reader.name(); }
   ResultShape shape() const override;
-  std::int64_t likely_time_count() const override { return reader.time_count_bound(); }
+  std::int64_t likely_time_count() const override { return reader.likely_time_count(); }
 
   void limit_to(const std::vector<std::int32_t>& nodes,
                 const std::vector<std::int32_t>& cells) override {

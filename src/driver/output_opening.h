@@ -8,8 +8,8 @@
 
 namespace quillet {
 
-// The files that the run reads, as far as they are there: the .sup file, the inputs, their meshes
-// and water levels, those too that the operation makes no use of.
+// The files that the run may read, whether they are there or not: the .sup file, the file of
+// points, the inputs, their meshes and water levels, those too that the operation makes no use of.
 std::vector<std::string> FILES_READ(const RunSetup& setup);
 
 // Ends the run when the output is the same file as an input, as the mesh or as the water levels of
