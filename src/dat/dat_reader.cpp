@@ -144,6 +144,7 @@ DatReader::Extent DatReader::extent_of(const StepHead& head) const {
 }
 
 std::optional<DatStep> DatReader::try_advance() {
+  END_IF_INTERRUPTED();
   look_for_step();
   const StepHead head = read_head();
   const Extent extent = extent_of(head);

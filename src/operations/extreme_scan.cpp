@@ -116,6 +116,7 @@ class Scan {
  private:
   void compare_all() {
     while (!source.at_end()) {
+      GO_ON_WITHOUT_LINE();
       const float time = source.scan_next();
       if (!pass_over_map(time)) fold(time);
     }

@@ -123,4 +123,9 @@ void END_IF_INTERRUPTED() {
   end_run(Ending::at_once);
 }
 
+void GO_ON_WITHOUT_LINE() {
+  END_IF_INTERRUPTED();
+  if (current_console != nullptr) current_console->go_on();
+}
+
 }  // namespace quillet

@@ -23,6 +23,9 @@ class Console {
 
   // Waits for Enter. False when there is nobody to wait for.
   virtual bool wait_for_enter() = 0;
+
+  // Called now and then while work goes on without a line.
+  virtual void go_on() {}
 };
 
 // Makes this the console of the program; null for none. Returns the one before.
@@ -99,5 +102,8 @@ void SAY_HELP(std::string_view line);
 // Ends the run when the user, or the system, has asked for it: see interrupt.h. Loops that may go
 // on for long without a line call it.
 void END_IF_INTERRUPTED();
+
+// The same where output times pass meanwhile: the console may show how far the run is.
+void GO_ON_WITHOUT_LINE();
 
 }  // namespace quillet

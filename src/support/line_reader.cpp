@@ -78,6 +78,7 @@ bool LineReader::fetch_lines() {
 // Adds to the block what there is room for. Returns how many bytes that were; 0 only at the end of
 // the file.
 std::size_t LineReader::refill() {
+  END_IF_INTERRUPTED();
   const auto got = file.read_at(file_position, block.get() + filled,
                                 static_cast<std::int64_t>(block_size - filled));
   file_position += got;

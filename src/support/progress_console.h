@@ -26,6 +26,7 @@ class ProgressConsole : public Console {
 
   void say(std::string_view line) override;
   bool wait_for_enter() override;
+  void go_on() override { draw_when_due(); }
 
  private:
   using Clock = std::chrono::steady_clock;

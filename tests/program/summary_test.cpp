@@ -155,15 +155,31 @@ TEST_P(Summaries, TellWhatWasReadAndWritten) {
   EXPECT_NE(text.find(expected + "Errors, warnings    0, "), std::string::npos) << text << expected;
 }
 
+// Sees how many output times are read between two looks at it.
+class WatchingConsole : public test::CapturedConsole {
+ public:
+  void say(std::string_view) override { go_on(); }
+  void go_on() override {
+    most_unseen = std::max(most_unseen, RUN_TALLY().times_read - seen);
+    seen = RUN_TALLY().times_read;
+  }
+
+  std::int64_t most_unseen = 0;
+
+ private:
+  std::int64_t seen = 0;
+};
+
 // In this process, which keeps the tally of the run.
 TEST_P(Summaries, ComeWhenTheProgressIsWhole) {
   const Workspace folder;
   make_inputs(folder);
   const auto here = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
-  test::CapturedConsole console;
+  WatchingConsole console;
   RUN_QUILLET(WORDS("-b --no-progress -2dm m.2dm -out r " + GetParam().arguments), console);
   std::filesystem::current_path(here);
+  EXPECT_LE(console.most_unseen, 1);
   // What a .dat file holds is not known before: the bound counts one more.
   const std::string& arguments = GetParam().arguments;
   std::int64_t dat_files = 0;
