@@ -65,7 +65,6 @@ RES_TYPE& VariableFiles::next_record() {
   }
   steps.tell_what_is_written();
   if (!next) next = spare_record();
-  SIZE_STATUSES(*next, mesh.element_count);
   return *next;
 }
 

@@ -29,7 +29,7 @@ class VariableFiles {
   // The files that follow are of this dataset: `description` is the first line of each.
   void begin_dataset(const std::string& description, bool is_vector);
 
-  // Room for the output time that the next file is of, every status 1.
+  // Room for the output time that the next file is of.
   RES_TYPE& next_record();
 
   // Writes that output time as a text file, with console lines, as steps of the export. Ends the
