@@ -110,6 +110,7 @@ Ending run_to_its_end(const std::vector<std::string>& arguments, const EarlyOpti
 } catch (const std::bad_alloc&) {
   // Of something small: where arrays are sized, the sizing says so.
   notes.has_failed = true;
+  ++RUN_TALLY().errors;
   console.say("");
   console.say("ERROR - Could not allocate enough memory (RAM).");
   return Ending::press_enter_to_close;
