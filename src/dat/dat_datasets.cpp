@@ -67,7 +67,7 @@ std::vector<DatStep> results_of(DatReader& reader) {
   while (!reader.at_end()) {
     const DatStep step = reader.advance();
     if (IS_MARKER_MAP(step.time)) {
-      SAY("Skipping marker time, time found: " + AREAL(step.time));
+      SAY(std::string(marker_map_passed_over) + AREAL(step.time));
     } else {
       steps.push_back(step);
     }

@@ -163,7 +163,7 @@ class Scan {
 
   static bool pass_over_map(float time) {
     if (!IS_MARKER_MAP(time)) return false;
-    SAY("Skipping marker time, time found: " + AREAL(time));
+    SAY(std::string(marker_map_passed_over) + AREAL(time));
     return true;
   }
 

@@ -23,9 +23,9 @@ bool is_ordinary(float time) {
 }
 
 std::string_view why_passed_over(float time) {
-  if (IS_MARKER_MAP(time)) return "Skipping marker time, time found: ";
-  if (time < 0) return "Skipping stored minimum, time found: ";
-  return "Skipping times above 99,998, time found: ";
+  if (IS_MARKER_MAP(time)) return marker_map_passed_over;
+  if (time < 0) return stored_minimum_passed_over;
+  return stored_maximum_passed_over;
 }
 
 }  // namespace

@@ -17,16 +17,16 @@ std::string_view WHY_NOT_ORDINARY(const ResultSource& source, double time) {
   if (std::isnan(time)) {
     FAIL_READING(source.name(), "expected an output time, found one that is not a number");
   }
-  if (time > last_ordinary_time) return "Skipping times above 99,998, time found: ";
+  if (time > last_ordinary_time) return stored_maximum_passed_over;
   const bool is_minimum = time == stored_minimum_time || time == minimum_marker_time;
-  return is_minimum ? "Skipping stored minimum, time found: " : "";
+  return is_minimum ? stored_minimum_passed_over : "";
 }
 
 void PASS_MARKER_MAPS(ResultSource& source) {
   while (!source.at_end()) {
     const auto time = static_cast<float>(source.next_time());
     if (!IS_MARKER_MAP(time)) return;
-    SAY("Skipping marker time, time found: " + AREAL(time));
+    SAY(std::string(marker_map_passed_over) + AREAL(time));
     source.pass_next();
   }
 }

@@ -1,6 +1,8 @@
 // Output times that are no hours but say what the values are.
 #pragma once
 
+#include <string_view>
+
 namespace quillet {
 
 // Above it, times are none of the simulation.
@@ -21,5 +23,10 @@ constexpr float when_marker_time = 333333.0F;      // the time each value occurr
 inline bool IS_MARKER_MAP(float time) {
   return time == source_marker_time || time == when_marker_time;
 }
+
+// What is said of output times that are passed over, before the time.
+constexpr std::string_view marker_map_passed_over = "Skipping marker time, time found: ";
+constexpr std::string_view stored_maximum_passed_over = "Skipping times above 99,998, time found: ";
+constexpr std::string_view stored_minimum_passed_over = "Skipping stored minimum, time found: ";
 
 }  // namespace quillet

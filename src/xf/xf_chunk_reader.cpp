@@ -230,8 +230,7 @@ XfStatus XfChunkReader::read_by_hdf5(hsize_t chunk, Slot& slot) {
 XfStatus XfChunkReader::told(hsize_t chunk, XfStatus status) const {
   if (status.kind != XfStatus::Kind::failure) return status;
   const hsize_t row = chunk / chunks_per_row * table.chunk_rows;
-  const std::string place = table.rank == 1 ? "" : " of output time " + std::to_string(row + 1);
-  status.reason = table.name + place + " " + status.reason;
+  status.reason = xf_row_name(table, row) + " " + status.reason;
   return status;
 }
 

@@ -100,12 +100,6 @@ XfStatus open_activity(XfGroupState& group) {
   return status;
 }
 
-XfStatus check_count(const char* what, std::size_t expected, hsize_t found) {
-  if (expected == found) return {};
-  return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
-                    std::to_string(found));
-}
-
 // Every member has one row per output time, and the one asked for is among them.
 XfStatus check_output_time(XfGroupState& group, const char* name, const XfRowReader& member,
                            std::int32_t output_time) {
@@ -129,7 +123,7 @@ XfStatus prepare_values(XfGroupState& group, int rank, std::int32_t output_time,
                                             : "the dataset is a scalar, expected a vector");
   }
   if (status.ok()) status = check_output_time(group, "Values", *group.values, output_time);
-  if (status.ok()) status = check_count("values", value_count, group.values->columns());
+  if (status.ok()) status = xf_check_count("values", value_count, group.values->columns());
   return status;
 }
 
@@ -165,7 +159,7 @@ XfStatus prepare_activity(XfGroupState& group, std::int32_t output_time, std::si
   XfStatus status = open_activity(group);
   if (!group.activity || group.activity->columns() == 0) return status;
   status = check_output_time(group, "Active", *group.activity, output_time);
-  if (status.ok()) status = check_count("activity flags", flag_count, group.activity->columns());
+  if (status.ok()) status = xf_check_count("activity flags", flag_count, group.activity->columns());
   has_flags = status.ok();
   return status;
 }
@@ -301,7 +295,7 @@ XfStatus XF_READ_VECTOR_VALUES_TIMESTEP(const XfGroup& group, std::int32_t outpu
                                         std::span<float> x, std::span<float> y) {
   return xf_guard_reading(group->file_name, [&] {
     XfStatus status = prepare_values(*group, vector_rank, output_time, x.size());
-    if (status.ok()) status = check_count("y components", x.size(), y.size());
+    if (status.ok()) status = xf_check_count("y components", x.size(), y.size());
     if (!status.ok()) return status;
     return with_size_checked(*group, read_vector(*group, output_time - 1, x.data(), y.data()));
   });

@@ -57,4 +57,10 @@ XfStatus xf_hdf5_failure(const std::string& otherwise) {
   return XF_FAILURE(error.system_reason.empty() ? otherwise : error.system_reason);
 }
 
+XfStatus xf_check_count(const char* what, hsize_t expected, hsize_t found) {
+  if (expected == found) return {};
+  return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
+                    std::to_string(found));
+}
+
 }  // namespace quillet

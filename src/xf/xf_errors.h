@@ -29,6 +29,9 @@ void xf_prepare_hdf5();
 // The system's words for the call that has just failed, else the given ones.
 XfStatus xf_hdf5_failure(const std::string& otherwise);
 
+// "expected 1000 values, found 900", where both are not the same.
+XfStatus xf_check_count(const char* what, hsize_t expected, hsize_t found);
+
 // Runs an operation that sizes arrays. The reason for a failure is short enough to take no memory.
 template <typename Operation>
 XfStatus xf_guard_memory(Operation operation) {

@@ -1,7 +1,6 @@
 #include "xf/xf_plain_reader.h"
 
 #include <algorithm>
-#include <string>
 
 namespace quillet {
 
@@ -32,8 +31,7 @@ XfStatus XfPlainReader::read_row(hsize_t row, std::byte* straight, const XfPiece
 XfStatus XfPlainReader::read_piece(hsize_t row, std::uint64_t address, std::size_t bytes,
                                    std::byte* memory) {
   if (table.file.read(address, memory, bytes)) return {};
-  const std::string place = table.rank == 1 ? "" : " of output time " + std::to_string(row + 1);
-  return XF_FAILURE(table.name + place + " cannot be read");
+  return XF_FAILURE(xf_row_name(table, row) + " cannot be read");
 }
 
 }  // namespace quillet

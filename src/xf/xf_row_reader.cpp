@@ -119,8 +119,7 @@ XfStatus XfRowReader::read_by_hdf5(hsize_t row, hsize_t first, hsize_t count,
               destination) >= 0) {
     return {};
   }
-  const std::string place = table.rank == 1 ? "" : " of output time " + std::to_string(row + 1);
-  return XF_FAILURE(table.name + place + " cannot be read");
+  return XF_FAILURE(xf_row_name(table, row) + " cannot be read");
 }
 
 }  // namespace quillet

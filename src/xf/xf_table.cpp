@@ -246,6 +246,10 @@ std::array<hsize_t, 3> xf_coordinates(const XfTable& table, hsize_t row, hsize_t
   return {row, column, 0};
 }
 
+std::string xf_row_name(const XfTable& table, hsize_t row) {
+  return table.rank == 1 ? table.name : table.name + " of output time " + number(row + 1);
+}
+
 hsize_t xf_chunks_per_row(const XfTable& table) {
   return chunks_between(table.columns, table.chunk_columns) *
          chunks_between(table.components, table.chunk_components);

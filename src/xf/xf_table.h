@@ -63,6 +63,9 @@ bool xf_is_number(hid_t type);
 // The place of an element in the dataset's own coordinates.
 std::array<hsize_t, 3> xf_coordinates(const XfTable& table, hsize_t row, hsize_t column);
 
+// What a row is called where it cannot be read: "Values of output time 3", or the name of a series.
+std::string xf_row_name(const XfTable& table, hsize_t row);
+
 // Chunks side by side in a row of chunks, the number of all, and the bytes of one chunk.
 hsize_t xf_chunks_per_row(const XfTable& table);
 hsize_t xf_chunk_count(const XfTable& table);

@@ -129,23 +129,17 @@ XfStatus enter_folder(const XfFileState& file, const std::string& path, XfFolder
   return status;
 }
 
-XfStatus check_count(const char* what, hsize_t expected, hsize_t found) {
-  if (expected == found) return {};
-  return XF_FAILURE("expected " + std::to_string(expected) + " " + what + ", found " +
-                    std::to_string(found));
-}
-
 // Creates `Values` when this is the first output time.
 XfStatus prepare_values(XfDatasetWriterState& dataset, std::size_t count) {
-  if (dataset.values.created()) return check_count("values", dataset.values.columns(), count);
+  if (dataset.values.created()) return xf_check_count("values", dataset.values.columns(), count);
   return dataset.values.create(dataset.id.get(), "Values", H5T_IEEE_F32LE, count,
                                dataset.components, dataset.storage);
 }
 
 XfStatus write_values(XfDatasetWriterState& dataset, hsize_t components, double time,
                       std::span<const float> values, const XfRange& range) {
-  XfStatus status = check_count("components", dataset.components, components);
-  if (status.ok()) status = check_count("values left over", 0, values.size() % components);
+  XfStatus status = xf_check_count("components", dataset.components, components);
+  if (status.ok()) status = xf_check_count("values left over", 0, values.size() % components);
   if (status.ok()) status = prepare_values(dataset, values.size() / components);
   if (!status.ok()) return status;
   dataset.times.push_back(time);
@@ -157,11 +151,12 @@ XfStatus write_values(XfDatasetWriterState& dataset, hsize_t components, double 
 XfStatus write_activity(XfDatasetWriterState& dataset, std::span<const std::int8_t> flags) {
   XfTableWriter& activity = dataset.activity;
   XfStatus status = activity.created()
-                        ? check_count("activity flags", activity.columns(), flags.size())
+                        ? xf_check_count("activity flags", activity.columns(), flags.size())
                         : activity.create(dataset.id.get(), "Active", H5T_STD_U8LE, flags.size(), 1,
                                           dataset.storage);
   if (status.ok()) {
-    status = check_count("output times with activity", dataset.times.size(), activity.rows() + 1);
+    status =
+        xf_check_count("output times with activity", dataset.times.size(), activity.rows() + 1);
   }
   if (!status.ok()) return status;
   if (Kernel<are_zero_or_one>::run(flags.data(), flags.size())) {
@@ -181,7 +176,8 @@ XfStatus complete_tables(XfDatasetWriterState& dataset) {
   }
   XfStatus status = dataset.values.complete();
   if (!status.ok() || !dataset.activity.created()) return status;
-  status = check_count("output times with activity", dataset.times.size(), dataset.activity.rows());
+  status =
+      xf_check_count("output times with activity", dataset.times.size(), dataset.activity.rows());
   return status.ok() ? dataset.activity.complete() : status;
 }
 
@@ -236,7 +232,7 @@ XfStatus XF_WRITE_VECTOR_TIMESTEP(const XfDatasetWriter& dataset, double time,
 XfStatus XF_WRITE_ACTIVITY_TIMESTEP(const XfDatasetWriter& dataset,
                                     std::span<const std::int8_t> flags) {
   if (flags.empty()) {
-    return check_count("activity flags", dataset->activity.columns(), 0);
+    return xf_check_count("activity flags", dataset->activity.columns(), 0);
   }
   return xf_guard_memory([&] { return write_activity(*dataset, flags); });
 }

@@ -37,4 +37,9 @@ bool XmdfNameSearch::finds(const XmdfDatasetList& datasets, std::size_t i) const
   return true;
 }
 
+void CHOOSE_XMDF_DATASET(std::int32_t& chosen, std::int32_t position, const std::string& path) {
+  if (chosen != 0) SAY("WARNING - More than one dataset matches, using " + QUOTED(path));
+  chosen = position;
+}
+
 }  // namespace quillet

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -24,5 +25,8 @@ class XmdfNameSearch {
   std::string wanted;  // lower case
   bool has_exact = false;
 };
+
+// Makes the dataset at this position the chosen one. Warns when it takes the place of another.
+void CHOOSE_XMDF_DATASET(std::int32_t& chosen, std::int32_t position, const std::string& path);
 
 }  // namespace quillet

@@ -74,21 +74,16 @@ struct Search {
     return matches;
   }
 
-  static void choose(std::int32_t& index, std::int32_t position, const std::string& path) {
-    if (index != 0) SAY("WARNING - More than one dataset matches, using " + QUOTED(path));
-    index = position;
-  }
-
   void take(XmdfDatasetList& datasets, std::int32_t position) const {
     const std::string& path = datasets.path(position);
     if (by_path) {
-      choose(datasets.selected, position, path);
+      CHOOSE_XMDF_DATASET(datasets.selected, position, path);
       datasets.temporal = position;
       return;
     }
     const Folder* const folder = folder_of(path);
     if (folder == nullptr) fail_unknown_folder(path);
-    choose(datasets.*folder->index, position, path);
+    CHOOSE_XMDF_DATASET(datasets.*folder->index, position, path);
   }
 
   [[noreturn]] void fail_unknown_folder(const std::string& path) const {

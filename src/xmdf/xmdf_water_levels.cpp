@@ -11,14 +11,6 @@
 #include "xmdf/xmdf_values.h"
 
 namespace quillet {
-namespace {
-
-void choose(std::int32_t& index, std::int32_t position, const std::string& path) {
-  if (index != 0) SAY("WARNING - More than one dataset matches, using " + QUOTED(path));
-  index = position;
-}
-
-}  // namespace
 
 void XmdfWaterLevels::open(const ResultShape& data) {
   FindWaterLevel();
@@ -36,9 +28,9 @@ void XmdfWaterLevels::FindWaterLevel() {
     if (!search.finds(header.scalars, static_cast<std::size_t>(position) - 1)) continue;
     const std::string& path = header.scalars.path(position);
     if (FIND_XMDF_FOLDER(path, DatasetKind::maximum) != std::string::npos) {
-      choose(maximums, position, path);
+      CHOOSE_XMDF_DATASET(maximums, position, path);
     } else if (FIND_XMDF_FOLDER(path, DatasetKind::series) != std::string::npos) {
-      choose(temporal, position, path);
+      CHOOSE_XMDF_DATASET(temporal, position, path);
     }
   }
   if (maximums == 0) {
