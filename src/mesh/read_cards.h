@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -79,11 +80,17 @@ class PieceOfLines {
   // is read when its turn comes.
   static constexpr std::size_t most_runs = 40;
 
+  // An unusual number takes memory: without any, the rest is read when its turn comes.
   void read(const Cards& cards) {
     std::string_view rest = text;
-    for (run_count = 0; run_count < most_runs && !rest.empty(); ++run_count) {
-      READ_RUN(cards, rest, runs[run_count]);
-      rest.remove_prefix(LENGTH_OF(runs[run_count], rest));
+    run_count = 0;
+    try {
+      for (; run_count < most_runs && !rest.empty(); ++run_count) {
+        READ_RUN(cards, rest, runs[run_count]);
+        rest.remove_prefix(LENGTH_OF(runs[run_count], rest));
+      }
+    } catch (const std::bad_alloc&) {
+      return;
     }
   }
 
