@@ -1,5 +1,7 @@
 #include "operations/mesh_map.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -26,6 +28,15 @@ std::string_view why_passed_over(float time) {
   if (IS_MARKER_MAP(time)) return marker_map_passed_over;
   if (time < 0) return stored_minimum_passed_over;
   return stored_maximum_passed_over;
+}
+
+// Differences and areas of much larger coordinates would be no numbers.
+void check_coordinates(const std::string& mesh_name, const MESH_GEOMETRY_TYPE& mesh) {
+  constexpr double farthest = 1e15;
+  for (const double value : {mesh.x_minimum, mesh.x_maximum, mesh.y_minimum, mesh.y_maximum}) {
+    if (mesh.node_count == 0 || std::fabs(value) <= farthest) continue;
+    FAIL_READING(mesh_name, fmt::format("expected coordinates of up to 1e15 m, found {}", value));
+  }
 }
 
 }  // namespace
@@ -76,6 +87,7 @@ void MeshMap::load_mesh() {
   if (has_other_nodes && !values_per_element) {
     FAIL_ON_NODE_COUNT({name, loaded.node_count, loaded.element_count}, node_count);
   }
+  check_coordinates(name, loaded);
   part_mesh = MAKE_PART_MESH(std::move(loaded));
   if (part_mesh.parts.empty()) FAIL_RUN("ERROR - Mesh has no elements: " + QUOTED(name));
   if (job.step.cell_count == 0) SIZE_STATUSES(job.step, part_mesh.element_count);

@@ -115,6 +115,11 @@ INSTANTIATE_TEST_SUITE_P(
             "a mesh with other nodes", "--grid=1 a_d.dat",
             {{"a.2dm", mesh + "ND 7 5 5 0\n"}, {"a_d.dat", depths({at_1})}},
             "ERROR - Number of nodes does not match results file. Expecting number of nodes: 6"),
+        refused(
+            "coordinates whose difference overflows", "--grid=1e308 a_d.dat",
+            {{"a.2dm", "MESH2D\nND 1 -1e308 0 0\nND 2 1e308 0 0\nND 3 0 1 0\nE3T 1 1 2 3 1\n"},
+             {"a_d.dat", DAT_FILE({3, 1}, "Depth", {{1, {1}, {1, 1, 1}}})}},
+            "ERROR - Reading file \"a.2dm\": expected coordinates of up to 1e15 m, found -1e+308"),
         refused("the mesh as output", "--grid=1 -2dm a.tif -out a.tif a_d.dat",
                 {{"a.tif", mesh}, {"a_d.dat", depths({at_1})}},
                 "ERROR - Output file is also an input file: \"a.tif\""),
