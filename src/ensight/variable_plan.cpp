@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "ensight/ensight_names.h"
 #include "support/text.h"
@@ -11,28 +14,53 @@
 namespace quillet {
 namespace {
 
-// Position of the run's output time that a time is, or their number. The usual series has the run's
-// times one by one.
-std::size_t position_in(const std::vector<double>& run_times, double time, std::size_t likely,
-                        double tolerance) {
-  const auto distance = [&](std::size_t i) { return std::fabs(run_times[i] - time); };
-  if (likely < run_times.size() && distance(likely) <= tolerance) return likely;
-  std::size_t nearest = run_times.size();
-  double least = tolerance;
-  for (std::size_t i = 0; i < run_times.size(); ++i) {
-    if (!(distance(i) <= least)) continue;
-    nearest = i;
-    least = distance(i);
+// Finds output times of the run.
+class RunTimeSearch {
+ public:
+  explicit RunTimeSearch(const std::vector<double>& run_times) : times(run_times) {
+    for (std::size_t i = 0; i < times.size(); ++i) ascending.push_back({times[i], i});
+    std::sort(ascending.begin(), ascending.end());
   }
-  return nearest;
-}
+
+  // Position of the output time that a time is, or their number; of equally near ones the last. The
+  // usual series has the run's times one by one.
+  std::size_t position_of(double time, std::size_t likely, double tolerance) const {
+    const auto distance = [&](std::size_t i) { return std::fabs(times[i] - time); };
+    if (likely < times.size() && distance(likely) <= tolerance) return likely;
+    std::size_t nearest = times.size();
+    double least = tolerance;
+    const auto is_last = [&](std::size_t i) { return nearest == times.size() || i > nearest; };
+    const auto consider = [&](std::size_t i) {
+      const bool is_nearer = distance(i) < least || (distance(i) == least && is_last(i));
+      if (!is_nearer) return;
+      nearest = i;
+      least = distance(i);
+    };
+    if (std::isnan(time)) return nearest;
+    const auto above = first_above(time);
+    if (above != ascending.begin()) consider(std::prev(above)->second);
+    if (above != ascending.end()) consider(std::prev(first_above(above->first))->second);
+    return nearest;
+  }
+
+ private:
+  using Place = std::pair<double, std::size_t>;
+
+  std::vector<Place>::const_iterator first_above(double time) const {
+    return std::upper_bound(ascending.begin(), ascending.end(), Place{time, times.size()});
+  }
+
+  const std::vector<double>& times;
+  std::vector<Place> ascending;  // with their positions
+};
 
 void plan_series(const std::vector<double>& times, const std::vector<double>& run_times,
                  double tolerance, VariablePlan& plan) {
+  const RunTimeSearch search(run_times);
   std::vector<bool> is_there(run_times.size());
   std::size_t likely = 0;
   for (std::size_t output = 0; output < times.size(); ++output) {
-    const std::size_t position = position_in(run_times, times[output], likely, tolerance);
+    const std::size_t position = search.position_of(times[output], likely, tolerance);
     if (position == run_times.size() || is_there[position]) {
       ++plan.unexpected_outputs;
       continue;
