@@ -133,20 +133,31 @@ TEST_P(XfDamageTest, DamagedCompressedBytesAreNoticed) {
   }
 }
 
-// Their product overflows to nothing.
-TEST_P(XfDamageTest, ChunkExtentsThatNoFileHasAreRefused) {
-  const auto text_of = [](std::array<std::uint32_t, 2> extents) {
-    return std::string(reinterpret_cast<const char*>(extents.data()), sizeof extents);
+// A product of extents that overflows to nothing; a mantissa beyond the number, where HDF5 would
+// overwrite memory.
+TEST_P(XfDamageTest, HeadersThatNoFileHasAreRefused) {
+  const auto text_of = [](std::array<std::uint32_t, 2> numbers) {
+    return std::string(reinterpret_cast<const char*>(numbers.data()), sizeof numbers);
   };
-  const std::size_t place = bytes.find(text_of({static_cast<std::uint32_t>(times_per_chunk), 100}));
-  ASSERT_NE(place, std::string::npos);
-  folder.write("damaged.xmdf", bytes.replace(place, 8, text_of({1U << 31U, 1U << 31U})));
-  XfFile file;
-  XfGroup group;
-  std::int32_t nodes = 0;
-  ASSERT_TRUE(XF_OPEN_FILE(path("damaged.xmdf"), file).ok());
-  ASSERT_TRUE(XF_OPEN_GROUP(file, "run/Temporal/Depth", group).ok());
-  EXPECT_EQ(XF_GET_DATASET_NUMVALS(group, nodes).reason, "Values has damaged chunk extents");
+  // Exponent from bit 23 of 8 bits, mantissa from bit 0 of 23 or 255, bias 127.
+  const std::array<std::array<std::string, 3>, 2> changes{{
+      {text_of({static_cast<std::uint32_t>(times_per_chunk), 100}), text_of({1U << 31U, 1U << 31U}),
+       "Values has damaged chunk extents"},
+      {text_of({0x17000817, 127}), text_of({0xff000817, 127}), "Values holds no numbers"},
+  }};
+  for (const auto& [whole, changed, reason] : changes) {
+    std::string damaged = bytes;
+    for (auto at = bytes.find(whole); at != std::string::npos; at = bytes.find(whole, at + 1)) {
+      damaged.replace(at, 8, changed);
+    }
+    folder.write("damaged.xmdf", damaged);
+    XfFile file;
+    XfGroup group;
+    std::int32_t nodes = 0;
+    ASSERT_TRUE(XF_OPEN_FILE(path("damaged.xmdf"), file).ok());
+    ASSERT_TRUE(XF_OPEN_GROUP(file, "run/Temporal/Depth", group).ok());
+    EXPECT_EQ(XF_GET_DATASET_NUMVALS(group, nodes).reason, reason);
+  }
 }
 
 std::string name_of_chunks(const ::testing::TestParamInfo<std::tuple<bool, hsize_t>>& param_info) {

@@ -224,6 +224,8 @@ std::vector<Refusal> refusals() {
       {"three components", values(real, {{2, 4, 3}, {}, {}}, 24), "expected 2 components, found 3"},
       {"chunks not written", values(real, {{2, huge}, {1, 1000}, deflate}, 0),
        "incomplete, 0 of its chunks"},
+      {"columns without rows", values(real, {{0, huge}, {1, 1000}, {}}, 0),
+       "claims more than is stored, expected output times of 2000000000 columns, found none"},
       {"bomb", chunk(250000000, "\x78\x01\x03"), "expected 2000000000 bytes, found 3 compressed"},
       {"short chunk", chunk(4, four_bytes), "damaged compressed bytes"},
       {"other files",
