@@ -7,7 +7,8 @@
 namespace quillet {
 
 // The first scalar and the first vector dataset, which tell the sizes of the file, and those whose
-// paths hold one of the words, in any case; without words all. A word has neither '|' nor '"'.
+// paths hold one of the words, in any case; without words all. A word has neither '|' nor '"', and
+// does not begin with '/'.
 struct XfTrialScope {
   std::vector<std::string> words;
 
