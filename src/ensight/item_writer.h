@@ -1,7 +1,6 @@
 // Many items of one width into an output, and single numbers as texts.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -10,24 +9,10 @@
 
 namespace quillet {
 
-// Writes `count` items of `width` bytes in pieces. format(first, end, at) puts the items from
-// `first` to before `end` into the memory at `at`; it touches nothing else, so that pieces depend
-// neither on each other nor on their order, and the crew can share them.
-template <typename Format>
-void WRITE_PIECES(OutputUnit& out, std::int64_t count, int width, Format format) {
-  const std::int64_t in_piece = static_cast<std::int64_t>(OutputUnit::piece_size) / width;
-  out.write_pieces((count + in_piece - 1) / in_piece, [&](std::int64_t number, char* at) {
-    const std::int64_t first = number * in_piece;
-    const std::int64_t end = std::min(first + in_piece, count);
-    format(first, end, at);
-    return static_cast<std::size_t>((end - first) * width);
-  });
-}
-
 // Calls write(index, at), which returns the end of what it wrote, for every index from 0.
 template <typename WriteItem>
 void WRITE_ITEMS(OutputUnit& out, std::int64_t count, int width, WriteItem write) {
-  WRITE_PIECES(out, count, width, [write](std::int64_t first, std::int64_t end, char* at) {
+  out.write_items(count, width, [write](std::int64_t first, std::int64_t end, char* at) {
     for (std::int64_t i = first; i < end; ++i) at = write(i, at);
   });
 }

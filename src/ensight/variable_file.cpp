@@ -56,7 +56,7 @@ float centre_value(const ElementBlock& block, std::size_t element,
 // formatted at once to stay in the processor's first cache.
 template <typename Take>
 void write_values(OutputUnit& out, std::int32_t count, Take take) {
-  WRITE_PIECES(out, count, e12_5_line_width, [&](std::int64_t first, std::int64_t end, char* at) {
+  out.write_items(count, e12_5_line_width, [&](std::int64_t first, std::int64_t end, char* at) {
     std::array<float, values_per_piece> values;
     while (first < end) {
       const std::int64_t at_once = std::min<std::int64_t>(values_per_piece, end - first);

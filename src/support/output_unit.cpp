@@ -102,39 +102,48 @@ void OutputUnit::write(const void* data, std::size_t size) {
   keep(size);
 }
 
-void OutputUnit::write_pieces(std::int64_t count, const FillPiece& fill) {
-  constexpr std::int64_t fewest_shared = 16;  // 2 MiB: less takes as long as threads to start
-  if (count >= fewest_shared && !keeps_failure && WORK_CREW().has_helpers()) {
-    write_shared_pieces(count, fill);
+void OutputUnit::write_items(std::int64_t count, int size, const FillItems& fill) {
+  constexpr std::int64_t fewest_shared = std::int64_t{2}
+                                         << 20;  // bytes; less is as soon done alone
+  if (count * size >= fewest_shared && WORK_CREW().has_helpers()) {
+    write_shared_items(count, size, fill);
     return;
   }
-  for (std::int64_t number = 0; number < count; ++number) {
-    keep(fill(number, room(piece_size)));
+  const std::int64_t in_piece = static_cast<std::int64_t>(piece_size) / size;
+  for (std::int64_t first = 0; first < count; first += in_piece) {
+    const std::int64_t end = std::min(first + in_piece, count);
+    const auto bytes = static_cast<std::size_t>((end - first) * size);
+    fill(first, end, room(bytes));
+    keep(bytes);
   }
 }
 
-// The buffer as a ring: while the first piece of it is written, the crew fills those behind.
-void OutputUnit::write_shared_pieces(std::int64_t count, const FillPiece& fill) {
-  struct Piece {
-    std::size_t size = 0;
-    CrewJob job;
-  };
-  std::array<Piece, buffer_size / piece_size> ring;
-  const auto place = [&](std::int64_t number) {
-    return static_cast<std::size_t>(number) % ring.size();
-  };
-  const auto start = [&](std::int64_t number) {
-    Piece& piece = ring[place(number)];
-    char* const at = buffer.get() + place(number) * piece_size;
-    piece.job.start([&piece, &fill, number, at] { piece.size = fill(number, at); });
+// While one half of the buffer is written, the crew fills the other.
+void OutputUnit::write_shared_items(std::int64_t count, int size, const FillItems& fill) {
+  constexpr std::size_t pieces_in_half = buffer_size / piece_size / 2;
+  const std::int64_t in_piece = static_cast<std::int64_t>(piece_size) / size;
+  std::array<std::array<CrewJob, pieces_in_half>, 2> halves;
+  std::int64_t begun = 0;
+  const auto begin = [&](std::size_t half) {
+    char* at = buffer.get() + half * (buffer_size / 2);
+    for (CrewJob& piece : halves[half]) {
+      const std::int64_t first = begun;
+      begun = std::min(begun + in_piece, count);
+      if (begun == first) return;
+      piece.start_last([&fill, first, end = begun, at] { fill(first, end, at); });
+      at += (begun - first) * size;
+    }
   };
   flush();
-  for (std::int64_t number = 0; number < std::ssize(ring); ++number) start(number);
-  for (std::int64_t number = 0; number < count; ++number) {
-    Piece& piece = ring[place(number)];
-    piece.job.finish();
-    write_out(buffer.get() + place(number) * piece_size, piece.size);
-    if (number + std::ssize(ring) < count) start(number + std::ssize(ring));
+  begin(0);
+  begin(1);
+  const std::int64_t in_half = in_piece * static_cast<std::int64_t>(pieces_in_half);
+  std::size_t half = 0;
+  for (std::int64_t first = 0; first < count; first += in_half, half = 1 - half) {
+    for (CrewJob& piece : halves[half]) piece.finish();
+    const std::int64_t items = std::min(in_half, count - first);
+    write_out(buffer.get() + half * (buffer_size / 2), static_cast<std::size_t>(items * size));
+    begin(half);
   }
 }
 

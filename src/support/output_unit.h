@@ -45,14 +45,15 @@ class OutputUnit {
   // Writes over the first bytes of the file, which have been written. The last that is written.
   void write_over_start(std::string_view bytes);
 
-  // Puts piece `number` (from 0) into the memory at `at` and returns its size, at most piece_size
-  // bytes. Touches nothing else and throws nothing.
-  using FillPiece = std::function<std::size_t(std::int64_t number, char* at)>;
-  static constexpr std::size_t piece_size = buffer_size / 8;
+  // Puts items `first` to before `end` into the memory at `at`, each as many bytes long as all.
+  // Touches nothing else and throws nothing.
+  using FillItems = std::function<void(std::int64_t first, std::int64_t end, char* at)>;
 
-  // Writes `count` pieces in their order. The crew fills them, when there are enough of them to be
-  // worth it, in the buffer: no more memory is used.
-  void write_pieces(std::int64_t count, const FillPiece& fill);
+  // Writes `count` items of `size` bytes (at most piece_size) in their order. The crew fills in
+  // pieces of them, when there are enough to be worth it and nothing else is to be done, in the
+  // buffer: no more memory is used.
+  void write_items(std::int64_t count, int size, const FillItems& fill);
+  static constexpr std::size_t piece_size = buffer_size / 8;
 
   // Room for `size` bytes (at most buffer_size) in the buffer, to be filled and then kept.
   char* room(std::size_t size);
@@ -73,7 +74,7 @@ class OutputUnit {
   void write_out(const char* data, std::size_t size);
   void flush();
   void take_failure(const std::string& reason);
-  void write_shared_pieces(std::int64_t count, const FillPiece& fill);
+  void write_shared_items(std::int64_t count, int size, const FillItems& fill);
 
   struct Freer {
     void operator()(char* memory) const;

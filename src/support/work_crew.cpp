@@ -8,6 +8,13 @@ namespace quillet {
 
 void CrewJob::start(std::function<void()> new_work) {
   work = std::move(new_work);
+  is_last = false;
+  WORK_CREW().add(*this);
+}
+
+void CrewJob::start_last(std::function<void()> new_work) {
+  work = std::move(new_work);
+  is_last = true;
   WORK_CREW().add(*this);
 }
 
@@ -48,7 +55,9 @@ void WorkCrew::add(CrewJob& job) {
   {
     const std::lock_guard lock(mutex);
     job.state = CrewJob::State::waiting;
-    waiting.push_back(&job);
+    const auto place =
+        job.is_last ? waiting.end() : std::ranges::find(waiting, true, &CrewJob::is_last);
+    waiting.insert(place, &job);
   }
   job_came.notify_one();
 }
@@ -75,6 +84,11 @@ void WorkCrew::help() {
 void WorkCrew::do_first(std::unique_lock<std::mutex>& lock) {
   CrewJob& job = *waiting.front();
   waiting.pop_front();
+  perform(job, lock);
+}
+
+// Taken out of those that wait.
+void WorkCrew::perform(CrewJob& job, std::unique_lock<std::mutex>& lock) {
   job.state = CrewJob::State::running;
   lock.unlock();
   job.work();
@@ -86,7 +100,10 @@ void WorkCrew::do_first(std::unique_lock<std::mutex>& lock) {
 void WorkCrew::finish(CrewJob& job) {
   std::unique_lock lock(mutex);
   while (job.is_unfinished()) {
-    if (waiting.empty()) {
+    if (job.state == CrewJob::State::waiting) {
+      std::erase(waiting, &job);
+      perform(job, lock);
+    } else if (waiting.empty()) {
       job_done.wait(lock);
     } else {
       do_first(lock);

@@ -29,8 +29,11 @@ class CrewJob {
   // piece of work is under way.
   void start(std::function<void()> work);
 
-  // Returns when the work is done. The caller takes part: it does this job, or others that wait
-  // before it, when no helper has begun them.
+  // The same for what the caller soon does itself: helpers come to it when no other job waits.
+  void start_last(std::function<void()> work);
+
+  // Returns when the work is done. The caller takes part: it does this job when nobody has begun
+  // it, and others while somebody does this one.
   void finish();
 
   void take_back();
@@ -45,6 +48,7 @@ class CrewJob {
   bool is_unfinished() const { return state == State::waiting || state == State::running; }
 
   std::function<void()> work;
+  bool is_last = false;
   State state = State::idle;  // guarded by the crew's mutex
 };
 
@@ -73,13 +77,14 @@ class WorkCrew {
   void dismiss_helpers();
   void help();
   void do_first(std::unique_lock<std::mutex>& lock);
+  void perform(CrewJob& job, std::unique_lock<std::mutex>& lock);
 
   int thread_count = 1;
   std::vector<std::thread> helpers;
   std::mutex mutex;
   std::condition_variable job_came;
   std::condition_variable job_done;
-  std::deque<CrewJob*> waiting;
+  std::deque<CrewJob*> waiting;  // those that come last behind all others
   bool stopping = false;
 };
 
