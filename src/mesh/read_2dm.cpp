@@ -9,7 +9,6 @@
 #include "mesh/read_cards.h"
 #include "mesh/scan_2dm.h"
 #include "support/console.h"
-#include "support/line_reader.h"
 
 namespace quillet {
 namespace {
@@ -33,8 +32,7 @@ void say_reading(MeshTables<Store>& tables) {
 template <typename Store>
 void read_cards(const InputUnit& unit, MeshForm form, MeshTables<Store>& tables) {
   using Cards = typename Store::Cards;
-  LineReader reader(unit, Cards::width);
-  READ_CARDS(reader, Cards{{form}}, tables);
+  READ_CARDS(unit, Cards{{form}}, tables);
 }
 
 template <typename Store>

@@ -149,9 +149,8 @@ void READ_2DM_ELEVATIONS(const InputUnit& unit, LargeArray<float>& elevations,
   SAY("...reading .2dm file");
   size_arrays(elevations, node_count, corners, element_count.value_or(0));
 
-  LineReader reader(unit, ElevationCards::width);
   ElevationTables tables(unit, elevations, corners, element_count);
-  READ_CARDS(reader, ElevationCards{}, tables);
+  READ_CARDS(unit, ElevationCards{}, tables);
   if (tables.node_count() == elevations.size()) return;
 
   set_missing(elevations);

@@ -10,14 +10,17 @@
 //   stop_at(line)         is told of a line whose values cannot be read, the last thing there is
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "mesh/card_runs.h"
+#include "support/console.h"
+#include "support/input_unit.h"
+#include "support/line_block.h"
 #include "support/line_reader.h"
 #include "support/work_crew.h"
 
@@ -54,21 +57,41 @@ bool TAKE_LINES(const Cards& cards, std::string_view text, CardRun<Cards>& run, 
   return true;
 }
 
+// Reads from byte `position` on, where a line begins.
+template <typename Cards, typename Tables>
+void READ_CARDS_IN_ORDER(const InputUnit& file, std::int64_t position, const Cards& cards,
+                         Tables& tables) {
+  LineReader reader(file, Cards::width);
+  reader.go_to(position);
+  CardRun<Cards> run;
+  for (std::string_view text; reader.next_lines(text);) {
+    if (!TAKE_LINES(cards, text, run, tables)) return;
+  }
+}
+
 // A block of lines that is read ahead.
 template <typename Cards>
 class PieceOfLines {
  public:
+  static constexpr std::int64_t size = std::int64_t{256} << 10;
+
   PieceOfLines() : runs(most_runs) {}
 
-  void start(const Cards& cards, std::string_view lines) {
-    text = lines;
-    job.start([this, &cards] { read(cards); });
+  // Those that begin in piece `number` of the file, from 0.
+  void start(const InputUnit& file, std::int64_t number, const Cards& cards) {
+    job.start([this, &file, number, &cards] { read(file, number * size, cards); });
   }
+
+  // Returns when it is read, if it could be: from where, and to where.
+  bool has_lines_at(std::int64_t position) {
+    job.finish();
+    return is_read && block.begin() == position;
+  }
+  std::int64_t end() const { return block.end(); }
 
   template <typename Tables>
   bool take(const Cards& cards, Tables& tables) {
-    job.finish();
-    std::string_view rest = text;
+    std::string_view rest = block.lines();
     for (std::size_t i = 0; i < run_count; ++i) {
       if (!TAKE_RUN(cards, runs[i], rest, tables)) return false;
     }
@@ -81,10 +104,12 @@ class PieceOfLines {
   static constexpr std::size_t most_runs = 40;
 
   // An unusual number takes memory: without any, the rest is read when its turn comes.
-  void read(const Cards& cards) {
-    std::string_view rest = text;
+  void read(const InputUnit& file, std::int64_t from, const Cards& cards) {
+    is_read = false;
     run_count = 0;
     try {
+      is_read = block.read(file, from, from + size);
+      std::string_view rest = is_read ? block.lines() : std::string_view();
       for (; run_count < most_runs && !rest.empty(); ++run_count) {
         READ_RUN(cards, rest, runs[run_count]);
         rest.remove_prefix(LENGTH_OF(runs[run_count], rest));
@@ -94,37 +119,44 @@ class PieceOfLines {
     }
   }
 
-  std::string text;
+  LineBlock block;
+  bool is_read = false;
   std::vector<CardRun<Cards>> runs;
   std::size_t run_count = 0;
   CrewJob job;  // last: it ends before what it works on
 };
 
-// Each thread has a piece to work on, and two wait.
+// Each thread has a piece to work on, and two wait. What no helper can make out is read in order.
 template <typename Cards, typename Tables>
-void READ_CARDS_AHEAD(LineReader& reader, const Cards& cards, Tables& tables) {
-  std::vector<PieceOfLines<Cards>> pieces(static_cast<std::size_t>(WORK_CREW().threads()) + 2);
-  std::size_t taken = 0;
-  std::size_t started = 0;
-  do {
-    std::string_view lines;
-    while (started - taken < pieces.size() && reader.next_lines(lines)) {
-      pieces[started++ % pieces.size()].start(cards, lines);
-    }
-  } while (taken < started && pieces[taken++ % pieces.size()].take(cards, tables));
+void READ_CARDS_AHEAD(const InputUnit& file, const Cards& cards, Tables& tables) {
+  using Piece = PieceOfLines<Cards>;
+  std::vector<Piece> pieces(static_cast<std::size_t>(WORK_CREW().threads()) + 2);
+  const auto piece = [&](std::int64_t number) -> Piece& {
+    return pieces[static_cast<std::size_t>(number) % pieces.size()];
+  };
+  const std::int64_t count = (file.size() + Piece::size - 1) / Piece::size;
+  std::int64_t position = 0;
+  std::int64_t started = 0;
+  for (std::int64_t number = 0; number < count; ++number) {
+    END_IF_INTERRUPTED();
+    const std::int64_t end = std::min(count, number + std::ssize(pieces));
+    for (; started < end; ++started) piece(started).start(file, started, cards);
+    if (!piece(number).has_lines_at(position)) break;
+    position = piece(number).end();
+    if (!piece(number).take(cards, tables)) return;
+  }
+  READ_CARDS_IN_ORDER(file, position, cards, tables);
 }
 
 // Throws std::bad_alloc.
 template <typename Cards, typename Tables>
-void READ_CARDS(LineReader& reader, const Cards& cards, Tables& tables) {
+void READ_CARDS(const InputUnit& file, const Cards& cards, Tables& tables) {
   // A smaller file is read in the time that it takes to start a thread and wake it.
   constexpr std::int64_t least_shared = std::int64_t{8} << 20;
-  if (WORK_CREW().has_helpers() && reader.bytes_left() >= least_shared) {
-    return READ_CARDS_AHEAD(reader, cards, tables);
-  }
-  CardRun<Cards> run;
-  for (std::string_view text; reader.next_lines(text);) {
-    if (!TAKE_LINES(cards, text, run, tables)) return;
+  if (WORK_CREW().has_helpers() && file.size() >= least_shared) {
+    READ_CARDS_AHEAD(file, cards, tables);
+  } else {
+    READ_CARDS_IN_ORDER(file, 0, cards, tables);
   }
 }
 

@@ -54,7 +54,7 @@ void READ_SUP(SUP_FILE_TYPE& sup) try {
   sup.data_file_count = count_data_files(reader);
   SAY("Found: " + AINTEGER(sup.data_file_count) + " data file in .sup file.");
   SAY("Rewinding .sup file...");
-  reader.rewind();
+  reader.go_to(0);
   SAY("   Done.");
 
   SAY("Allocate arrarys for .sup file data.");

@@ -46,16 +46,11 @@ bool LineReader::next_lines(std::string_view& lines) {
   return true;
 }
 
-std::int64_t LineReader::bytes_left() const {
-  const std::int64_t beyond = file.size() - file_position;
-  return std::max<std::int64_t>(beyond, 0) + static_cast<std::int64_t>(filled - start);
-}
-
-void LineReader::rewind() {
+void LineReader::go_to(std::int64_t position) {
   start = 0;
   filled = 0;
   lines_end = 0;
-  file_position = 0;
+  file_position = position;
 }
 
 // Goes on to the lines that follow those in the block; false at the end of the file. Of a line

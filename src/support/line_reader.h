@@ -32,11 +32,8 @@ class LineReader {
   // beyond the width. False at the end of the file. The characters stay until the next call.
   bool next_lines(std::string_view& lines);
 
-  // Bytes of the file that no call has handed out.
-  std::int64_t bytes_left() const;
-
-  // Back to the first line.
-  void rewind();
+  // The next line is the one that begins at byte `position` of the file.
+  void go_to(std::int64_t position);
 
  private:
   bool fetch_lines();
