@@ -13,6 +13,7 @@
 #include "results/output_pieces.h"
 #include "results/results_record.h"
 #include "support/input_unit.h"
+#include "support/reading_ahead.h"
 
 namespace quillet {
 
@@ -65,6 +66,9 @@ class DatReader {
     look_for_step();
     return !step_follows;
   }
+
+  // What has not been passed yet.
+  FileStretch rest() const { return {file.name(), position, file.size()}; }
 
   // At the end, once that has been asked: whether the file goes on with something that is no output
   // time.

@@ -33,6 +33,8 @@ class DatSource : public ResultSource {
     reader.limit_to(nodes, cells);
   }
 
+  FileStretch stretch_ahead() const override { return reader.rest(); }
+
   bool at_end() const override { return reader.at_end(); }
   double next_time() override { return reader.next_time(); }
   bool has_short_times() const override { return true; }

@@ -9,6 +9,7 @@
 #include "results/special_times.h"
 #include "support/console.h"
 #include "support/numbers.h"
+#include "support/reading_ahead.h"
 
 namespace quillet {
 namespace {
@@ -42,13 +43,23 @@ void read_file_extreme(Extreme extreme, OperationJob& job, ResultSource& source)
   }
 }
 
-// The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
 // Only levels of dry nodes mean nothing; every other quantity is 0 there.
-std::optional<MESH_GEOMETRY_TYPE> mesh_for_levels(const OperationJob& job) {
+bool needs_mesh(const OperationJob& job) {
   const auto& types = job.inputs.types;
-  const bool has_levels = std::any_of(types.begin(), types.end(),
-                                      [](const InputType& type) { return type.is_water_level; });
-  if (!job.wet_dry_test || job.shape.is_vector || !has_levels) return std::nullopt;
+  return job.wet_dry_test && !job.shape.is_vector &&
+         std::any_of(types.begin(), types.end(),
+                     [](const InputType& type) { return type.is_water_level; });
+}
+
+// What is read after the mesh.
+FileStretch first_values(Extreme extreme, const OperationJob& job) {
+  ResultSource& source = *job.inputs.sources.front();
+  if (job.time || !SCAN_READS_ALL_TIMES(extreme, job.ignore_stored, source)) return {};
+  return source.stretch_ahead();
+}
+
+// The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
+MESH_GEOMETRY_TYPE load_mesh(const OperationJob& job) {
   SAY("...need to read .2dm file for _h data type");
   MESH_GEOMETRY_TYPE mesh;
   LOAD_MESH(job.inputs.types.front().mesh_file, job.shape.node_count, job.shape.cell_count, mesh);
@@ -118,8 +129,13 @@ void RUN_EXTREME(Extreme extreme, OperationJob& job) {
   if (job.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
   }
-  const std::optional<MESH_GEOMETRY_TYPE> mesh = mesh_for_levels(job);
-  if (mesh) size_unknown_cells(job, *mesh);
+  std::optional<ReadingAhead> ahead;
+  std::optional<MESH_GEOMETRY_TYPE> mesh;
+  if (needs_mesh(job)) {
+    ahead.emplace(first_values(extreme, job));
+    mesh = load_mesh(job);
+    size_unknown_cells(job, *mesh);
+  }
   fold_inputs(extreme, job, mesh);
   write_maps(extreme, job);
   SAY("Closing input file");

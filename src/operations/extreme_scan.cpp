@@ -87,6 +87,14 @@ class KeptPieces : public OutputPieces {
   RES_TYPE& record;
 };
 
+// Whether a scan will end at stored values: then nothing else needs to be read.
+bool ends_at_stored_values(ResultSource& source) {
+  const std::vector<float> times = source.times_ahead();
+  const auto end = std::find_if(times.begin(), times.end(), is_when_stored);
+  if (end != times.end()) return is_stored(*end);
+  return !times.empty() && is_stored(times.back());
+}
+
 class Scan {
  public:
   Scan(Extreme which, bool ignores_stored, ResultSource& scanned, FileExtreme& result)
@@ -123,7 +131,7 @@ class Scan {
   }
 
   void compare_all_but_last() {
-    const bool takes_stored = !ignore_stored && ends_at_stored_values();
+    const bool takes_stored = !ignore_stored && ends_at_stored_values(source);
     float time = source.scan_next();
     for (; !source.at_end() && !is_when_stored(time); time = source.scan_next()) {
       if (pass_over_map(time)) continue;
@@ -153,14 +161,6 @@ class Scan {
     }
   }
 
-  // Whether the scan will end at stored values: then nothing else needs to be read.
-  bool ends_at_stored_values() const {
-    const std::vector<float> times = source.times_ahead();
-    const auto end = std::find_if(times.begin(), times.end(), is_when_stored);
-    if (end != times.end()) return is_stored(*end);
-    return !times.empty() && is_stored(times.back());
-  }
-
   static bool pass_over_map(float time) {
     if (!IS_MARKER_MAP(time)) return false;
     SAY(std::string(marker_map_passed_over) + AREAL(time));
@@ -184,6 +184,12 @@ class Scan {
 void SCAN_FOR_EXTREME(Extreme extreme, bool ignore_stored, ResultSource& source,
                       FileExtreme& file) {
   Scan(extreme, ignore_stored, source, file).perform();
+}
+
+bool SCAN_READS_ALL_TIMES(Extreme extreme, bool ignore_stored, ResultSource& source) {
+  if (ignore_stored) return true;
+  return !source.has_stored(extreme) &&
+         !(source.stored_extremes_end_walk() && ends_at_stored_values(source));
 }
 
 }  // namespace quillet

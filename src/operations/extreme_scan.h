@@ -15,4 +15,8 @@ namespace quillet {
 // time 99999, and then they are the whole result. Times of maxima (99999.1) end the scan.
 void SCAN_FOR_EXTREME(Extreme extreme, bool ignore_stored, ResultSource& source, FileExtreme& file);
 
+// Whether that will read the values of all output times, and not stored extremes alone. To be asked
+// before the walk begins. Says nothing.
+bool SCAN_READS_ALL_TIMES(Extreme extreme, bool ignore_stored, ResultSource& source);
+
 }  // namespace quillet

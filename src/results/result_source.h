@@ -12,6 +12,7 @@
 #include "results/result_dataset.h"
 #include "results/result_shape.h"
 #include "results/results_record.h"
+#include "support/reading_ahead.h"
 
 namespace quillet {
 
@@ -31,6 +32,10 @@ class ResultSource {
   // (indices, ascending) are looked at: a source may leave all others as they were.
   virtual void limit_to(const std::vector<std::int32_t>& nodes,
                         const std::vector<std::int32_t>& cells) = 0;
+
+  // Where the values of the walk begin, for who reads them ahead: a hint, empty where a file has
+  // them in many places.
+  virtual FileStretch stretch_ahead() const { return {}; }
 
   // Whether there is a walk over output times; to be asked where stored extremes alone would do.
   virtual bool has_walk() const { return true; }
