@@ -103,8 +103,8 @@ void OutputUnit::write(const void* data, std::size_t size) {
 }
 
 void OutputUnit::write_items(std::int64_t count, int size, const FillItems& fill) {
-  constexpr std::int64_t fewest_shared = std::int64_t{2}
-                                         << 20;  // bytes; less is as soon done alone
+  // Fewer bytes are as soon filled in by one.
+  constexpr std::int64_t fewest_shared = std::int64_t{2} << 20;
   if (count * size >= fewest_shared && WORK_CREW().has_helpers()) {
     write_shared_items(count, size, fill);
     return;
