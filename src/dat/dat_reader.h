@@ -13,7 +13,6 @@
 #include "results/output_pieces.h"
 #include "results/results_record.h"
 #include "support/input_unit.h"
-#include "support/reading_ahead.h"
 
 namespace quillet {
 

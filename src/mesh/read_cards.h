@@ -109,7 +109,8 @@ class PieceOfLines {
     run_count = 0;
     try {
       is_read = block.read(file, from, from + size);
-      std::string_view rest = is_read ? block.lines() : std::string_view();
+      if (!is_read) return;
+      std::string_view rest = block.lines();
       for (; run_count < most_runs && !rest.empty(); ++run_count) {
         READ_RUN(cards, rest, runs[run_count]);
         rest.remove_prefix(LENGTH_OF(runs[run_count], rest));
@@ -126,7 +127,8 @@ class PieceOfLines {
   CrewJob job;  // last: it ends before what it works on
 };
 
-// Each thread has a piece to work on, and two wait. What no helper can make out is read in order.
+// Each thread has a piece to work on, and two wait. From a block on that none can read, as
+// with a line of half a MiB, the file is read in order.
 template <typename Cards, typename Tables>
 void READ_CARDS_AHEAD(const InputUnit& file, const Cards& cards, Tables& tables) {
   using Piece = PieceOfLines<Cards>;

@@ -54,8 +54,10 @@ bool needs_mesh(const OperationJob& job) {
 // What is read after the mesh.
 FileStretch first_values(Extreme extreme, const OperationJob& job) {
   ResultSource& source = *job.inputs.sources.front();
-  if (job.time || !SCAN_READS_ALL_TIMES(extreme, job.ignore_stored, source)) return {};
-  return source.stretch_ahead();
+  FileStretch values = source.stretch_ahead();
+  const bool are_read = !job.time && MAY_BE_READ_AHEAD(values) &&
+                        SCAN_READS_ALL_TIMES(extreme, job.ignore_stored, source);
+  return are_read ? values : FileStretch();
 }
 
 // The mesh that tells which nodes belong to active cells, of the first input: all share its counts.
@@ -129,7 +131,7 @@ void RUN_EXTREME(Extreme extreme, OperationJob& job) {
   if (job.ignore_stored) {
     SAY("-Ignore_MM specified - Ignoring stored maximums or minimums if they exist.");
   }
-  std::optional<ReadingAhead> ahead;
+  std::optional<ReadingAhead> ahead;  // of the mesh, and then of the scan as far as it goes
   std::optional<MESH_GEOMETRY_TYPE> mesh;
   if (needs_mesh(job)) {
     ahead.emplace(first_values(extreme, job));
@@ -137,6 +139,7 @@ void RUN_EXTREME(Extreme extreme, OperationJob& job) {
     size_unknown_cells(job, *mesh);
   }
   fold_inputs(extreme, job, mesh);
+  ahead.reset();
   write_maps(extreme, job);
   SAY("Closing input file");
   for (const auto& source : job.inputs.sources) source->close();

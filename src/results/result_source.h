@@ -12,7 +12,7 @@
 #include "results/result_dataset.h"
 #include "results/result_shape.h"
 #include "results/results_record.h"
-#include "support/reading_ahead.h"
+#include "support/input_unit.h"
 
 namespace quillet {
 

@@ -9,6 +9,13 @@
 
 namespace quillet {
 
+// Bytes of a file, `end` not among them.
+struct FileStretch {
+  std::string name;
+  std::int64_t begin = 0;
+  std::int64_t end = 0;
+};
+
 class InputUnit {
  public:
   InputUnit() = default;

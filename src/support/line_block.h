@@ -14,9 +14,9 @@ namespace quillet {
 class LineBlock {
  public:
   // Reads the lines that begin from byte `begin` to before `end` of the file and have a line end.
-  // Tells nothing, for a helper: false when the system cannot read, and for what only reading in
-  // order can make out (no line begins in the rest of the file, or the last line here is longer
-  // than 512 KiB). Throws std::bad_alloc.
+  // Tells nothing, for a helper: false when the system cannot read, and where only reading in order
+  // can tell what is there (no line begins here, or the last one goes on for half a MiB). Throws
+  // std::bad_alloc.
   bool read(const InputUnit& file, std::int64_t begin, std::int64_t end);
 
   // Where in the file the lines begin, and the one that follows them.

@@ -120,29 +120,34 @@ void OutputUnit::write_items(std::int64_t count, int size, const FillItems& fill
 
 // While one half of the buffer is written, the crew fills the other.
 void OutputUnit::write_shared_items(std::int64_t count, int size, const FillItems& fill) {
-  constexpr std::size_t pieces_in_half = buffer_size / piece_size / 2;
+  struct Half {
+    char* start = nullptr;
+    std::size_t bytes = 0;
+    std::array<CrewJob, buffer_size / piece_size / 2> pieces{};
+  };
   const std::int64_t in_piece = static_cast<std::int64_t>(piece_size) / size;
-  std::array<std::array<CrewJob, pieces_in_half>, 2> halves;
   std::int64_t begun = 0;
-  const auto begin = [&](std::size_t half) {
-    char* at = buffer.get() + half * (buffer_size / 2);
-    for (CrewJob& piece : halves[half]) {
+  const auto begin = [&](Half& half) {
+    half.bytes = 0;
+    for (CrewJob& piece : half.pieces) {
       const std::int64_t first = begun;
       begun = std::min(begun + in_piece, count);
       if (begun == first) return;
+      char* const at = half.start + half.bytes;
       piece.start_last([&fill, first, end = begun, at] { fill(first, end, at); });
-      at += (begun - first) * size;
+      half.bytes += static_cast<std::size_t>((begun - first) * size);
     }
   };
   flush();
-  begin(0);
-  begin(1);
-  const std::int64_t in_half = in_piece * static_cast<std::int64_t>(pieces_in_half);
-  std::size_t half = 0;
-  for (std::int64_t first = 0; first < count; first += in_half, half = 1 - half) {
-    for (CrewJob& piece : halves[half]) piece.finish();
-    const std::int64_t items = std::min(in_half, count - first);
-    write_out(buffer.get() + half * (buffer_size / 2), static_cast<std::size_t>(items * size));
+  std::array<Half, 2> halves;
+  for (std::size_t i = 0; i < halves.size(); ++i) {
+    halves[i].start = buffer.get() + i * (buffer_size / 2);
+    begin(halves[i]);
+  }
+  for (std::size_t next = 0; halves[next].bytes > 0; next = 1 - next) {
+    Half& half = halves[next];
+    for (CrewJob& piece : half.pieces) piece.finish();
+    write_out(half.start, half.bytes);
     begin(half);
   }
 }

@@ -49,9 +49,9 @@ class OutputUnit {
   // Touches nothing else and throws nothing.
   using FillItems = std::function<void(std::int64_t first, std::int64_t end, char* at)>;
 
-  // Writes `count` items of `size` bytes (at most piece_size) in their order. The crew fills in
-  // pieces of them, when there are enough to be worth it and nothing else is to be done, in the
-  // buffer: no more memory is used.
+  // Writes `count` items of `size` bytes (at most piece_size) in their order. Where there are
+  // enough to be worth it they are filled in by pieces, also by helpers that have nothing else to
+  // do, in the buffer: no more memory is used.
   void write_items(std::int64_t count, int size, const FillItems& fill);
   static constexpr std::size_t piece_size = buffer_size / 8;
 

@@ -5,19 +5,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <string>
 #include <thread>
 
-#include "support/system_files.h"
+#include "support/input_unit.h"
 
 namespace quillet {
-
-// Bytes of a file, `end` not among them.
-struct FileStretch {
-  std::string name;
-  std::int64_t begin = 0;
-  std::int64_t end = 0;
-};
 
 struct ReadingAheadLimits {
   std::int64_t least = std::int64_t{32} << 20;  // bytes that are worth a thread
@@ -28,9 +20,12 @@ struct ReadingAheadLimits {
   std::chrono::microseconds longest_wait{3000};
 };
 
+// Whether there are enough bytes, and threads may help.
+bool MAY_BE_READ_AHEAD(const FileStretch& stretch, const ReadingAheadLimits& limits = {});
+
 class ReadingAhead {
  public:
-  // Begins where threads may help and the disk is of the kind that gains. A file that cannot be
+  // Begins where it may and the disk is of the kind that gains. A file that cannot be
   // read is left to whoever reads it in earnest. A stretch is expected to end with its file.
   explicit ReadingAhead(const FileStretch& stretch, const ReadingAheadLimits& limits = {});
   ReadingAhead(const ReadingAhead&) = delete;
@@ -43,6 +38,7 @@ class ReadingAhead {
   std::int64_t position() const { return next; }
 
  private:
+  void begin();
   void read();
 
   SystemFile file = no_file;

@@ -6,15 +6,9 @@
 
 namespace quillet {
 
-void CrewJob::start(std::function<void()> new_work) {
+void CrewJob::hand_out(std::function<void()> new_work, bool comes_last) {
   work = std::move(new_work);
-  is_last = false;
-  WORK_CREW().add(*this);
-}
-
-void CrewJob::start_last(std::function<void()> new_work) {
-  work = std::move(new_work);
-  is_last = true;
+  is_last = comes_last;
   WORK_CREW().add(*this);
 }
 
@@ -77,18 +71,18 @@ void WorkCrew::help() {
   for (;;) {
     job_came.wait(lock, [&] { return stopping || !waiting.empty(); });
     if (stopping) return;
-    do_first(lock);
+    perform(*waiting.front(), lock);
   }
 }
 
-void WorkCrew::do_first(std::unique_lock<std::mutex>& lock) {
-  CrewJob& job = *waiting.front();
-  waiting.pop_front();
-  perform(job, lock);
+CrewJob* WorkCrew::first_waiting(bool only_last) const {
+  const auto job =
+      only_last ? std::ranges::find(waiting, true, &CrewJob::is_last) : waiting.begin();
+  return job == waiting.end() ? nullptr : *job;
 }
 
-// Taken out of those that wait.
 void WorkCrew::perform(CrewJob& job, std::unique_lock<std::mutex>& lock) {
+  std::erase(waiting, &job);
   job.state = CrewJob::State::running;
   lock.unlock();
   job.work();
@@ -100,13 +94,11 @@ void WorkCrew::perform(CrewJob& job, std::unique_lock<std::mutex>& lock) {
 void WorkCrew::finish(CrewJob& job) {
   std::unique_lock lock(mutex);
   while (job.is_unfinished()) {
-    if (job.state == CrewJob::State::waiting) {
-      std::erase(waiting, &job);
-      perform(job, lock);
-    } else if (waiting.empty()) {
-      job_done.wait(lock);
+    CrewJob* const next = job.state == CrewJob::State::waiting ? &job : first_waiting(job.is_last);
+    if (next != nullptr) {
+      perform(*next, lock);
     } else {
-      do_first(lock);
+      job_done.wait(lock);
     }
   }
   job.state = CrewJob::State::idle;

@@ -1,7 +1,7 @@
-// Helper threads that share the work of a run. Jobs are pieces of computation on memory: they print
-// nothing, call no library that is not for threads, end no run and throw nothing; what they meet
-// they note, and who waits for them tells it. So what a run reads, writes and says is the same with
-// any number of threads.
+// Helper threads that share the work of a run. Jobs print nothing, call no library that is not for
+// threads, end no run and throw nothing; what they meet they note, and who waits for them tells it.
+// A job may start jobs, and waits for no others than those. So what a run reads, writes and says is
+// the same with any number of threads.
 #pragma once
 
 #include <condition_variable>
@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace quillet {
@@ -25,15 +26,16 @@ class CrewJob {
   CrewJob& operator=(const CrewJob&) = delete;
   ~CrewJob() { take_back(); }
 
-  // Hands the work to the crew, which does jobs in the order in which they come. Not while another
-  // piece of work is under way.
-  void start(std::function<void()> work);
+  // Hands the work to the crew, whose helpers do jobs in the order in which they come. Not while
+  // another piece of work is under way.
+  void start(std::function<void()> new_work) { hand_out(std::move(new_work), false); }
 
-  // The same for what the caller soon does itself: helpers come to it when no other job waits.
-  void start_last(std::function<void()> work);
+  // The same for a small piece that the caller soon does itself: helpers come to it when no other
+  // job waits.
+  void start_last(std::function<void()> new_work) { hand_out(std::move(new_work), true); }
 
   // Returns when the work is done. The caller takes part: it does this job when nobody has begun
-  // it, and others while somebody does this one.
+  // it, and others while somebody does this one; while it waits for a small piece, small ones.
   void finish();
 
   void take_back();
@@ -45,10 +47,11 @@ class CrewJob {
   friend class WorkCrew;
   enum class State { idle, waiting, running, done };
 
+  void hand_out(std::function<void()> new_work, bool comes_last);
   bool is_unfinished() const { return state == State::waiting || state == State::running; }
 
   std::function<void()> work;
-  bool is_last = false;
+  bool is_last = false;       // among those that wait
   State state = State::idle;  // guarded by the crew's mutex
 };
 
@@ -76,7 +79,7 @@ class WorkCrew {
   void start_helpers();
   void dismiss_helpers();
   void help();
-  void do_first(std::unique_lock<std::mutex>& lock);
+  CrewJob* first_waiting(bool only_last) const;
   void perform(CrewJob& job, std::unique_lock<std::mutex>& lock);
 
   int thread_count = 1;

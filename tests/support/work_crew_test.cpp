@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
+#include <numeric>
 #include <vector>
 
 #include "in_crew_of.h"
@@ -57,6 +59,31 @@ TEST_P(Crews, DoAJobAgainWhenItIsStartedAgain) {
       job.finish();
     }
     EXPECT_EQ(sum, 5050);
+  });
+}
+
+// Whole files whose pieces others may fill in.
+TEST_P(Crews, DoJobsThatShareTheirPieces) {
+  test::in_crew_of(GetParam(), [] {
+    constexpr std::size_t count = 40;
+    using Pieces = std::array<int, 30>;
+    std::vector<Pieces> done(count, Pieces{});
+    const auto fill = [](Pieces& pieces) {
+      std::array<CrewJob, 4> jobs;
+      for (std::size_t first = 0; first < pieces.size(); first += jobs.size()) {
+        const std::size_t end = std::min(first + jobs.size(), pieces.size());
+        for (std::size_t i = first; i < end; ++i) {
+          jobs[i - first].start_last([&pieces, i] { pieces[i] += static_cast<int>(i) + 1; });
+        }
+        for (CrewJob& job : jobs) job.finish();
+      }
+    };
+    std::array<CrewJob, count> jobs;
+    for (std::size_t i = 0; i < count; ++i) jobs[i].start([&fill, &done, i] { fill(done[i]); });
+    for (CrewJob& job : jobs) job.finish();
+    Pieces expected;
+    std::iota(expected.begin(), expected.end(), 1);
+    for (const Pieces& pieces : done) EXPECT_EQ(pieces, expected);
   });
 }
 
