@@ -127,8 +127,8 @@ class PieceOfLines {
   CrewJob job;  // last: it ends before what it works on
 };
 
-// Each thread has a piece to work on, and two wait. From a block on that none can read, as
-// with a line of half a MiB, the file is read in order.
+// Each thread has a piece to work on, and two wait. From a piece on that none can read, as with a
+// line of half a MiB, the file is read in order.
 template <typename Cards, typename Tables>
 void READ_CARDS_AHEAD(const InputUnit& file, const Cards& cards, Tables& tables) {
   using Piece = PieceOfLines<Cards>;

@@ -25,8 +25,8 @@ bool MAY_BE_READ_AHEAD(const FileStretch& stretch, const ReadingAheadLimits& lim
 
 class ReadingAhead {
  public:
-  // Begins where it may and the disk is of the kind that gains. A file that cannot be
-  // read is left to whoever reads it in earnest. A stretch is expected to end with its file.
+  // Begins where it may and the disk is of the kind that gains. A file that cannot be read is left
+  // to whoever reads it in earnest.
   explicit ReadingAhead(const FileStretch& stretch, const ReadingAheadLimits& limits = {});
   ReadingAhead(const ReadingAhead&) = delete;
   ReadingAhead& operator=(const ReadingAhead&) = delete;

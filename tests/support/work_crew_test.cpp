@@ -89,10 +89,5 @@ TEST_P(Crews, DoJobsThatShareTheirPieces) {
 
 INSTANTIATE_TEST_SUITE_P(Threads, Crews, ::testing::Values(1, 2, 3, 8));
 
-TEST(UsualThreadCount, IsFromOneToEight) {
-  EXPECT_GE(USUAL_THREAD_COUNT(), 1);
-  EXPECT_LE(USUAL_THREAD_COUNT(), 8);
-}
-
 }  // namespace
 }  // namespace quillet
